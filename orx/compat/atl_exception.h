@@ -1,0 +1,39 @@
+// CAtlException, by which the string and array classes report an index out of range or exhausted memory.
+#pragma once
+
+#if defined(_WIN32)
+#include <winerror.h>
+#endif
+#if defined(_MSC_VER)
+#include <atlexcept.h>
+#else
+
+#include <orx/compat/export.h>
+
+#include <cstdint>
+
+#if !defined(_WIN32)
+using HRESULT = std::int32_t;  // negative: failure
+
+inline constexpr HRESULT S_OK = 0;
+inline constexpr HRESULT S_FALSE = 1;
+inline constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005U);
+inline constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000EU);
+inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057U);
+inline constexpr HRESULT DISP_E_TYPEMISMATCH = static_cast<HRESULT>(0x80020005U);
+inline constexpr HRESULT DISP_E_BADVARTYPE = static_cast<HRESULT>(0x80020008U);
+#endif
+
+// Not derived from std::exception, as on the platform that hosts know it from: catch it by its own name.
+class ORX_API CAtlException {
+ public:
+  CAtlException() noexcept = default;
+  explicit CAtlException(HRESULT result) noexcept : m_hr(result) {}
+  operator HRESULT() const noexcept { return m_hr; }
+
+  HRESULT m_hr = E_FAIL;
+};
+
+[[noreturn]] inline void AtlThrow(HRESULT result) { throw CAtlException(result); }
+
+#endif

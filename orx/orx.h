@@ -1,0 +1,18 @@
+// Every public header of orx.
+#pragma once
+
+#include <orx/compat/export.h>
+#include <orx/frame/host_callbacks.h>
+#include <orx/frame/native_path.h>
+#include <orx/projects/current_project.h>
+#include <orx/projects/qpr_file.h>
+#include <orx/text/strings.h>
+
+#if defined(__cplusplus)
+#include <orx/projects/local_settings.h>
+#include <orx/projects/platform_catalogue.h>
+#include <orx/projects/project_file.h>
+#include <orx/projects/qpl_file.h>
+#include <orx/text/string_array.h>
+#include <orx/xml/xml_document.h>
+#endif

@@ -1,0 +1,22 @@
+// Narrow text in the encoding of the process: what a byte means where multibyte characters may stand around
+// it.
+#pragma once
+
+#include <orx/compat/bstr.h>
+
+namespace orx::platform {
+
+// Space, tab, line feed, vertical tab, form feed, carriage return.
+bool is_space(char c);
+
+// Compares without regard to the case of the letters A to Z; below, at or above 0.
+int compare_no_case(const char* left, const char* right);
+
+// The last backslash that is a character of its own, or null.
+const char* last_backslash(const char* text);
+
+// A wide copy that the caller owns (null: the empty text). Raises CAtlException: E_OUTOFMEMORY, or
+// E_INVALIDARG for a text that is not valid in the encoding.
+BSTR widen(const char* text);
+
+}  // namespace orx::platform
