@@ -1,0 +1,221 @@
+#include <orx/platform/file_system.h>
+
+#include <orx/platform/paths.h>
+#include <orx/platform/posix/error_text.h>
+#include <orx/platform/posix/quiet_write.h>
+
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <utility>
+
+namespace orx::platform {
+namespace {
+
+constexpr std::size_t kBufferSize = 64 * 1024;
+constexpr int kLinksFollowed = 40;         // as many as the system itself follows
+constexpr int kTemporaryNamesTried = 100;  // names left behind by processes that were killed
+constexpr mode_t kPermissionBits = 0777;
+
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int number) : number_(number) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+
+  bool is_open() const { return number_ >= 0; }
+  operator int() const { return number_; }
+
+ private:
+  int number_ = -1;
+};
+
+// The result of a call that a signal may interrupt.
+template <class Call>
+auto uninterrupted(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
+
+bool failed(std::string& reason, std::string text = error_text(errno)) {
+  reason = std::move(text);
+  return false;
+}
+
+// Where the name at the end of a path leads, through links that need not lead to anything yet. The links on
+// the way to it are the system's business.
+bool follow_links(std::string& path, std::string& reason) {
+  for (int followed = 0; followed <= kLinksFollowed; ++followed) {
+    char target[PATH_MAX];
+    const ssize_t size = readlink(path.c_str(), target, sizeof target);
+    if (size < 0) return errno == EINVAL || errno == ENOENT || failed(reason);
+    const std::size_t folder = target[0] == '/' ? 0 : path.rfind('/') + 1;
+    path.replace(folder, std::string::npos, target, static_cast<std::size_t>(size));
+  }
+  return failed(reason, error_text(ELOOP));
+}
+
+// A name of its own length, so that one of full length can be replaced too.
+std::string temporary_name() {
+  static std::atomic<unsigned> counter = 0;
+  char name[32];
+  std::snprintf(name, sizeof name, ".orx-%08x-%08x.tmp", static_cast<unsigned>(getpid()), ++counter);
+  return name;
+}
+
+void keep_owner(int file, const struct stat& old) {
+  if (fchown(file, old.st_uid, old.st_gid) == 0) return;
+  // Only the administrator may give files away; a group of one's own is worth keeping all the same.
+  [[maybe_unused]] const int ignored = fchown(file, static_cast<uid_t>(-1), old.st_gid);
+}
+
+}  // namespace
+
+EntryKind entry_kind(const char* path) {
+  const KeptErrno kept;
+  struct stat status;
+  if (stat(system_path(path).c_str(), &status) != 0) return EntryKind::kNone;
+  return S_ISDIR(status.st_mode) ? EntryKind::kFolder : EntryKind::kFile;
+}
+
+// All names are taken in the folder that was opened, wherever the process or the folder moves meanwhile.
+struct FileReplacement::State {
+  Descriptor folder;
+  Descriptor file;
+  std::string name;
+  std::string temporary;  // empty: there is none (any more)
+  std::string buffer;
+
+  ~State() {
+    if (!temporary.empty()) unlinkat(folder, temporary.c_str(), 0);
+  }
+
+  bool OpenFolder(const std::string& path, std::string& reason) {
+    const std::size_t name_at = path.rfind('/') + 1;
+    name = path.substr(name_at);
+    if (name.empty()) return failed(reason, error_text(path.empty() ? ENOENT : EISDIR));
+    const std::string parent = name_at == 0 ? "." : path.substr(0, name_at);
+    folder = Descriptor(open(parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    return folder.is_open() || failed(reason);
+  }
+
+  // The old file is never opened: one that is a pipe would block.
+  bool CheckOld(struct stat& old, bool& exists, std::string& reason) const {
+    exists = fstatat(folder, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+    if (!exists) return errno == ENOENT || failed(reason);
+    if (S_ISDIR(old.st_mode)) return failed(reason, error_text(EISDIR));
+    if (!S_ISREG(old.st_mode)) return failed(reason, "Not a regular file");
+    return faccessat(folder, name.c_str(), W_OK, AT_EACCESS) == 0 || failed(reason);
+  }
+
+  bool CreateTemporary(mode_t mode, std::string& reason) {
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+    for (int tried = 0; tried < kTemporaryNamesTried; ++tried) {
+      std::string candidate = temporary_name();
+      file = Descriptor(uninterrupted([&] { return openat(folder, candidate.c_str(), kFlags, mode); }));
+      if (file.is_open()) {
+        temporary = std::move(candidate);
+        return true;
+      }
+      if (errno != EEXIST) break;
+    }
+    return failed(reason);
+  }
+
+  // The owner goes first: changing it can take permissions away.
+  bool TakeOver(const struct stat& old, std::string& reason) const {
+    keep_owner(file, old);
+    return fchmod(file, old.st_mode & kPermissionBits) == 0 || failed(reason);
+  }
+
+  bool WriteThrough(const char* bytes, std::size_t size, std::string& reason) const {
+    while (size > 0) {
+      const ssize_t written = uninterrupted([&] { return quiet_write(file, bytes, size); });
+      if (written < 0) return failed(reason);
+      bytes += written;
+      size -= static_cast<std::size_t>(written);
+    }
+    return true;
+  }
+
+  bool Flush(std::string& reason) {
+    const bool written = WriteThrough(buffer.data(), buffer.size(), reason);
+    buffer.clear();
+    return written;
+  }
+
+  bool Open(const char* path, std::string& reason) {
+    std::string target = system_path(path);
+    struct stat old;
+    bool exists = false;
+    if (!follow_links(target, reason) || !OpenFolder(target, reason)) return false;
+    if (!CheckOld(old, exists, reason)) return false;
+    // The new content of a private file is never open to others; a file that is new is as the umask says.
+    if (!CreateTemporary(exists ? 0600 : 0666, reason)) return false;
+    buffer.reserve(kBufferSize);
+    return !exists || TakeOver(old, reason);
+  }
+
+  bool Write(const char* bytes, std::size_t size, std::string& reason) {
+    if (buffer.size() + size > kBufferSize && !Flush(reason)) return false;
+    if (size > kBufferSize) return WriteThrough(bytes, size, reason);
+    buffer.append(bytes, size);
+    return true;
+  }
+
+  bool Commit(std::string& reason) {
+    if (!Flush(reason)) return false;
+    if (uninterrupted([&] { return fsync(file); }) != 0) return failed(reason);
+    if (renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) return failed(reason);
+    temporary.clear();
+    // The new file is in place; that its name is on disk too is worth an attempt, but no failure any more.
+    const Descriptor readable(openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (readable.is_open()) uninterrupted([&] { return fsync(readable); });
+    return true;
+  }
+};
+
+FileReplacement::FileReplacement() = default;
+
+FileReplacement::~FileReplacement() {
+  const KeptErrno kept;
+  state_.reset();
+}
+
+bool FileReplacement::Open(const char* path, std::string& reason) {
+  const KeptErrno kept;
+  state_.reset();
+  auto state = std::make_unique<State>();
+  if (!state->Open(path, reason)) return false;
+  state_ = std::move(state);
+  return true;
+}
+
+bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& reason) {
+  const KeptErrno kept;
+  std::unique_ptr<State> state = std::move(state_);
+  if (state == nullptr) return failed(reason, "No file is open");
+  if (!state->Write(static_cast<const char*>(bytes), size, reason)) return false;
+  state_ = std::move(state);
+  return true;
+}
+
+bool FileReplacement::Commit(std::string& reason) {
+  const KeptErrno kept;
+  const std::unique_ptr<State> state = std::move(state_);
+  if (state == nullptr) return failed(reason, "No file is open");
+  return state->Commit(reason);
+}
+
+}  // namespace orx::platform

@@ -1,0 +1,14 @@
+#include <orx/platform/message_box.h>
+
+#include <orx/platform/posix/error_text.h>
+
+#include <cstdio>
+
+namespace orx::platform {
+
+void show_error_box(const char* text, const char* caption) {
+  const KeptErrno kept;
+  std::fprintf(stderr, "%s: %s\n", caption, text);
+}
+
+}  // namespace orx::platform
