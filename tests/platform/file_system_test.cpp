@@ -1,0 +1,135 @@
+#include <orx/platform/file_system.h>
+
+#include <gtest/gtest.h>
+#include <tests/support/temp_folder.h>
+
+#include <grp.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using namespace orx::platform;
+using namespace orx::testing;
+
+namespace {
+
+// The reason of the failure; empty when the file was replaced.
+std::string replace(const std::string& path, const std::string& content) {
+  FileReplacement file;
+  std::string reason;
+  errno = 77;
+  const bool done = file.Open(path.c_str(), reason) && file.Write(content.data(), content.size(), reason) &&
+                    file.Commit(reason);
+  EXPECT_TRUE(errno == 77 && done == reason.empty()) << errno << reason;
+  return reason;
+}
+
+std::ptrdiff_t entries(const TempFolder& folder) {
+  return std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator());
+}
+
+TEST(FileReplacement, ShowsAllThatWasWrittenOnceItIsCommitted) {
+  const TempFolder folder;
+  write_file(folder.path("file"), "old");
+  std::string reason, expected;
+  FileReplacement file;
+  EXPECT_TRUE(FileReplacement().Open(folder.path("file").c_str(), reason)) << reason;  // and given up
+  ASSERT_TRUE(file.Open(folder.suite_path("file").c_str(), reason)) << reason;
+  for (const std::size_t size : {1U, 200'000U, 1U, 65'536U, 0U, 65'535U, 2U}) {
+    const std::string piece(size, static_cast<char>('a' + expected.size() % 26));
+    ASSERT_TRUE(file.Write(piece.data(), size, reason)) << reason;
+    expected += piece;
+  }
+  EXPECT_EQ(read_file(folder.path("file")), "old");
+  ASSERT_TRUE(file.Commit(reason)) << reason;
+  EXPECT_EQ(read_file(folder.path("file")), expected);
+  EXPECT_EQ(entries(folder), 1);
+  EXPECT_FALSE(file.Write("c", 1, reason) || file.Commit(reason));
+}
+
+TEST(FileReplacement, KeepsPermissionsOwnerAndLinks) {
+  const TempFolder folder;
+  const std::string old = folder.path("old"), longest = folder.path(std::string(255, 'n'));
+  write_file(old, "old");
+  [[maybe_unused]] const int only_as_root = chown(old.c_str(), 1234, 5678);
+  fs::permissions(old, fs::perms(0646));
+  fs::create_directory(folder.path("sub"));
+  fs::create_symlink("sub/second", folder.path("first"));
+  fs::create_symlink("../old", folder.path("sub/second"));
+  fs::create_symlink(longest, folder.path("dangling"));
+  struct stat before, after, created;
+  stat(old.c_str(), &before);
+  const mode_t mask = umask(027);
+  EXPECT_EQ(replace(folder.path("first"), "new") + replace(folder.path("dangling"), "new"), "");
+  umask(mask);
+  ASSERT_TRUE(stat(old.c_str(), &after) == 0 && stat(longest.c_str(), &created) == 0);
+  EXPECT_TRUE(fs::is_symlink(folder.path("first")) && fs::is_symlink(folder.path("sub/second")));
+  EXPECT_EQ(read_file(old) + read_file(longest), "newnew");
+  EXPECT_EQ(std::tie(after.st_mode, after.st_uid, after.st_gid),
+            std::tie(before.st_mode, before.st_uid, before.st_gid));
+  EXPECT_EQ(created.st_mode & 0777, 0640U) << "a new file is as the umask says";
+}
+
+TEST(FileReplacement, RefusesWhatIsNotAFile) {
+  const TempFolder folder;
+  fs::create_directory(folder.path("sub"));
+  fs::create_symlink("sub", folder.path("link"));
+  fs::create_symlink("loop", folder.path("loop"));
+  ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0666), 0);
+  const std::tuple<std::string, EntryKind, const char*> cases[] = {
+      {folder.path("link"), EntryKind::kFolder, "Is a directory"},
+      {folder.suite_path("sub\\"), EntryKind::kFolder, "Is a directory"},
+      {folder.path("new/"), EntryKind::kNone, "Is a directory"},
+      {folder.path("pipe"), EntryKind::kFile, "Not a regular file"},
+      {folder.path("pipe/file"), EntryKind::kNone, "Not a directory"},
+      {folder.path("loop"), EntryKind::kNone, "Too many levels of symbolic links"},
+      {folder.path("missing/file"), EntryKind::kNone, "No such file or directory"},
+      {folder.path(std::string(256, 'n')), EntryKind::kNone, "File name too long"},
+      {"", EntryKind::kNone, "No such file or directory"},
+  };
+  for (const auto& [path, kind, reason] : cases) {
+    EXPECT_EQ(entry_kind(path.c_str()), kind) << path;
+    EXPECT_EQ(replace(path, "new"), reason) << path;
+  }
+  EXPECT_EQ(entries(folder), 4);
+}
+
+TEST(FileReplacement, RefusesWhatTheUserMayNotWrite) {
+  const TempFolder folder;
+  fs::create_directory(folder.path("closed"));
+  for (const char* name : {"closed/file", "read_only"}) write_file(folder.path(name), "old");
+  const std::pair<const char*, unsigned> modes[] = {
+      {"closed/file", 0666}, {"closed", 0555}, {"read_only", 0444}, {"", 0777}};
+  for (const auto& [name, mode] : modes) fs::permissions(folder.path(name), fs::perms(mode));
+  const pid_t child = fork();
+  if (child == 0) {  // as a user without privileges; what fails is printed from here
+    EXPECT_TRUE(geteuid() != 0 || (setgroups(0, nullptr) | setgid(65534) | setuid(65534)) == 0);
+    EXPECT_EQ(replace(folder.path("new"), "new"), "");
+    for (const char* name : {"read_only", "closed/file", "closed/new"})
+      EXPECT_EQ(replace(folder.path(name), "new"), "Permission denied") << name;
+    _exit(HasFailure() ? 1 : 0);
+  }
+  int result = -1;
+  EXPECT_TRUE(waitpid(child, &result, 0) == child && result == 0);
+  EXPECT_EQ(entries(folder), 3);
+}
+
+TEST(FileReplacement, SurvivesTheLimitOfFileSizes) {
+  const TempFolder folder;
+  write_file(folder.path("file"), "old");
+  rlimit old;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+  const rlimit lower = {50'000, old.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &lower), 0);
+  for (const std::size_t size : {100'000U, 50'001U})  // fails while writing, fails in the commit
+    EXPECT_EQ(replace(folder.path("file"), std::string(size, 'x')), "File too large");
+  EXPECT_EQ(replace(folder.path("new"), std::string(50'000, 'x')), "");
+  setrlimit(RLIMIT_FSIZE, &old);
+  EXPECT_EQ(read_file(folder.path("file")), "old");
+  EXPECT_EQ(entries(folder), 2);
+}
+
+}  // namespace
