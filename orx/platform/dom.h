@@ -56,6 +56,7 @@ bool set_text(IXMLDOMNode& node, const wchar_t* text, Reason& reason);  // null:
 // overwritten.
 bool get_attribute(IXMLDOMElement& element, const char* name, bool& exists, CStringA& text, Reason& reason);
 bool get_attribute(IXMLDOMElement& element, const char* name, VARIANT* value, Reason& reason);
+bool set_attribute(IXMLDOMElement& element, const char* name, const char* text, Reason& reason);
 // Values become text as the platform's automation does it.
 bool set_attribute(IXMLDOMElement& element, const char* name, const VARIANT& value, Reason& reason);
 

@@ -46,7 +46,8 @@ class ORX_API CQPLFile : public CProjectFile {
 
  private:
   struct List;
-  int Step(CStringA& name, CStringA& path);
+  void AddNode(IXMLDOMNode* node);
+  int WriteList();
 
   std::unique_ptr<List> list_;
 };

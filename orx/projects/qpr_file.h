@@ -101,6 +101,8 @@ class ORX_API CQPRFile : public CProjectFile {
   int IsJETPlatform();
 
  private:
+  int ReadProperties();
+  int WriteProperties();
   int DerivePaths();
 
   QPRInfo info_;

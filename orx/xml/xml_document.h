@@ -111,8 +111,15 @@ class ORX_API COrxXMLDoc {
   // Keeps the reason for GetLastFailure and answers 0.
   int Fail(const char* reason);
 
+  // As their namesakes above, for texts, and without taking a missing attribute for a failure: then the text
+  // is empty and the result 0.
+  int FindXMLAttribute(IXMLDOMNode* node, const char* name, CStringA& text);
+  int SetXMLAttributeText(IXMLDOMElement* element, const char* name, const char* text);
+
  private:
-  IXMLDOMDocument* NewDocument();
+  template <class Load>
+  int Open(IXMLDOMElement** root, Load load);
+  IXMLDOMElement* Narrow(IXMLDOMNode* node);  // keeps the reason when it is none
 
   CStringA file_name_;
   CStringA last_failure_;

@@ -1,0 +1,334 @@
+#include <orx/platform/dom.h>
+
+#include <libxml/xmlsave.h>
+#include <orx/platform/code_page.h>
+#include <orx/platform/paths.h>
+#include <orx/platform/posix/dom_parse.h>
+#include <orx/platform/posix/dom_tree.h>
+#include <orx/platform/posix/utf8.h>
+#include <orx/platform/posix/variant_text.h>
+
+#include <algorithm>
+#include <cstring>
+#include <cwchar>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orx::platform::dom {
+namespace {
+
+constexpr const char* kBlanks = " \t\r\n";
+
+using XmlText = std::unique_ptr<xmlChar, decltype(xmlFree)>;
+
+Tree& tree_of(IXMLDOMDocument& document) { return static_cast<Document&>(document).tree(); }
+Node& handle_of(IXMLDOMNode& node) { return static_cast<Node&>(node); }
+xmlNode& node_of(IXMLDOMNode& node) { return *handle_of(node).node; }
+
+// Whether a document that holds the text can be read again.
+bool is_text(std::string_view text) {
+  if (!utf8::is_valid(text) || text.find("\xEF\xBF\xBE") != text.npos ||
+      text.find("\xEF\xBF\xBF") != text.npos) {
+    return false;
+  }
+  for (const char c : text) {
+    if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r') return false;
+  }
+  return true;
+}
+
+bool accept_text(std::string_view text, Reason& reason) {
+  if (is_text(text)) return true;
+  reason = "the text holds characters that XML does not allow, or is not valid UTF-8";
+  return false;
+}
+
+bool accept_name(const char* name, Reason& reason) {
+  if (utf8::is_valid(name) && xmlValidateQName(as_xml(name), 0) == 0) return true;
+  reason = "\"" + std::string(name) + "\" is not a name of XML";
+  return false;
+}
+
+bool take(Document& document, Tree* tree, IXMLDOMElement** root) {
+  document.Hold(tree);
+  *root = tree == nullptr ? nullptr : tree->HandleOf(xmlDocGetRootElement(tree->doc()));
+  return tree != nullptr;
+}
+
+std::string qualified_name(const xmlChar* name, const xmlNs* ns) {
+  if (ns == nullptr || ns->prefix == nullptr) return as_text(name);
+  return std::string(as_text(ns->prefix)) + ':' + as_text(name);
+}
+
+xmlAttr* find_attribute(const xmlNode& element, const char* name) {
+  for (xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
+    const bool matches = attribute->ns == nullptr ? std::strcmp(as_text(attribute->name), name) == 0
+                                                  : qualified_name(attribute->name, attribute->ns) == name;
+    if (matches) return attribute;
+  }
+  return nullptr;
+}
+
+// A declaration "xmlns" or "xmlns:prefix" of the element, which libxml2 keeps apart from its attributes.
+const xmlNs* find_namespace(const xmlNode& element, std::string_view name) {
+  if (!name.starts_with("xmlns") || (name.size() > 5 && name[5] != ':')) return nullptr;
+  const std::string prefix(name.size() > 5 ? name.substr(6) : std::string_view());
+  for (const xmlNs* ns = element.nsDef; ns != nullptr; ns = ns->next) {
+    if (prefix == (ns->prefix != nullptr ? as_text(ns->prefix) : "")) return ns;
+  }
+  return nullptr;
+}
+
+bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
+  if (const xmlAttr* attribute = find_attribute(element, name)) {
+    const xmlNode* child = attribute->children;
+    if (child != nullptr && child->next == nullptr && child->type == XML_TEXT_NODE) {
+      text = as_text(child->content);
+    } else {
+      const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
+      text = as_text(value.get());
+    }
+    return true;
+  }
+  const xmlNs* ns = find_namespace(element, name);
+  text = ns != nullptr ? as_text(ns->href) : nullptr;
+  return ns != nullptr;
+}
+
+void replace_children(Tree& tree, xmlNode& parent, const char* text) {
+  tree.RemoveChildren(parent);
+  if (*text != '\0') xmlAddChild(&parent, allocated(xmlNewDocText(parent.doc, as_xml(text))));
+}
+
+bool put_text(const Node& handle, const std::string& text, Reason& reason) {
+  xmlNode& node = *handle.node;
+  switch (node.type) {
+    case XML_ELEMENT_NODE:
+    case XML_ATTRIBUTE_NODE:
+      replace_children(handle.tree, node, text.c_str());
+      return true;
+    case XML_COMMENT_NODE:
+    case XML_PI_NODE:
+      if (text.find(node.type == XML_PI_NODE ? "?>" : "--") == text.npos && !text.ends_with('-')) break;
+      reason = "the text would end its node";
+      return false;
+    case XML_TEXT_NODE:
+    case XML_CDATA_SECTION_NODE:
+      break;
+    default:
+      reason = "a node of this kind has no text";
+      return false;
+  }
+  xmlNodeSetContent(&node, as_xml(text.c_str()));
+  return true;
+}
+
+// The writing follows settings of libxml2 that belong to the thread, and may belong to the host: put back
+// afterwards.
+class TabLayout {
+ public:
+  TabLayout()
+      : indent_(std::exchange(xmlTreeIndentString, "\t")), indents_(std::exchange(xmlIndentTreeOutput, 1)) {}
+  ~TabLayout() {
+    xmlTreeIndentString = indent_;
+    xmlIndentTreeOutput = indents_;
+  }
+  TabLayout(const TabLayout&) = delete;
+  TabLayout& operator=(const TabLayout&) = delete;
+
+ private:
+  const char* indent_;
+  int indents_;
+};
+
+struct Writing {
+  const Sink& sink;
+  bool goes_on = true;
+};
+
+// libxml2 would report a failed write on the standard error stream, so it never hears of one.
+int write_chunk(void* context, const char* bytes, int size) {
+  auto& writing = *static_cast<Writing*>(context);
+  writing.goes_on = writing.goes_on && writing.sink(bytes, static_cast<std::size_t>(size));
+  return size;
+}
+
+bool write_tree(const Tree& tree, const Sink& sink) {
+  const TabLayout layout;
+  Writing writing{sink};
+  const int options = XML_SAVE_AS_XML | XML_SAVE_NO_XHTML | (tree.declared ? 0 : XML_SAVE_NO_DECL) |
+                      (tree.laid_out ? XML_SAVE_FORMAT : 0);
+  xmlSaveCtxt* context = allocated(xmlSaveToIO(write_chunk, nullptr, &writing, "UTF-8", options));
+  xmlSaveDoc(context, tree.doc());
+  xmlSaveClose(context);
+  return writing.goes_on;
+}
+
+}  // namespace
+
+IXMLDOMDocument* create_document() { return new Document; }
+
+bool create_root(IXMLDOMDocument& document, const char* name, IXMLDOMElement** root, Reason& reason) {
+  *root = nullptr;
+  auto& target = static_cast<Document&>(document);
+  target.Hold(nullptr);
+  if (!accept_name(name, reason)) return false;
+  xmlDoc* doc = target.tree().doc();
+  xmlNode* node = allocated(xmlNewDocNode(doc, nullptr, as_xml(name), nullptr));
+  xmlDocSetRootElement(doc, node);
+  *root = target.tree().HandleOf(node);
+  return true;
+}
+
+bool load_file(IXMLDOMDocument& document, const char* path, IXMLDOMElement** root, Reason& reason) {
+  return take(static_cast<Document&>(document), parse_file(system_path(path), reason), root);
+}
+
+bool load_text(IXMLDOMDocument& document, const char* text, IXMLDOMElement** root, Reason& reason) {
+  return take(static_cast<Document&>(document), parse_text(text, reason), root);
+}
+
+bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason&) {
+  const Tree& tree = tree_of(document);
+  return xmlDocGetRootElement(tree.doc()) == nullptr || write_tree(tree, sink);
+}
+
+bool write_file(IXMLDOMDocument& document, const Sink& sink, Reason& reason) {
+  const Tree& tree = tree_of(document);
+  if (xmlDocGetRootElement(tree.doc()) != nullptr) return write_tree(tree, sink);
+  reason = "the document is empty";
+  return false;
+}
+
+bool indent(IXMLDOMDocument& document, Reason& reason) {
+  auto& target = static_cast<Document&>(document);
+  if (xmlDocGetRootElement(target.tree().doc()) == nullptr) {
+    reason = "the document is empty";
+    return false;
+  }
+  if (target.tree().HasHandles()) {  // they stay behind with the old tree
+    std::string text;
+    write_tree(target.tree(),
+               [&text](const char* bytes, std::size_t size) { return text.append(bytes, size), true; });
+    Tree* copy = parse_text(text.c_str(), reason);
+    if (copy == nullptr) return false;
+    target.Hold(copy);
+  }
+  target.tree().declared = target.tree().laid_out = true;
+  return true;
+}
+
+bool append_element(IXMLDOMDocument&, IXMLDOMElement& parent, const char* name, IXMLDOMElement** child,
+                    Reason& reason) {
+  *child = nullptr;
+  if (!accept_name(name, reason)) return false;
+  const Node& owner = handle_of(parent);
+  xmlNode* node = allocated(xmlNewDocNode(owner.node->doc, nullptr, as_xml(name), nullptr));
+  xmlAddChild(owner.node, node);
+  *child = owner.tree.HandleOf(node);
+  return true;
+}
+
+IXMLDOMElement* as_element(IXMLDOMNode& node) {
+  return node_of(node).type == XML_ELEMENT_NODE ? &handle_of(node) : nullptr;
+}
+
+bool get_name(IXMLDOMNode& node, CStringA& name, Reason&) {
+  const xmlNode& target = node_of(node);
+  switch (target.type) {
+    case XML_TEXT_NODE:
+      name = "#text";
+      break;
+    case XML_CDATA_SECTION_NODE:
+      name = "#cdata-section";
+      break;
+    case XML_COMMENT_NODE:
+      name = "#comment";
+      break;
+    case XML_DOCUMENT_NODE:
+      name = "#document";
+      break;
+    case XML_ELEMENT_NODE:
+    case XML_ATTRIBUTE_NODE:  // both begin alike, down to the namespace
+      name = qualified_name(target.name, target.ns).c_str();
+      break;
+    default:  // processing instructions, entity references, the document type
+      name = as_text(target.name);
+  }
+  return true;
+}
+
+bool get_text(IXMLDOMElement& element, CStringA& text, Reason&) {
+  xmlNode& top = node_of(element);
+  std::string all;
+  std::size_t first_kept = keeps_space(top) ? 0 : std::string::npos;  // CDATA sections keep their white space
+  std::size_t last_kept = 0;
+  for (xmlNode* node = following(&top, &top); node != nullptr; node = following(node, &top)) {
+    const bool is_cdata = node->type == XML_CDATA_SECTION_NODE;
+    if ((!is_cdata && node->type != XML_TEXT_NODE) || node->content == nullptr) continue;
+    if (is_cdata) first_kept = std::min(first_kept, all.size());
+    all += as_text(node->content);
+    if (is_cdata) last_kept = all.size();
+  }
+  if (keeps_space(top)) last_kept = all.size();
+  const std::size_t begin = std::min(all.find_first_not_of(kBlanks), first_kept);
+  const std::size_t end = std::max(all.find_last_not_of(kBlanks) + 1, last_kept);
+  text = begin < end ? CStringA(all.data() + begin, static_cast<int>(end - begin)) : CStringA();
+  return true;
+}
+
+bool set_text(IXMLDOMNode& node, const wchar_t* text, Reason& reason) {
+  std::string narrow;
+  if (text != nullptr && !utf8::from_wide(text, std::wcslen(text), narrow)) {
+    reason = "the text holds what is not a character";
+    return false;
+  }
+  return accept_text(narrow, reason) && put_text(handle_of(node), narrow, reason);
+}
+
+bool get_attribute(IXMLDOMElement& element, const char* name, bool& exists, CStringA& text, Reason& reason) {
+  if (!accept_name(name, reason)) return false;
+  exists = read_attribute(node_of(element), name, text);
+  return true;
+}
+
+bool get_attribute(IXMLDOMElement& element, const char* name, VARIANT* value, Reason& reason) {
+  VariantInit(value);
+  value->vt = VT_NULL;
+  CStringA text;
+  bool exists = false;
+  if (!get_attribute(element, name, exists, text, reason)) return false;
+  if (exists) {
+    value->bstrVal = widen(text);
+    value->vt = VT_BSTR;
+  }
+  return true;
+}
+
+bool set_attribute(IXMLDOMElement& element, const char* name, const char* text, Reason& reason) {
+  if (!accept_name(name, reason) || !accept_text(text, reason)) return false;
+  const Node& handle = handle_of(element);
+  if (xmlAttr* attribute = find_attribute(*handle.node, name)) {
+    replace_children(handle.tree, *reinterpret_cast<xmlNode*>(attribute), text);
+    return true;
+  }
+  const xmlNs* ns = find_namespace(*handle.node, name);
+  if (ns == nullptr) {
+    allocated(xmlNewProp(handle.node, as_xml(name), as_xml(text)));
+    return true;
+  }
+  if (std::strcmp(text, as_text(ns->href)) == 0) return true;
+  reason = "the namespace of an element cannot be changed";
+  return false;
+}
+
+bool set_attribute(IXMLDOMElement& element, const char* name, const VARIANT& value, Reason& reason) {
+  std::string text;
+  if (variant_text(value, text) >= 0) return set_attribute(element, name, text.c_str(), reason);
+  reason = "a value of type " + std::to_string(value.vt) + " cannot be written as text";
+  return false;
+}
+
+}  // namespace orx::platform::dom

@@ -1,0 +1,126 @@
+// Selecting nodes. The suite asks for elements by name, below the document or below an element; those two are
+// walks of the tree. Everything else is left to libxml2's XPath.
+#include <libxml/xpath.h>
+#include <libxml/xpathInternals.h>
+#include <orx/platform/dom.h>
+#include <orx/platform/posix/dom_tree.h>
+#include <orx/platform/posix/utf8.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orx::platform::dom {
+namespace {
+
+using Nodes = std::vector<xmlNode*>;
+
+// An unprefixed name also finds the elements of a default namespace.
+bool is_named(const xmlNode& node, const char* name) {
+  return node.type == XML_ELEMENT_NODE && std::strcmp(as_text(node.name), name) == 0 &&
+         (node.ns == nullptr || node.ns->prefix == nullptr);
+}
+
+void find_by_name(xmlNode& context, const char* query, bool first_only, Nodes& found) {
+  const bool anywhere = query[0] == '/';
+  xmlNode* top = anywhere ? reinterpret_cast<xmlNode*>(context.doc) : &context;
+  const char* name = anywhere ? query + 2 : query;
+  for (xmlNode* node = first_child(*top); node != nullptr;
+       node = anywhere ? following(node, top) : node->next) {
+    if (!is_named(*node, name)) continue;
+    found.push_back(node);
+    if (first_only) return;
+  }
+}
+
+void on_error(void* message, xmlError* error) {
+  auto& text = *static_cast<std::string*>(message);
+  if (!text.empty() || error->message == nullptr) return;
+  text = error->message;
+  text.erase(text.find_last_not_of(" \n") + 1);
+}
+
+bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
+  const std::unique_ptr<xmlXPathContext, decltype(&xmlXPathFreeContext)> context(
+      allocated(xmlXPathNewContext(node.doc)), &xmlXPathFreeContext);
+  std::string message;
+  context->error = on_error;
+  context->userData = &message;
+  context->node = &node;
+  const std::unique_ptr<xmlNs*, decltype(xmlFree)> namespaces(xmlGetNsList(node.doc, &node), xmlFree);
+  for (xmlNs** entry = namespaces.get(); entry != nullptr && *entry != nullptr; ++entry) {
+    if ((*entry)->prefix != nullptr) xmlXPathRegisterNs(context.get(), (*entry)->prefix, (*entry)->href);
+  }
+  const std::unique_ptr<xmlXPathObject, decltype(&xmlXPathFreeObject)> result(
+      xmlXPathEval(as_xml(query), context.get()), &xmlXPathFreeObject);
+  if (result == nullptr) {
+    reason = "query \"" + std::string(query) + "\": " + (message.empty() ? "not well-formed" : message);
+    return false;
+  }
+  if (result->type != XPATH_NODESET) {
+    reason = "query \"" + std::string(query) + "\" does not select nodes";
+    return false;
+  }
+  if (result->nodesetval == nullptr) return true;
+  xmlXPathNodeSetSort(result->nodesetval);
+  for (int i = 0; i < result->nodesetval->nodeNr; ++i) {
+    xmlNode* match = result->nodesetval->nodeTab[i];
+    if (match->type != XML_NAMESPACE_DECL) found.push_back(match);  // those belong to the result
+  }
+  return true;
+}
+
+bool find(xmlNode& context, const char* query, bool first_only, Nodes& found, Reason& reason) {
+  if (!utf8::is_valid(query)) {
+    reason = "the query is not valid UTF-8";
+    return false;
+  }
+  const char* name = std::string_view(query).starts_with("//") ? query + 2 : query;
+  if (xmlValidateNCName(as_xml(name), 0) != 0) return evaluate(context, query, found, reason);
+  find_by_name(context, query, first_only, found);
+  return true;
+}
+
+bool select_first(Tree& tree, xmlNode* context, const char* query, IXMLDOMNode** node, Reason& reason) {
+  *node = nullptr;
+  Nodes found;
+  if (!find(*context, query, true, found, reason)) return false;
+  if (!found.empty()) *node = tree.HandleOf(found.front());
+  return true;
+}
+
+}  // namespace
+
+bool select_single(IXMLDOMDocument& document, const char* query, IXMLDOMNode** node, Reason& reason) {
+  Tree& tree = static_cast<Document&>(document).tree();
+  return select_first(tree, reinterpret_cast<xmlNode*>(tree.doc()), query, node, reason);
+}
+
+bool select_single(IXMLDOMNode& context, const char* query, IXMLDOMNode** node, Reason& reason) {
+  const Node& handle = static_cast<Node&>(context);
+  return select_first(handle.tree, handle.node, query, node, reason);
+}
+
+bool select(IXMLDOMNode& context, const char* query, IXMLDOMNodeList** list, Reason& reason) {
+  *list = nullptr;
+  Node& handle = static_cast<Node&>(context);
+  Nodes found;
+  if (!find(*handle.node, query, false, found, reason)) return false;
+  *list = new List(handle.tree, std::move(found));
+  return true;
+}
+
+bool child_nodes(IXMLDOMNode& node, IXMLDOMNodeList** list, Reason&) {
+  Node& handle = static_cast<Node&>(node);
+  *list = new List(handle.tree, *handle.node);
+  return true;
+}
+
+bool has_children(IXMLDOMNode& node) { return first_child(*static_cast<Node&>(node).node) != nullptr; }
+
+IXMLDOMNode* next_node(IXMLDOMNodeList& list) { return static_cast<List&>(list).Next(); }
+
+}  // namespace orx::platform::dom

@@ -1,0 +1,132 @@
+#include <orx/projects/qpl_file.h>
+
+#include <orx/platform/code_page.h>
+#include <orx/projects/xml_handle.h>
+
+#include <map>
+
+using orx::XmlHandle;
+
+struct CQPLFile::List {
+  using Projects = std::map<CStringA, CStringA>;  // name to path
+
+  List() = default;
+  List(const List& other) : projects(other.projects), default_project(other.default_project) {}
+
+  int Current(CStringA& name, CStringA& path) const {
+    if (cursor == projects.end()) return 0;
+    name = cursor->first;
+    path = cursor->second;
+    return 1;
+  }
+
+  Projects projects;
+  CStringA default_project;
+  Projects::const_iterator cursor = projects.end();  // the end: no walk is under way
+};
+
+namespace {
+
+// Made when the library is loaded and not on demand, so that it is still there when the statics of a host go.
+CQPLFile project_list;
+
+}  // namespace
+
+CQPLFile::CQPLFile() : list_(std::make_unique<List>()) {}
+CQPLFile::CQPLFile(const CQPLFile& other)
+    : CProjectFile(other), list_(std::make_unique<List>(*other.list_)) {}
+
+CQPLFile& CQPLFile::operator=(const CQPLFile& other) {
+  auto copy = std::make_unique<List>(*other.list_);
+  CProjectFile::operator=(other);
+  list_ = std::move(copy);
+  return *this;
+}
+
+CQPLFile::~CQPLFile() = default;
+
+int CQPLFile::Load() {
+  XmlHandle<IXMLDOMElement> root;
+  XmlHandle<IXMLDOMNode> projects, node;
+  XmlHandle<IXMLDOMNodeList> nodes;
+  int result = LoadXMLDocument(root.Out()) && SelectSingleXMLNode("//PROJECTS", projects.Out());
+  if (result && projects == nullptr) result = Fail("there is no PROJECTS element");
+  result = result && SelectXMLNodes(projects, "//PROJECT", nodes.Out());
+  Clear();
+  while (result && NextXMLNode(nodes, node.Out())) AddNode(node);
+  CloseXMLDocument();
+  return result;
+}
+
+void CQPLFile::AddNode(IXMLDOMNode* node) {
+  CStringA name, path, mark;
+  if (!FindXMLAttribute(node, "NAME", name) || !FindXMLAttribute(node, "QPRPATH", path)) return;
+  if (name.Trim().IsEmpty() || path.Trim().IsEmpty()) return;
+  list_->projects.emplace_hint(list_->projects.end(), name,
+                               path);  // files are in order; the first of a name stays
+  if (FindXMLAttribute(node, "DEFAULT", mark) && orx::platform::compare_no_case(mark.Trim(), "TRUE") == 0) {
+    list_->default_project = name;
+  }
+}
+
+int CQPLFile::Save() {
+  const int result = WriteList();
+  if (result) IndentXMLDocument();
+  const int saved = result && SaveXMLFile();
+  CloseXMLDocument();
+  return saved;
+}
+
+// An entry or attribute that cannot be written is left out; the others are worth saving.
+int CQPLFile::WriteList() {
+  XmlHandle<IXMLDOMElement> root, projects, element;
+  if (!CreateXMLDocument(root.Out(), "QPL") || !CreateXMLElement(root, "PROJECTS", projects.Out())) return 0;
+  for (const auto& [name, path] : list_->projects) {
+    if (name.IsEmpty() || path.IsEmpty() || !CreateXMLElement(projects, "PROJECT", element.Out())) continue;
+    SetXMLAttributeText(element, "NAME", name);
+    SetXMLAttributeText(element, "QPRPATH", path);
+    if (name == list_->default_project) SetXMLAttributeText(element, "DEFAULT", "TRUE");
+  }
+  return 1;
+}
+
+int CQPLFile::IsEmpty() const { return list_->projects.empty(); }
+
+void CQPLFile::Clear() {
+  list_->projects.clear();
+  list_->default_project.Empty();
+  list_->cursor = list_->projects.end();
+}
+
+void CQPLFile::SetProject(const CStringA& name, const CStringA& path) { list_->projects[name] = path; }
+
+int CQPLFile::GetProject(const CStringA& name, CStringA& path) const {
+  const auto found = list_->projects.find(name);
+  if (found == list_->projects.end()) return 0;
+  path = found->second;
+  return 1;
+}
+
+int CQPLFile::RemoveProject(const CStringA& name) {
+  if (name.IsEmpty() || name == list_->default_project) return 0;
+  const auto found = list_->projects.find(name);
+  if (found == list_->projects.end()) return 0;
+  if (found == list_->cursor) list_->cursor = list_->projects.end();
+  list_->projects.erase(found);
+  return 1;
+}
+
+void CQPLFile::GetDefaultProject(CStringA& name) const { name = list_->default_project; }
+void CQPLFile::SetDefaultProject(const CStringA& name) { list_->default_project = name; }
+
+int CQPLFile::GetFirstProject(CStringA& name, CStringA& path) {
+  list_->cursor = list_->projects.begin();
+  return list_->Current(name, path);
+}
+
+int CQPLFile::GetNextProject(CStringA& name, CStringA& path) {
+  if (list_->cursor != list_->projects.end()) ++list_->cursor;
+  return list_->Current(name, path);
+}
+
+CQPLFile* GetQPLInfo() { return &project_list; }

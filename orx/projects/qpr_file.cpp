@@ -1,0 +1,285 @@
+#include <orx/projects/qpr_file.h>
+
+#include <orx/platform/code_page.h>
+#include <orx/projects/platform_catalogue.h>
+#include <orx/projects/xml_handle.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+using orx::XmlHandle;
+using orx::platform::compare_no_case;
+using orx::platform::last_backslash;
+
+constexpr int kMajorVersion = 6;
+constexpr int kMinorVersion = 7;
+constexpr int kReleaseVersion = 0;
+
+constexpr int kUnknownPlatform = -1;
+
+enum class Kind { kText, kPlatform, kNumber };
+
+// A property of the file and its field in the record.
+struct Property {
+  const char* name;
+  Kind kind;
+  std::size_t offset;
+  std::size_t size;  // of the field, with the NUL of a text
+
+  char* Text(QPRInfo& info) const { return reinterpret_cast<char*>(&info) + offset; }
+  int& Number(QPRInfo& info) const {
+    return *reinterpret_cast<int*>(reinterpret_cast<char*>(&info) + offset);
+  }
+};
+
+// In the order in which they are written.
+constexpr Property kProperties[] = {
+    {"SiteName", Kind::kText, offsetof(QPRInfo, SiteName), sizeof(QPRInfo::SiteName)},
+    {"SiteDatabase", Kind::kText, offsetof(QPRInfo, SiteDatabase), sizeof(QPRInfo::SiteDatabase)},
+    {"SiteDatabasePlatform", Kind::kPlatform, offsetof(QPRInfo, SiteDatabasePlatform), sizeof(int)},
+    {"SiteDatabaseServerName", Kind::kText, offsetof(QPRInfo, SiteDatabaseServerName),
+     sizeof(QPRInfo::SiteDatabaseServerName)},
+    {"ProjectName", Kind::kText, offsetof(QPRInfo, ProjectName), sizeof(QPRInfo::ProjectName)},
+    {"DataGroupName", Kind::kText, offsetof(QPRInfo, DataGroupName), sizeof(QPRInfo::DataGroupName)},
+    {"Coordinates", Kind::kText, offsetof(QPRInfo, Coordinates), sizeof(QPRInfo::Coordinates)},
+    {"Description", Kind::kText, offsetof(QPRInfo, Description), sizeof(QPRInfo::Description)},
+    {"MajorVersion", Kind::kNumber, offsetof(QPRInfo, MajorVersion), sizeof(int)},
+    {"MinorVersion", Kind::kNumber, offsetof(QPRInfo, MinorVersion), sizeof(int)},
+    {"ReleaseVersion", Kind::kNumber, offsetof(QPRInfo, ReleaseVersion), sizeof(int)},
+};
+
+const Property* find_property(const char* name) {
+  const auto* found = std::find_if(std::begin(kProperties), std::end(kProperties),
+                                   [name](const Property& p) { return compare_no_case(p.name, name) == 0; });
+  return found != std::end(kProperties) ? found : nullptr;
+}
+
+// As atoi, but a number too large for an int becomes the nearest one, and no locale plays a part.
+int to_int(std::string_view text) {
+  while (!text.empty() && orx::platform::is_space(text.front())) text.remove_prefix(1);
+  const bool is_negative = text.starts_with('-');
+  if (is_negative || text.starts_with('+')) text.remove_prefix(1);
+  long long number = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') break;
+    number = std::min(number * 10 + (c - '0'), 1LL << 40);
+  }
+  if (is_negative) number = -number;
+  return static_cast<int>(std::clamp<long long>(number, INT_MIN, INT_MAX));
+}
+
+bool store(char* field, std::size_t size, std::string_view text) {
+  if (text.size() >= size) return false;
+  std::memset(field, 0, size);
+  text.copy(field, text.size());
+  return true;
+}
+
+bool is_platform_of(const QPRInfo& info, int type) {
+  int its_type = 0;
+  return CDbPlatformUtil::GetPlatformType(info.SiteDatabasePlatform, &its_type) && its_type == type;
+}
+
+// A value that its field cannot hold is refused, rather than opening a project with a name cut short.
+bool read_value(QPRInfo& info, const Property& property, const CStringA& value, CStringA& reason) {
+  switch (property.kind) {
+    case Kind::kPlatform:
+      property.Number(info) = kUnknownPlatform;
+      CDbPlatformUtil::GetIDFromName(value, &property.Number(info));
+      return true;
+    case Kind::kNumber:
+      property.Number(info) = to_int(value.GetString());
+      return true;
+    case Kind::kText:
+      break;
+  }
+  if (store(property.Text(info), property.size, value.GetString())) return true;
+  reason.Format("%s has %d bytes, it may have %d", property.name, value.GetLength(),
+                static_cast<int>(property.size - 1));
+  return false;
+}
+
+CStringA written_value(QPRInfo& info, const Property& property) {
+  CStringA value;
+  switch (property.kind) {
+    case Kind::kPlatform:
+      CDbPlatformUtil::GetShortNameFromID(property.Number(info), value);
+      break;
+    case Kind::kNumber:
+      value.Format("%d", property.Number(info));
+      break;
+    case Kind::kText:
+      value = CStringA(property.Text(info), static_cast<int>(strnlen(property.Text(info), property.size)));
+      break;
+  }
+  return value;
+}
+
+CStringA invalid_platform_message() {
+  CAtlArray<CStringA> names;
+  CDbPlatformUtil::GetPlatformNameList(&names, 0);
+  CStringA message = "The database platform is invalid, it must be ";
+  for (const CStringA& name : names) message += "'" + name + "', ";
+  return message.Left(message.GetLength() - 2) + ".";
+}
+
+}  // namespace
+
+QprLoadFailedException::QprLoadFailedException() = default;
+QprLoadFailedException::QprLoadFailedException(const char* const& message) : message_(message) {}
+QprLoadFailedException::QprLoadFailedException(const QprLoadFailedException&) noexcept = default;
+QprLoadFailedException& QprLoadFailedException::operator=(const QprLoadFailedException&) noexcept = default;
+QprLoadFailedException::~QprLoadFailedException() = default;
+
+const char* QprLoadFailedException::what() const noexcept { return message_; }
+
+CQPRFile::CQPRFile() { Clear(); }
+CQPRFile::CQPRFile(const CQPRFile&) = default;
+CQPRFile& CQPRFile::operator=(const CQPRFile&) = default;
+CQPRFile::~CQPRFile() = default;
+
+int CQPRFile::Load() {
+  const int result = ReadProperties() && DerivePaths();
+  CloseXMLDocument();
+  return result;
+}
+
+// Fills a copy, which becomes the record when the whole file has been read.
+int CQPRFile::ReadProperties() {
+  XmlHandle<IXMLDOMElement> root;
+  XmlHandle<IXMLDOMNode> project;
+  XmlHandle<IXMLDOMNodeList> properties;
+  if (!LoadXMLDocument(root.Out()) || !SelectSingleXMLNode("//PROJECT", project.Out())) return 0;
+  if (project == nullptr) return Fail("there is no PROJECT element");
+  if (!SelectXMLNodes(project, "//PROPERTY", properties.Out())) return 0;
+
+  QPRInfo info{};
+  info.SiteDatabasePlatform = kUnknownPlatform;
+  std::memcpy(info.ProjectBasePath, info_.ProjectBasePath, sizeof info.ProjectBasePath);
+  std::memcpy(info.Coordinates, info_.Coordinates, sizeof info.Coordinates);
+  std::memcpy(info.Description, info_.Description, sizeof info.Description);
+
+  XmlHandle<IXMLDOMNode> node;
+  while (NextXMLNode(properties, node.Out())) {
+    CStringA name, value, reason;
+    if (!FindXMLAttribute(node, "NAME", name)) continue;
+    const Property* property = find_property(name);
+    if (property == nullptr || !FindXMLAttribute(node, "VALUE", value)) continue;
+    if (!read_value(info, *property, value, reason)) return Fail(reason);
+  }
+  info_ = info;
+  return 1;
+}
+
+// A project lies in a folder of its own below the base path, and a JET database beside the project file.
+int CQPRFile::DerivePaths() {
+  const char* file = GetFileName();
+  const char* file_end = last_backslash(file);
+  const CStringA folder(file,
+                        file_end != nullptr && file_end > file + 1 ? static_cast<int>(file_end - file) : 0);
+  const char* base_end = last_backslash(folder);
+  const std::ptrdiff_t base_length = base_end != nullptr ? base_end - folder.GetString() : 0;
+  int result = 1;
+  if (base_length <= 1) {
+    result = Fail("the path is too shallow to hold a project folder");
+  } else if (!store(info_.ProjectBasePath, sizeof info_.ProjectBasePath,
+                    {folder.GetString(), static_cast<std::size_t>(base_length)})) {
+    result = Fail("the path is too long to hold a project folder");
+  }
+
+  if (IsJETPlatform()) {
+    const char* separator = last_backslash(info_.SiteDatabase);
+    const bool has_folder = separator != nullptr && separator > info_.SiteDatabase;
+    const CStringA database = folder + '\\' + (has_folder ? separator + 1 : info_.SiteDatabase);
+    store(info_.SiteDatabase, sizeof info_.SiteDatabase, database.GetString());
+  }
+  return result;
+}
+
+int CQPRFile::Save() {
+  const int result = WriteProperties();
+  if (result) IndentXMLDocument();
+  const int saved = result && SaveXMLFile();
+  CloseXMLDocument();
+  return saved;
+}
+
+int CQPRFile::WriteProperties() {
+  XmlHandle<IXMLDOMElement> root, project, element;
+  if (!CreateXMLDocument(root.Out(), "QPR") || !CreateXMLElement(root, "PROJECT", project.Out())) return 0;
+  for (const Property& property : kProperties) {
+    if (!CreateXMLElement(project, "PROPERTY", element.Out()) ||
+        !SetXMLAttributeText(element, "NAME", property.name)) {
+      return 0;
+    }
+    if (!SetXMLAttributeText(element, "VALUE", written_value(info_, property))) {
+      CStringA reason;
+      GetLastFailure(reason);
+      return Fail(CStringA(property.name) + ": " + reason);
+    }
+  }
+  return 1;
+}
+
+int CQPRFile::Verify(CStringA& message) {
+  CStringA broken;
+  if (info_.SiteName[0] == '\0') {
+    broken = "The site name cannot be empty.";
+  } else if (info_.SiteDatabasePlatform == kUnknownPlatform) {
+    broken = invalid_platform_message();
+  } else if (info_.SiteDatabase[0] == '\0') {
+    broken = "The site database cannot be empty";
+  } else if (info_.SiteDatabaseServerName[0] == '\0' && IsSQLPlatform()) {
+    broken = "The site database server cannot be empty if database platform is 'SQL'";
+  } else if (info_.ProjectName[0] == '\0') {
+    broken = "The project name cannot be empty";
+  } else if (info_.DataGroupName[0] == '\0') {
+    broken = "The data group name cannot be empty";
+  } else {
+    return 1;
+  }
+  message = broken;
+  return Fail(broken);
+}
+
+enProjectVersionT CQPRFile::VerifyProjectVersion() {
+  const auto version = std::pair(info_.MajorVersion, info_.MinorVersion);
+  const auto current = std::pair(kMajorVersion, kMinorVersion);
+  if (version == current) return enProjectVersionCurrent;
+  return version < current ? enProjectVersionOlder : enProjectVersionNewer;
+}
+
+void CQPRFile::InitProjectVersion() {
+  info_.MajorVersion = kMajorVersion;
+  info_.MinorVersion = kMinorVersion;
+  info_.ReleaseVersion = kReleaseVersion;
+}
+
+void CQPRFile::ProjectConversionUpgradeCompleted() { InitProjectVersion(); }
+
+QPRInfo* CQPRFile::GetQPRInfo() { return &info_; }
+
+void CQPRFile::CopyFrom(CQPRFile* source) {
+  if (source == nullptr) return;
+  info_ = source->info_;
+  SetFileName(source->GetFileName());
+}
+
+void CQPRFile::Clear() {
+  std::memset(&info_, 0, sizeof info_);
+  SetFileName("");
+}
+
+int CQPRFile::GetPlatformString(CStringA& name, int bShortName) {
+  return bShortName ? CDbPlatformUtil::GetShortNameFromID(info_.SiteDatabasePlatform, name)
+                    : CDbPlatformUtil::GetLongNameFromID(info_.SiteDatabasePlatform, name);
+}
+
+int CQPRFile::IsSQLPlatform() { return is_platform_of(info_, enDbPlatformTypeSQL); }
+int CQPRFile::IsJETPlatform() { return is_platform_of(info_, enDbPlatformTypeJET); }

@@ -1,0 +1,352 @@
+#include <orx/xml/xml_document.h>
+
+#include <orx/platform/code_page.h>
+#include <orx/platform/dom.h>
+#include <orx/platform/file_system.h>
+#include <orx/platform/message_box.h>
+
+#include <cerrno>
+#include <new>
+#include <string_view>
+#include <utility>
+
+namespace dom = orx::platform::dom;
+
+namespace {
+
+const char* text_of(const char* text) { return text != nullptr ? text : ""; }
+
+// The types that automation passes by address or that are objects; the others the DOM judges.
+bool is_value(VARTYPE type) {
+  return (type & VT_BYREF) == 0 && type != VT_DISPATCH && type != VT_UNKNOWN && type != VT_RECORD &&
+         type != VT_ARRAY;
+}
+
+// Keeps the host's errno from what an operation does to it.
+class ErrnoKept {
+ public:
+  ErrnoKept() : value_(errno) {}
+  ~ErrnoKept() { errno = value_; }
+  ErrnoKept(const ErrnoKept&) = delete;
+  ErrnoKept& operator=(const ErrnoKept&) = delete;
+
+ private:
+  int value_;
+};
+
+// Carries out one operation: 1, or 0 with its reason in `failure`.
+template <class Operation>
+int attempt(CStringA& failure, Operation operation) {
+  const ErrnoKept errno_kept;
+  std::string reason;
+  try {
+    if (operation(reason)) return 1;
+  } catch (const std::bad_alloc&) {
+    reason = "out of memory";
+  }
+  failure = reason.c_str();
+  return 0;
+}
+
+// Serves a std::string output by an operation that fills a CStringA, or leaves it as it was.
+template <class Operation>
+int through_narrow(std::string& text, Operation operation) {
+  CStringA narrow(text.data(), static_cast<int>(text.size()));
+  const int result = operation(narrow);
+  text.assign(narrow, static_cast<std::size_t>(narrow.GetLength()));
+  return result;
+}
+
+void set_null(VARIANT* value) {
+  VariantInit(value);
+  value->vt = VT_NULL;
+}
+
+template <class Interface>
+void clear(Interface** output) {
+  if (output != nullptr) *output = nullptr;
+}
+
+constexpr const char* kNoDocument = "no document is open";
+constexpr const char* kNoFileName = "no file name is set";
+constexpr const char* kNullArgument = "a null argument";
+
+}  // namespace
+
+COrxXMLDoc::COrxXMLDoc() = default;
+
+COrxXMLDoc::COrxXMLDoc(const COrxXMLDoc& other)
+    : file_name_(other.file_name_), last_failure_(other.last_failure_), document_(other.document_) {
+  if (document_ != nullptr) document_->AddRef();
+}
+
+COrxXMLDoc& COrxXMLDoc::operator=(const COrxXMLDoc& other) {
+  file_name_ = other.file_name_;
+  last_failure_ = other.last_failure_;
+  if (other.document_ != nullptr) other.document_->AddRef();
+  CloseXMLDocument();
+  document_ = other.document_;
+  return *this;
+}
+
+COrxXMLDoc::~COrxXMLDoc() { CloseXMLDocument(); }
+
+void COrxXMLDoc::SetFileName(const char* name) {
+  std::string_view rest(text_of(name));
+  while (!rest.empty() && orx::platform::is_space(rest.front())) rest.remove_prefix(1);
+  while (!rest.empty() && orx::platform::is_space(rest.back())) rest.remove_suffix(1);
+  file_name_ = CStringA(rest.data(), static_cast<int>(rest.size()));
+}
+
+const char* COrxXMLDoc::GetFileName() const { return file_name_; }
+
+void COrxXMLDoc::GetLastFailure(CStringA& reason) const { reason = last_failure_; }
+
+int COrxXMLDoc::Fail(const char* reason) {
+  last_failure_ = reason;
+  return 0;
+}
+
+// Makes a new document and fills it by `load`, which stores the root.
+template <class Load>
+int COrxXMLDoc::Open(IXMLDOMElement** root, Load load) {
+  if (root == nullptr) return Fail(kNullArgument);
+  *root = nullptr;
+  return attempt(last_failure_, [&](std::string& reason) {
+    CloseXMLDocument();
+    document_ = dom::create_document();
+    if (document_ != nullptr) return load(reason);
+    orx::platform::show_error_box("MS XML Parser is not registered.", "ORX");
+    reason = kNoDocument;
+    return false;
+  });
+}
+
+int COrxXMLDoc::CreateXMLDocument(IXMLDOMElement** root, const char* rootName) {
+  return Open(root, [&](std::string& reason) {
+    return dom::create_root(*document_, text_of(rootName), root, reason);
+  });
+}
+
+int COrxXMLDoc::LoadXMLDocument(IXMLDOMElement** root) {
+  return Open(root, [&](std::string& reason) {
+    reason = kNoFileName;
+    return !file_name_.IsEmpty() && dom::load_file(*document_, file_name_, root, reason);
+  });
+}
+
+int COrxXMLDoc::SetXMLText(IXMLDOMElement** root, const char* text) {
+  return Open(root,
+              [&](std::string& reason) { return dom::load_text(*document_, text_of(text), root, reason); });
+}
+
+int COrxXMLDoc::GetXMLText(CStringA& text) {
+  std::string all;
+  if (!GetXMLText(all)) return 0;
+  text = CStringA(all.data(), static_cast<int>(all.size()));
+  return 1;
+}
+
+int COrxXMLDoc::GetXMLText(std::string& text) {
+  if (document_ == nullptr) return Fail(kNoDocument);
+  return attempt(last_failure_, [&](std::string& reason) {
+    std::string all;
+    const auto sink = [&all](const char* bytes, std::size_t size) { return all.append(bytes, size), true; };
+    if (!dom::write_text(*document_, sink, reason)) return false;
+    text = std::move(all);
+    return true;
+  });
+}
+
+int COrxXMLDoc::SaveXMLFile() {
+  if (document_ == nullptr) return Fail(kNoDocument);
+  if (file_name_.IsEmpty()) return Fail(kNoFileName);
+  return attempt(last_failure_, [&](std::string& reason) {
+    orx::platform::FileReplacement file;
+    const auto sink = [&](const char* bytes, std::size_t size) { return file.Write(bytes, size, reason); };
+    return file.Open(file_name_, reason) && dom::write_file(*document_, sink, reason) && file.Commit(reason);
+  });
+}
+
+int COrxXMLDoc::IndentXMLDocument() {
+  if (document_ == nullptr) return Fail(kNoDocument);
+  return attempt(last_failure_, [&](std::string& reason) { return dom::indent(*document_, reason); });
+}
+
+int COrxXMLDoc::CloseXMLDocument() {
+  if (IXMLDOMDocument* document = std::exchange(document_, nullptr)) document->Release();
+  return 1;
+}
+
+int COrxXMLDoc::CreateXMLElement(IXMLDOMElement* parent, const char* name, IXMLDOMElement** child) {
+  clear(child);
+  if (document_ == nullptr) return Fail(kNoDocument);
+  if (parent == nullptr || child == nullptr) return Fail(kNullArgument);
+  return attempt(last_failure_, [&](std::string& reason) {
+    return dom::append_element(*document_, *parent, text_of(name), child, reason);
+  });
+}
+
+int COrxXMLDoc::GetXMLName(IXMLDOMElement* element, CStringA& name) {
+  return GetXMLName(static_cast<IXMLDOMNode*>(element), name);
+}
+
+int COrxXMLDoc::GetXMLName(IXMLDOMElement* element, std::string& name) {
+  return GetXMLName(static_cast<IXMLDOMNode*>(element), name);
+}
+
+int COrxXMLDoc::GetXMLName(IXMLDOMNode* node, CStringA& name) {
+  if (node == nullptr) return Fail(kNullArgument);
+  return attempt(last_failure_, [&](std::string& reason) { return dom::get_name(*node, name, reason); });
+}
+
+int COrxXMLDoc::GetXMLName(IXMLDOMNode* node, std::string& name) {
+  return through_narrow(name, [&](CStringA& narrow) { return GetXMLName(node, narrow); });
+}
+
+int COrxXMLDoc::GetXMLValue(IXMLDOMElement* element, CStringA& text) {
+  if (element == nullptr) return Fail(kNullArgument);
+  return attempt(last_failure_, [&](std::string& reason) { return dom::get_text(*element, text, reason); });
+}
+
+int COrxXMLDoc::GetXMLValue(IXMLDOMElement* element, std::string& text) {
+  return through_narrow(text, [&](CStringA& narrow) { return GetXMLValue(element, narrow); });
+}
+
+int COrxXMLDoc::GetXMLValue(IXMLDOMElement* element, VARIANT* value) {
+  if (element == nullptr || value == nullptr) return Fail(kNullArgument);
+  set_null(value);
+  return 1;
+}
+
+int COrxXMLDoc::GetXMLValue(IXMLDOMNode* node, CStringA& text) {
+  IXMLDOMElement* element = Narrow(node);
+  return element != nullptr ? GetXMLValue(element, text) : 0;
+}
+
+int COrxXMLDoc::GetXMLValue(IXMLDOMNode* node, std::string& text) {
+  IXMLDOMElement* element = Narrow(node);
+  return element != nullptr ? GetXMLValue(element, text) : 0;
+}
+
+int COrxXMLDoc::GetXMLValue(IXMLDOMNode* node, VARIANT* value) {
+  IXMLDOMElement* element = Narrow(node);
+  return element != nullptr ? GetXMLValue(element, value) : 0;
+}
+
+int COrxXMLDoc::SetXMLValue(IXMLDOMNode* node, wchar_t* text) {
+  if (node == nullptr) return Fail(kNullArgument);
+  return attempt(last_failure_, [&](std::string& reason) { return dom::set_text(*node, text, reason); });
+}
+
+int COrxXMLDoc::GetXMLAttribute(IXMLDOMElement* element, const char* name, CStringA& text) {
+  if (element == nullptr) return Fail(kNullArgument);
+  bool exists = false;
+  const int done = attempt(last_failure_, [&](std::string& reason) {
+    return dom::get_attribute(*element, text_of(name), exists, text, reason);
+  });
+  return done && !exists ? Fail("the element has no such attribute") : done;
+}
+
+int COrxXMLDoc::GetXMLAttribute(IXMLDOMElement* element, const char* name, std::string& text) {
+  return through_narrow(text, [&](CStringA& narrow) { return GetXMLAttribute(element, name, narrow); });
+}
+
+int COrxXMLDoc::GetXMLAttribute(IXMLDOMElement* element, const char* name, VARIANT* value) {
+  if (element == nullptr || value == nullptr) return Fail(kNullArgument);
+  set_null(value);
+  return attempt(last_failure_, [&](std::string& reason) {
+    return dom::get_attribute(*element, text_of(name), value, reason);
+  });
+}
+
+int COrxXMLDoc::GetXMLAttribute(IXMLDOMNode* node, const char* name, CStringA& text) {
+  IXMLDOMElement* element = Narrow(node);
+  return element != nullptr ? GetXMLAttribute(element, name, text) : 0;
+}
+
+int COrxXMLDoc::GetXMLAttribute(IXMLDOMNode* node, const char* name, std::string& text) {
+  IXMLDOMElement* element = Narrow(node);
+  return element != nullptr ? GetXMLAttribute(element, name, text) : 0;
+}
+
+int COrxXMLDoc::GetXMLAttribute(IXMLDOMNode* node, const char* name, VARIANT* value) {
+  IXMLDOMElement* element = Narrow(node);
+  return element != nullptr ? GetXMLAttribute(element, name, value) : 0;
+}
+
+int COrxXMLDoc::SetXMLAttribute(IXMLDOMElement* element, const char* name, VARIANT value) {
+  if (element == nullptr) return Fail(kNullArgument);
+  if (!is_value(value.vt)) return Fail("a reference, an object or an array cannot be an attribute");
+  return attempt(last_failure_, [&](std::string& reason) {
+    return dom::set_attribute(*element, text_of(name), value, reason);
+  });
+}
+
+int COrxXMLDoc::SetXMLAttribute(IXMLDOMNode* node, const char* name, VARIANT value) {
+  IXMLDOMElement* element = Narrow(node);
+  return element != nullptr ? SetXMLAttribute(element, name, value) : 0;
+}
+
+int COrxXMLDoc::FindXMLAttribute(IXMLDOMNode* node, const char* name, CStringA& text) {
+  IXMLDOMElement* element = Narrow(node);
+  if (element == nullptr) return 0;
+  bool exists = false;
+  const int done = attempt(last_failure_, [&](std::string& reason) {
+    return dom::get_attribute(*element, name, exists, text, reason);
+  });
+  return done && exists;
+}
+
+int COrxXMLDoc::SetXMLAttributeText(IXMLDOMElement* element, const char* name, const char* text) {
+  return attempt(last_failure_,
+                 [&](std::string& reason) { return dom::set_attribute(*element, name, text, reason); });
+}
+
+int COrxXMLDoc::SelectSingleXMLNode(const char* query, IXMLDOMNode** node) {
+  clear(node);
+  if (document_ == nullptr) return Fail(kNoDocument);
+  if (node == nullptr) return Fail(kNullArgument);
+  return attempt(last_failure_, [&](std::string& reason) {
+    return dom::select_single(*document_, text_of(query), node, reason);
+  });
+}
+
+int COrxXMLDoc::SelectSingleXMLNode(IXMLDOMNode* context, const char* query, IXMLDOMNode** node) {
+  clear(node);
+  if (context == nullptr || node == nullptr) return Fail(kNullArgument);
+  return attempt(last_failure_, [&](std::string& reason) {
+    return dom::select_single(*context, text_of(query), node, reason);
+  });
+}
+
+int COrxXMLDoc::SelectXMLNodes(IXMLDOMNode* context, const char* query, IXMLDOMNodeList** list) {
+  clear(list);
+  if (context == nullptr || list == nullptr) return Fail(kNullArgument);
+  return attempt(last_failure_,
+                 [&](std::string& reason) { return dom::select(*context, text_of(query), list, reason); });
+}
+
+int COrxXMLDoc::GetXMLChildNodes(IXMLDOMNode* node, IXMLDOMNodeList** list) {
+  clear(list);
+  if (node == nullptr || list == nullptr) return Fail(kNullArgument);
+  return attempt(last_failure_, [&](std::string& reason) { return dom::child_nodes(*node, list, reason); });
+}
+
+int COrxXMLDoc::NextXMLNode(IXMLDOMNodeList* list, IXMLDOMNode** node) {
+  clear(node);
+  if (list == nullptr || node == nullptr) return Fail(kNullArgument);
+  const int done = attempt(last_failure_, [&](std::string&) { return *node = dom::next_node(*list), true; });
+  return done && *node != nullptr;
+}
+
+int COrxXMLDoc::HasChildNodes(IXMLDOMNode* node) {
+  if (node == nullptr) return Fail(kNullArgument);
+  return dom::has_children(*node);
+}
+
+IXMLDOMElement* COrxXMLDoc::Narrow(IXMLDOMNode* node) {
+  IXMLDOMElement* element = node != nullptr ? dom::as_element(*node) : nullptr;
+  if (element == nullptr) Fail("the node is not an element");
+  return element;
+}
