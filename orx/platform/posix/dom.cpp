@@ -212,7 +212,7 @@ bool indent(IXMLDOMDocument& document, Reason& reason) {
     std::string text;
     write_tree(target.tree(),
                [&text](const char* bytes, std::size_t size) { return text.append(bytes, size), true; });
-    Tree* copy = parse_text(text.c_str(), reason);
+    Tree* copy = parse_text(text, reason);
     if (copy == nullptr) return false;
     target.Hold(copy);
   }

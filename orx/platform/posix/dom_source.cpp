@@ -1,0 +1,187 @@
+#include <orx/platform/posix/dom_source.h>
+
+#include <fcntl.h>
+#include <orx/platform/posix/error_text.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace orx::platform::dom {
+namespace {
+
+constexpr const char* kTooLarge = "it is larger than 128 MiB";
+
+// The characters of windows-1252 from 0x80 to 0x9F; the five that it leaves open are the controls of the same
+// number.
+constexpr std::array<unsigned short, 32> kWindows1252 = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+// Empty when the document does not say.
+std::string declared_encoding(std::string_view head) {
+  if (!head.starts_with("<?xml")) return {};
+  head = head.substr(0, head.find("?>"));
+  const std::size_t key = head.find("encoding");
+  const std::size_t open = head.find_first_of("\"'", std::min(key, head.size()));
+  if (open == std::string_view::npos) return {};
+  const std::size_t close = head.find(head[open], open + 1);
+  return std::string(close == std::string_view::npos ? "" : head.substr(open + 1, close - open - 1));
+}
+
+bool is_readable(int file, std::string& reason) {
+  struct stat status;
+  if (file < 0 || fstat(file, &status) != 0) {
+    reason = error_text(errno);
+  } else if (S_ISDIR(status.st_mode)) {
+    reason = "it is a folder";
+  } else if (!S_ISREG(status.st_mode)) {
+    reason = "it is not a regular file";
+  } else if (static_cast<std::size_t>(status.st_size) > kMaxDocumentBytes) {
+    reason = kTooLarge;
+  } else {
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+Source::~Source() {
+  if (file_ >= 0) close(file_);
+  if (converter_ != no_converter()) iconv_close(converter_);
+}
+
+bool Source::OpenFile(const std::string& system_path, std::string& reason) {
+  // Without O_NONBLOCK a FIFO would be waited on.
+  file_ = open(system_path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (!is_readable(file_, reason)) return false;
+  char head[512];
+  const ssize_t size = pread(file_, head, sizeof head, 0);
+  if (size < 0) reason = error_text(errno);
+  if (size == 0) reason = "the file is empty";
+  return size > 0 && ChooseBySight({head, static_cast<std::size_t>(size)}, reason);
+}
+
+// What its declaration says is how a text would be encoded in a file.
+bool Source::OpenText(std::string_view text, std::string& reason) {
+  text_ = text;
+  if (text.size() > kMaxDocumentBytes) {
+    reason = kTooLarge;
+    return false;
+  }
+  return Choose(declared_encoding(text.substr(0, 512)), reason) && (form_ = Form::kUtf8, true);
+}
+
+bool Source::ChooseBySight(std::string_view head, std::string& reason) {
+  using namespace std::string_view_literals;
+  if (head.starts_with("\xFF\xFE") || head.starts_with("<\0?\0"sv)) return Choose("UTF-16LE", reason);
+  if (head.starts_with("\xFE\xFF") || head.starts_with("\0<\0?"sv)) return Choose("UTF-16BE", reason);
+  if (!head.starts_with("\xEF\xBB\xBF")) return Choose(declared_encoding(head), reason);
+  return Choose(declared_encoding(head.substr(3)), reason) && (form_ = Form::kUtf8, true);
+}
+
+bool Source::Choose(const std::string& encoding, std::string& reason) {
+  static constexpr std::pair<const char*, Form> kOwn[] = {{"", Form::kUtf8},
+                                                          {"UTF-8", Form::kUtf8},
+                                                          {"ISO-8859-1", Form::kLatin1},
+                                                          {"latin1", Form::kLatin1},
+                                                          {"windows-1252", Form::kWindows1252},
+                                                          {"cp1252", Form::kWindows1252}};
+  for (const auto& [name, form] : kOwn) {
+    if (strcasecmp(encoding.c_str(), name) != 0) continue;
+    form_ = form;
+    return true;
+  }
+  form_ = Form::kConverted;
+  converter_ = iconv_open("UTF-8", encoding.c_str());
+  if (converter_ != no_converter()) return true;
+  reason = "unknown encoding \"" + encoding + '"';
+  return false;
+}
+
+int Source::Read(char* out, int size) noexcept {
+  const int count = form_ == Form::kUtf8 ? ReadRaw(out, static_cast<std::size_t>(size))
+                                         : Decode(out, static_cast<std::size_t>(size));
+  if (count <= 0) return count;
+  // The parser would take a NUL behind the root for the end.
+  if (std::memchr(out, 0, static_cast<std::size_t>(count)) != nullptr) return Stop("it holds a NUL");
+  is_valid_ &= validator_.Feed(reinterpret_cast<unsigned char*>(out), static_cast<std::size_t>(count));
+  return count;
+}
+
+int Source::ReadRaw(char* out, std::size_t size) noexcept {
+  ssize_t count = 0;
+  if (file_ < 0) {
+    count = static_cast<ssize_t>(text_.copy(out, size));
+    text_.remove_prefix(static_cast<std::size_t>(count));
+  } else {
+    do {
+      count = read(file_, out, size);
+    } while (count < 0 && errno == EINTR);
+  }
+  if (count < 0) return Stop(strerrordesc_np(errno));
+  bytes_read_ += static_cast<std::size_t>(count);
+  return bytes_read_ <= kMaxDocumentBytes ? static_cast<int>(count) : Stop(kTooLarge);
+}
+
+int Source::Decode(char* out, std::size_t size) noexcept {
+  for (;;) {
+    const std::size_t count = form_ == Form::kConverted ? Convert(out, size) : DecodeBytes(out, size);
+    if (problem_ != nullptr) return -1;
+    if (count > 0) return static_cast<int>(count);
+    if (at_end_) return raw_begin_ < raw_end_ ? Stop("it ends in the middle of a character") : 0;
+    raw_end_ =
+        static_cast<std::size_t>(std::copy(&raw_[raw_begin_], &raw_[0] + raw_end_, &raw_[0]) - &raw_[0]);
+    raw_begin_ = 0;
+    const int more = ReadRaw(&raw_[raw_end_], raw_.size() - raw_end_);
+    if (more < 0) return -1;
+    at_end_ = more == 0;
+    raw_end_ += static_cast<std::size_t>(more);
+  }
+}
+
+std::size_t Source::DecodeBytes(char* out, std::size_t size) noexcept {
+  const char* begin = out;
+  const char* end = out + size;
+  const auto put = [&out](unsigned byte) { *out++ = static_cast<char>(byte); };
+  while (raw_begin_ < raw_end_ && end - out >= 3) {
+    unsigned c = static_cast<unsigned char>(raw_[raw_begin_++]);
+    if (form_ == Form::kWindows1252 && c >= 0x80 && c < 0xA0) c = kWindows1252[c - 0x80];
+    if (c < 0x80) {
+      put(c);
+      continue;
+    }
+    if (c < 0x800) {
+      put(0xC0 | c >> 6);
+    } else {
+      put(0xE0 | c >> 12);
+      put(0x80 | (c >> 6 & 0x3F));
+    }
+    put(0x80 | (c & 0x3F));
+  }
+  return static_cast<std::size_t>(out - begin);
+}
+
+std::size_t Source::Convert(char* out, std::size_t size) noexcept {
+  char* in = &raw_[0] + raw_begin_;
+  std::size_t in_left = raw_end_ - raw_begin_;
+  std::size_t out_left = size;
+  const bool stopped = iconv(converter_, &in, &in_left, &out, &out_left) == static_cast<std::size_t>(-1);
+  // Room that ran out, or a character that goes on in the bytes to come, is no problem.
+  if (stopped && errno == EILSEQ && out_left == size) Stop("it is not valid in its encoding");
+  raw_begin_ = raw_end_ - in_left;
+  return size - out_left;
+}
+
+int Source::Stop(const char* problem) noexcept {
+  problem_ = problem;
+  return -1;
+}
+
+}  // namespace orx::platform::dom
