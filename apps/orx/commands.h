@@ -1,0 +1,39 @@
+// What the subcommands do. Each writes what it shows to `out` and raises Failure when it cannot be done;
+// nothing is then saved.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "report.h"
+
+namespace orx::cli {
+
+struct Arguments {
+  std::string file;
+  std::string name;
+  std::string path;
+  std::vector<std::string> settings;  // each NAME=VALUE
+  Format format = Format::kText;
+  bool overwrite = false;
+  bool make_default = false;
+  bool no_default = false;
+};
+
+using Command = void (*)(const Arguments& arguments, std::ostream& out);
+
+void project_show(const Arguments& arguments, std::ostream& out);
+void project_verify(const Arguments& arguments, std::ostream& out);
+void project_new(const Arguments& arguments, std::ostream& out);
+void project_set(const Arguments& arguments, std::ostream& out);
+void project_upgrade(const Arguments& arguments, std::ostream& out);
+
+void list_show(const Arguments& arguments, std::ostream& out);
+void list_add(const Arguments& arguments, std::ostream& out);
+void list_remove(const Arguments& arguments, std::ostream& out);
+void list_default(const Arguments& arguments, std::ostream& out);
+
+void platforms(const Arguments& arguments, std::ostream& out);
+
+}  // namespace orx::cli

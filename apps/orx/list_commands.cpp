@@ -1,0 +1,83 @@
+#include <orx/projects/qpl_file.h>
+
+#include <string>
+
+#include "commands.h"
+#include "failure.h"
+#include "suite_file.h"
+
+namespace orx::cli {
+namespace {
+
+std::string default_of(const CQPLFile& list) {
+  CStringA name;
+  list.GetDefaultProject(name);
+  return name.GetString();
+}
+
+void require_listed(const CQPLFile& list, const Arguments& arguments) {
+  CStringA path;
+  if (list.GetProject(arguments.name.c_str(), path) == 0) {
+    throw Failure(arguments.file, "lists no project '" + arguments.name + "'");
+  }
+}
+
+}  // namespace
+
+void list_show(const Arguments& arguments, std::ostream& out) {
+  CQPLFile list;
+  load(list, arguments.file);
+  const std::string default_name = default_of(list);
+  Table table{{"Name", "Default", "Path"}, {}};
+  CStringA name;
+  CStringA path;
+  for (int more = list.GetFirstProject(name, path); more != 0; more = list.GetNextProject(name, path)) {
+    table.rows.push_back({name.GetString(), default_name == name.GetString(), path.GetString()});
+  }
+  write(out, table, arguments.format);
+}
+
+void list_add(const Arguments& arguments, std::ostream&) {
+  CQPLFile list;
+  if (exists(arguments.file)) {
+    load(list, arguments.file);
+  } else {
+    attach(list, arguments.file);
+  }
+  // The white space around names and paths is lost when a list is read.
+  const CStringA name = CStringA(arguments.name.c_str()).Trim();
+  const CStringA path = CStringA(suite_path(arguments.path).c_str()).Trim();
+  if (name.IsEmpty()) throw Failure(arguments.file, "the name of a project cannot be blank");
+  list.SetProject(name, path);
+  if (arguments.make_default) list.SetDefaultProject(name);
+  save(list, arguments.file);
+}
+
+void list_remove(const Arguments& arguments, std::ostream&) {
+  CQPLFile list;
+  load(list, arguments.file);
+  require_listed(list, arguments);
+  if (list.RemoveProject(arguments.name.c_str()) == 0) {
+    throw Failure(arguments.file, "the default project '" + arguments.name + "' cannot be removed");
+  }
+  save(list, arguments.file);
+}
+
+void list_default(const Arguments& arguments, std::ostream& out) {
+  CQPLFile list;
+  load(list, arguments.file);
+  if (arguments.name.empty() && !arguments.no_default) {
+    const std::string name = default_of(list);
+    if (arguments.format == Format::kJson) {
+      write(out, Record{{"Default", name.empty() ? Value{} : name}}, Format::kJson);
+    } else if (!name.empty()) {
+      out << one_line(name) << '\n';
+    }
+    return;
+  }
+  if (!arguments.no_default) require_listed(list, arguments);
+  list.SetDefaultProject(arguments.name.c_str());
+  save(list, arguments.file);
+}
+
+}  // namespace orx::cli

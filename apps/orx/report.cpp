@@ -1,0 +1,93 @@
+#include "report.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <nlohmann/json.hpp>
+
+namespace orx::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct ToJson {
+  Json operator()(std::monostate) const { return nullptr; }
+  Json operator()(const auto& value) const { return value; }
+};
+
+struct ToText {
+  std::string operator()(std::monostate) const { return "-"; }
+  std::string operator()(bool value) const { return value ? "*" : ""; }
+  std::string operator()(int value) const { return std::to_string(value); }
+  std::string operator()(const std::string& value) const { return one_line(value); }
+};
+
+void write_json(std::ostream& out, const Json& json) {
+  out << json.dump(2, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace) << '\n';
+}
+
+bool continues_character(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+std::size_t width_of(const std::string& text) {
+  return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, continues_character));
+}
+
+using Line = std::vector<std::string>;
+
+void write_aligned(std::ostream& out, const std::vector<Line>& lines) {
+  std::vector<std::size_t> widths;
+  for (const Line& line : lines) {
+    widths.resize(std::max(widths.size(), line.size()));
+    for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], width_of(line[i]));
+  }
+  for (const Line& line : lines) {
+    std::string text;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+      text += line[i] + std::string(widths[i] - width_of(line[i]) + 2, ' ');
+    }
+    text.erase(text.find_last_not_of(' ') + 1);
+    out << text << '\n';
+  }
+}
+
+}  // namespace
+
+void write(std::ostream& out, const Record& record, Format format) {
+  Json json = Json::object();
+  std::vector<Line> lines;
+  for (const auto& [name, value] : record) {
+    json[name] = std::visit(ToJson{}, value);
+    lines.push_back({name, std::visit(ToText{}, value)});
+  }
+  if (format == Format::kJson) return write_json(out, json);
+  write_aligned(out, lines);
+}
+
+void write(std::ostream& out, const Table& table, Format format) {
+  Json json = Json::array();
+  std::vector<Line> lines{table.columns};
+  for (const std::vector<Value>& row : table.rows) {
+    Json& object = json.emplace_back(Json::object());
+    Line& line = lines.emplace_back();
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      object[table.columns[i]] = std::visit(ToJson{}, row[i]);
+      line.push_back(std::visit(ToText{}, row[i]));
+    }
+  }
+  if (format == Format::kJson) return write_json(out, json);
+  write_aligned(out, lines);
+}
+
+std::string one_line(std::string text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    if (byte < 0x20 || byte == 0x7F) text[i] = ' ';
+    // U+0080 to U+009F, which terminals obey too.
+    if (byte == 0xC2 && i + 1 < text.size() && continues_character(text[i + 1]) &&
+        static_cast<unsigned char>(text[i + 1]) < 0xA0) {
+      text.replace(i, 2, " ");
+    }
+  }
+  return text;
+}
+
+}  // namespace orx::cli
