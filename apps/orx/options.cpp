@@ -70,7 +70,9 @@ class CommandLine {
         ->add_option("NAME", arguments_.name, "The name of the project")
         ->required();
     CLI::App* standard = add_for_file(list, "default", "Show or set the default project", list_default);
+    const auto not_empty = [](const std::string& name) { return name.empty() ? "it is empty" : ""; };
     CLI::Option* name = standard->add_option("NAME", arguments_.name, "The project to make the default");
+    name->check(not_empty);
     standard->add_flag("--none", arguments_.no_default, "Have no default project")->excludes(name);
     json(standard);
   }

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# examples_test.sh SOURCE ORX HOST C_HOST: the sample suite is whole, the example hosts run, and the README shows them as
+# they are.
+set -euo pipefail
+source=$1 orx=$2 host=$3 c_host=$4
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cp -r "$source/examples/suite/drives" "$work"
+export ORX_DRIVES=$work/drives
+
+"$orx" list show 'C:\Projects\projects.qpl'
+for project in 'C:\Projects\Kestrel Ridge\North Pit\north_pit.qpr' 'C:\Projects\Gruental\Stollen 4\stollen_4.qpr'; do
+  "$orx" list show 'C:\Projects\projects.qpl' | grep -F "$project"
+  "$orx" project verify "$project"
+  "$host" "$project"
+  "$orx" project show "$project" | grep '^VersionState *current$'
+done
+! "$host" 'C:\Projects\missing.qpr' || exit 1
+[ "$("$c_host")" = "'PIT 1'" ]
+
+snippet() { awk -v fence="\`\`\`$1" '$0 == fence { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md"; }
+diff <(snippet cpp) "$source/examples/host.cpp"
+diff <(snippet c) "$source/examples/c_host.c"

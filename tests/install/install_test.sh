@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# install_test.sh BUILD LIBDIR COMPILER FLAGS: an installed library that was moved is found by a stranger's CMake project
+# and by pkg-config, its headers leave the seam out, and the installed host finds its library.
+set -euo pipefail
+build=$1 libdir=$2 compiler=$3 flags=$4
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+cmake --install "$build" --prefix "$work/first" > "$work/log"
+mv "$work/first" "$work/moved here"
+prefix="$work/moved here"
+
+"$prefix/bin/orx" --version
+if find "$prefix/include" -path '*/platform/*' -o -name text_format.h | grep .; then
+  echo "internal headers are installed"
+  exit 1
+fi
+
+cmake -S "$here" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
+  -DCMAKE_CXX_FLAGS="$flags" >> "$work/log"
+cmake --build "$work/cmake" >> "$work/log"
+"$work/cmake/stranger"
+
+export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
+pkg-config --atleast-version=6.9 orx
+eval "$compiler $flags -std=c++20 '$here/stranger.cpp' -o '$work/by_hand' $(pkg-config --cflags --libs orx)"
+LD_LIBRARY_PATH="$prefix/$libdir" "$work/by_hand"
