@@ -8,7 +8,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 install_packages "${build_packages[@]}"
 build=$root/build/release
 [ -f "$build/build.ninja" ] || (cd "$root" && cmake --preset release) >&2
-cmake --build "$build" --target orx-cli -- --quiet >&2
+cmake --build "$build" --target orx-cli -- --quiet | sed '/^ninja: no work to do/d' >&2
 
 orx=$build/apps/orx/orx
 [ $# = 0 ] || exec "$orx" "$@"

@@ -87,10 +87,14 @@ class CommandLine {
 Command parse(int argc, const char* const* argv, Arguments& arguments, std::ostream& out) {
   Command chosen = nullptr;
   CommandLine command_line(arguments, chosen);
+  CLI::App& app = command_line.app();
   try {
-    command_line.app().parse(argc, argv);
+    app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (command_line.app().exit(error, out, out) != 0) throw UsageError(error.what());
+    if (app.exit(error, out, out) == 0) return nullptr;
+    // What nobody asked for says more than what is missing in its place.
+    const std::vector<std::string> extras = app.remaining(/*recurse=*/true);
+    throw UsageError(extras.empty() ? error.what() : "'" + extras.front() + "' is not expected");
   }
   return chosen;
 }

@@ -41,7 +41,7 @@ sql=(SiteName=Ost SiteDatabase=OstSite SiteDatabasePlatform=SQL2019 SiteDatabase
 row 0 'orx 6.*' '' --version
 row 0 '*Usage: orx project new*' '' project new --help
 row 2 '' 'orx: A subcommand is required*'
-row 2 '' 'orx: *not expected*' bogus
+row 2 '' "orx: 'bogus' is not expected*" project bogus
 row 2 '' 'orx: FILE is required*' project show
 row 2 '' "orx: *'SiteName' is not NAME=VALUE*" project set a.qpr SiteName
 row 2 '' 'orx: *' list default all.qpl ''
@@ -71,7 +71,7 @@ refused '*' $'Description=\xff'
 row 0 '' '' project set 'jét 1.qpr' coordinates='a=b' "SiteDatabase=$work/elsewhere/new.mdb" RELEASEVERSION=-3
 
 # project show
-suite=${PWD//\//\\}
+suite=${PWD//\//\\\\} # as a pattern
 row 0 "File                    $suite\\\\jét 1.qpr
 SiteName                Süd Feld
 SiteDatabase            $suite\\\\new.mdb
@@ -88,11 +88,11 @@ PlatformName            Access 2016
 PlatformType            JET
 PlatformId              8
 VersionState            current
-ProjectBasePath         ${suite%\\*}
+ProjectBasePath         ${suite%\\\\*}
 SiteProjectDatagroup    \\\\Süd Feld\\\\Grube 1\\\\Alle\\\\" '' project show 'jét 1.qpr'
 row 0 '{*"SiteName": "Ost",*"MinorVersion": 6,*"PlatformType": "SQL",*"VersionState": "older",*}' '' project show sql.qpr --json
 row 1 '' 'orx: missing.qpr: *' project show missing.qpr
-row 1 '' 'orx: : *' project show ' '
+row 1 '' 'orx:  : the name of a file cannot end in white space' project show ' '
 
 # a file that does not verify is shown, told and not written
 cat > broken.qpr << 'XML'
