@@ -48,6 +48,10 @@ void list_add(const Arguments& arguments, std::ostream&) {
   const CStringA name = CStringA(arguments.name.c_str()).Trim();
   const CStringA path = CStringA(suite_path(arguments.path).c_str()).Trim();
   if (name.IsEmpty()) throw Failure(arguments.file, "the name of a project cannot be blank");
+  // Saving a list leaves out what XML cannot hold, without a word.
+  if (!is_plain(name.GetString()) || !is_plain(path.GetString())) {
+    throw Failure(arguments.file, "names and paths are UTF-8 text without control characters");
+  }
   list.SetProject(name, path);
   if (arguments.make_default) list.SetDefaultProject(name);
   save(list, arguments.file);

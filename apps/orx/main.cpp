@@ -51,8 +51,10 @@ void run(int argc, const char* const* argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-#if defined(SIGPIPE)
-  std::signal(SIGPIPE, SIG_IGN);  // a reader that has left is a failed write, and said to be one
+#if defined(SIGPIPE) && defined(SIGXFSZ)
+  // A reader that has left and a limit on file sizes are failed writes, and said to be such.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 #endif
   try {
     run(argc, argv);

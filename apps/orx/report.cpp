@@ -90,4 +90,13 @@ std::string one_line(std::string text) {
   return text;
 }
 
+bool is_plain(const std::string& text) {
+  try {
+    (void)Json(text).dump();
+  } catch (const Json::exception&) {
+    return false;
+  }
+  return one_line(text) == text;
+}
+
 }  // namespace orx::cli

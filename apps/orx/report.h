@@ -27,4 +27,7 @@ void write(std::ostream& out, const Table& table, Format format);
 // terminal.
 std::string one_line(std::string text);
 
+// Whether it is UTF-8 without control characters.
+bool is_plain(const std::string& text);
+
 }  // namespace orx::cli

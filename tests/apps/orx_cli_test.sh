@@ -138,6 +138,8 @@ row 0 '' '' list remove all.qpl beta
 row 0 '\[\]' '' list show all.qpl --json
 row 0 '' '' list add all.qpl show list # names of subcommands
 row 1 '' 'orx: all.qpl: the name of a project cannot be blank' list add all.qpl ' ' p.qpr
+unchanged all.qpl row 1 '' 'orx: all.qpl: *UTF-8*' list add all.qpl $'A\xff' p.qpr
+unchanged all.qpl row 1 '' 'orx: all.qpl: *control*' list add all.qpl A $'p\n.qpr'
 unchanged torn.qpr row 1 '' 'orx: torn.qpr: ?*' list add torn.qpr A p.qpr
 row 1 '' 'orx: missing.qpl: *' list remove missing.qpl A
 
