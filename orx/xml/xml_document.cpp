@@ -3,9 +3,9 @@
 #include <orx/platform/code_page.h>
 #include <orx/platform/dom.h>
 #include <orx/platform/file_system.h>
+#include <orx/platform/kept_errno.h>
 #include <orx/platform/message_box.h>
 
-#include <cerrno>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -22,22 +22,10 @@ bool is_value(VARTYPE type) {
          type != VT_ARRAY;
 }
 
-// Keeps the host's errno from what an operation does to it.
-class ErrnoKept {
- public:
-  ErrnoKept() : value_(errno) {}
-  ~ErrnoKept() { errno = value_; }
-  ErrnoKept(const ErrnoKept&) = delete;
-  ErrnoKept& operator=(const ErrnoKept&) = delete;
-
- private:
-  int value_;
-};
-
 // Carries out one operation: 1, or 0 with its reason in `failure`.
 template <class Operation>
 int attempt(CStringA& failure, Operation operation) {
-  const ErrnoKept errno_kept;
+  const orx::platform::KeptErrno kept;
   std::string reason;
   try {
     if (operation(reason)) return 1;

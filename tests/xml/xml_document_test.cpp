@@ -230,13 +230,13 @@ TEST_F(XmlDocument, ValuesAreTextOfElements) {
   std::string text;
   VARIANT value{};
   EXPECT_EQ(document.GetXMLValue(root, text), 1);
-  EXPECT_EQ(text, "1  2   3 ");
+  EXPECT_EQ(text, "1  2  3 ");
   EXPECT_EQ(document.GetXMLValue(root, &value), 1);
   EXPECT_EQ(value.vt, VT_NULL);
   NodeRef comment;
   ASSERT_EQ(document.SelectSingleXMLNode("//comment()", comment.Out()), 1);
   EXPECT_EQ(document.GetXMLValue(comment, text), 0);
-  EXPECT_EQ(text, "1  2   3 ") << "left as it was";
+  EXPECT_EQ(text, "1  2  3 ") << "left as it was";
   wchar_t dashes[] = L"a--b";
   wchar_t control[] = L"\x1F";
   EXPECT_EQ(document.SetXMLValue(comment, dashes), 0) << "would end the comment";

@@ -1,6 +1,6 @@
 #include <orx/platform/debug_output.h>
 
-#include <orx/platform/posix/error_text.h>
+#include <orx/platform/kept_errno.h>
 #include <orx/platform/posix/quiet_write.h>
 
 #include <fcntl.h>

@@ -1,12 +1,13 @@
 #include <orx/platform/dom.h>
 
-#include <libxml/xmlsave.h>
 #include <orx/platform/code_page.h>
 #include <orx/platform/paths.h>
 #include <orx/platform/posix/dom_parse.h>
 #include <orx/platform/posix/dom_tree.h>
 #include <orx/platform/posix/utf8.h>
 #include <orx/platform/posix/variant_text.h>
+
+#include <libxml/xmlsave.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,10 +1,11 @@
 #include <orx/platform/posix/dom_parse.h>
 
+#include <orx/platform/posix/dom_source.h>
+
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/xmlerror.h>
-#include <orx/platform/posix/dom_source.h>
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,11 @@
 // Selecting nodes. The suite asks for elements by name, below the document or below an element; those two are
 // walks of the tree. Everything else is left to libxml2's XPath.
-#include <libxml/xpath.h>
-#include <libxml/xpathInternals.h>
 #include <orx/platform/dom.h>
 #include <orx/platform/posix/dom_tree.h>
 #include <orx/platform/posix/utf8.h>
+
+#include <libxml/xpath.h>
+#include <libxml/xpathInternals.h>
 
 #include <cstring>
 #include <memory>

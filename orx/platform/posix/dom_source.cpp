@@ -1,7 +1,8 @@
 #include <orx/platform/posix/dom_source.h>
 
-#include <fcntl.h>
 #include <orx/platform/posix/error_text.h>
+
+#include <fcntl.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>

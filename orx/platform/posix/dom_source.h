@@ -5,8 +5,9 @@
 // for them.
 #pragma once
 
-#include <iconv.h>
 #include <orx/platform/posix/utf8.h>
+
+#include <iconv.h>
 
 #include <array>
 #include <cstddef>

@@ -8,8 +8,9 @@
 // libxml2 says "no memory" by null; here that raises std::bad_alloc.
 #pragma once
 
-#include <libxml/tree.h>
 #include <orx/compat/dom.h>
+
+#include <libxml/tree.h>
 
 #include <cstddef>
 #include <new>

@@ -1,5 +1,6 @@
 #include <orx/platform/file_system.h>
 
+#include <orx/platform/kept_errno.h>
 #include <orx/platform/paths.h>
 #include <orx/platform/posix/error_text.h>
 #include <orx/platform/posix/quiet_write.h>

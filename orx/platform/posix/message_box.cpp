@@ -1,6 +1,6 @@
 #include <orx/platform/message_box.h>
 
-#include <orx/platform/posix/error_text.h>
+#include <orx/platform/kept_errno.h>
 
 #include <cstdio>
 
