@@ -30,14 +30,13 @@ xmlNode& node_of(IXMLDOMNode& node) { return *handle_of(node).node; }
 
 // Whether a document that holds the text can be read again.
 bool is_text(std::string_view text) {
-  if (!utf8::is_valid(text) || text.find("\xEF\xBF\xBE") != text.npos ||
-      text.find("\xEF\xBF\xBF") != text.npos) {
-    return false;
-  }
+  bool is_ascii = true;
   for (const char c : text) {
     if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r') return false;
+    is_ascii &= static_cast<signed char>(c) >= 0;
   }
-  return true;
+  return is_ascii || (utf8::is_valid(text) && text.find("\xEF\xBF\xBE") == text.npos &&
+                      text.find("\xEF\xBF\xBF") == text.npos);
 }
 
 bool accept_text(std::string_view text, Reason& reason) {
@@ -47,7 +46,7 @@ bool accept_text(std::string_view text, Reason& reason) {
 }
 
 bool accept_name(const char* name, Reason& reason) {
-  if (utf8::is_valid(name) && xmlValidateQName(as_xml(name), 0) == 0) return true;
+  if (xmlValidateQName(as_xml(name), 0) == 0) return true;
   reason = "\"" + std::string(name) + "\" is not a name of XML";
   return false;
 }
@@ -290,8 +289,10 @@ bool set_text(IXMLDOMNode& node, const wchar_t* text, Reason& reason) {
 }
 
 bool get_attribute(IXMLDOMElement& element, const char* name, bool& exists, CStringA& text, Reason& reason) {
-  if (!accept_name(name, reason)) return false;
-  exists = read_attribute(node_of(element), name, text);
+  CStringA value;
+  exists = read_attribute(node_of(element), name, value);
+  if (!exists && !accept_name(name, reason)) return false;  // there is none of a name that is none
+  text = std::move(value);
   return true;
 }
 

@@ -34,6 +34,7 @@ struct Parse {
   Source source;
   const xmlParserCtxt* context = nullptr;
 
+  bool has_lines = false;  // white space that was dropped ended a line
   const char* refusal = nullptr;
   std::size_t defaulted_bytes = 0;
   xmlErrorLevel level = XML_ERR_NONE;
@@ -69,9 +70,23 @@ void on_unparsed_entity(void* context, const xmlChar*, const xmlChar*, const xml
   refuse(context, "it declares entities");
 }
 
+// Drops white space that only separates nodes, as soon as the node behind it shows that it is complete: its
+// memory then serves that node, and a second walk of the whole tree is spared.
+void drop_blank(void* context) {
+  xmlNode* parent = static_cast<xmlParserCtxt*>(context)->node;
+  xmlNode* node = parent != nullptr ? parent->last : nullptr;
+  if (node == nullptr || node->type != XML_TEXT_NODE || !is_blank(as_text(node->content)) ||
+      keeps_space(*parent))
+    return;
+  parse_of(context).has_lines |= std::strchr(as_text(node->content), '\n') != nullptr;
+  xmlUnlinkNode(node);
+  xmlFreeNode(node);
+}
+
 void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                       int namespaces, const xmlChar** namespace_table, int attributes, int defaulted,
                       const xmlChar** attribute_table) {
+  drop_blank(context);
   Parse& parse = parse_of(context);
   for (int i = attributes - defaulted; i < attributes;
        ++i) {  // five pointers each, the last two enclose the value
@@ -84,6 +99,31 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
                         attribute_table);
 }
 
+void on_end_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
+  drop_blank(context);
+  xmlSAX2EndElementNs(context, name, prefix, uri);
+}
+
+void on_comment(void* context, const xmlChar* text) {
+  drop_blank(context);
+  xmlSAX2Comment(context, text);
+}
+
+void on_instruction(void* context, const xmlChar* target, const xmlChar* data) {
+  drop_blank(context);
+  xmlSAX2ProcessingInstruction(context, target, data);
+}
+
+void on_cdata(void* context, const xmlChar* text, int size) {
+  drop_blank(context);
+  xmlSAX2CDataBlock(context, text, size);
+}
+
+void on_reference(void* context, const xmlChar* name) {
+  drop_blank(context);
+  xmlSAX2Reference(context, name);
+}
+
 int read_more(void* context, char* buffer, int size) {
   Parse& parse = *static_cast<Parse*>(context);
   if (parse.context->maxatts > 5 * kManyAttributes) {
@@ -92,21 +132,6 @@ int read_more(void* context, char* buffer, int size) {
     parse.refusal = "its DOCTYPE is too large";
   }
   return parse.refusal == nullptr ? parse.source.Read(buffer, size) : -1;
-}
-
-// Drops the white space that only separates elements. Whether any of it ended a line is the result.
-bool drop_blanks(xmlDoc& doc) {
-  bool has_lines = false;
-  xmlNode* top = reinterpret_cast<xmlNode*>(&doc);
-  for (xmlNode *node = following(top, top), *next; node != nullptr; node = next) {
-    next = following(node, top);
-    if (node->type != XML_TEXT_NODE || !is_blank(as_text(node->content)) || keeps_space(*node->parent))
-      continue;
-    has_lines |= std::strchr(as_text(node->content), '\n') != nullptr;
-    xmlUnlinkNode(node);
-    xmlFreeNode(node);
-  }
-  return has_lines;
 }
 
 std::string parser_complaint(const Parse& parse) {
@@ -137,10 +162,16 @@ Tree* run(Parse& parse, std::string& reason) {
   // What the source hands on is UTF-8, whatever the declaration says.
   xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC);
   context->_private = &parse;
-  context->sax->serror = on_error;
-  context->sax->entityDecl = on_entity;
-  context->sax->unparsedEntityDecl = on_unparsed_entity;
-  context->sax->startElementNs = on_start_element;
+  xmlSAXHandler& handler = *context->sax;
+  handler.serror = on_error;
+  handler.entityDecl = on_entity;
+  handler.unparsedEntityDecl = on_unparsed_entity;
+  handler.startElementNs = on_start_element;
+  handler.endElementNs = on_end_element;
+  handler.comment = on_comment;
+  handler.processingInstruction = on_instruction;
+  handler.cdataBlock = on_cdata;
+  handler.reference = on_reference;
   parse.context = context.get();
   xmlParserInputBuffer* input =
       allocated(xmlParserInputBufferCreateIO(read_more, nullptr, &parse, XML_CHAR_ENCODING_NONE));
@@ -156,7 +187,7 @@ Tree* run(Parse& parse, std::string& reason) {
   doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
   Tree* tree = new Tree(doc);
   tree->declared = context->standalone != -1;
-  tree->laid_out = drop_blanks(*doc);
+  tree->laid_out = parse.has_lines;
   return tree;
 }
 

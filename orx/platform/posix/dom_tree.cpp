@@ -45,7 +45,7 @@ void Tree::RemoveChildren(xmlNode& parent) {
   }
 }
 
-// Runs when the number of nodes set aside has doubled, so that it costs next to nothing a node.
+// Runs when the number of removed nodes has doubled, so that it costs next to nothing a node.
 void Tree::Sweep() {
   if (lists_ == 0) {
     std::erase_if(removed_, [](xmlNode* node) {
