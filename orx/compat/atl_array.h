@@ -13,8 +13,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -131,7 +131,7 @@ class CAtlArray {
   }
 
   bool Reallocate(std::size_t capacity) noexcept {
-    if (capacity > std::numeric_limits<std::size_t>::max() / sizeof(T)) return false;
+    if (capacity > PTRDIFF_MAX / sizeof(T)) return false;
     T* block = static_cast<T*>(std::malloc(capacity * sizeof(T)));
     if (block == nullptr) return false;
     std::uninitialized_move_n(data_, count_, block);

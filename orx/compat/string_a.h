@@ -20,13 +20,18 @@
 #include <atomic>
 #include <compare>
 #include <cstdarg>
+#include <cstddef>
 #include <cstring>
 #include <utility>
+
+#if defined(__GLIBC__)
+#include <sys/single_threaded.h>
+#endif
 
 class ORX_API CStringA {
  public:
   CStringA() noexcept : chars_(Nil()) {}
-  CStringA(const char* text);
+  CStringA(const char* text) : chars_(Made(text, LengthOf(text))) {}
   CStringA(const char* chars, int length);
   explicit CStringA(char c, int repeat = 1);
   CStringA(const CStringA& other) noexcept : chars_(Shared(other.chars_)) {}
@@ -54,7 +59,10 @@ class ORX_API CStringA {
   operator const char*() const noexcept { return chars_; }
 
   // An index up to and including the length, where the NUL stands.
-  char GetAt(int index) const;
+  char GetAt(int index) const {
+    if (index < 0 || index > GetLength()) AtlThrow(E_INVALIDARG);
+    return chars_[index];
+  }
   char operator[](int index) const { return GetAt(index); }
   // An index below the length.
   void SetAt(int index, char c);
@@ -69,10 +77,10 @@ class ORX_API CStringA {
   void ReleaseBuffer(int length = -1);
   void ReleaseBufferSetLength(int length);
 
-  void Append(const char* text);
+  void Append(const char* text) { Add(text, LengthOf(text)); }
   void Append(const char* chars, int length);
   void Append(const CStringA& other) { Append(other.chars_, other.GetLength()); }
-  void AppendChar(char c) { Append(&c, 1); }
+  void AppendChar(char c) { Add(&c, 1); }
   CStringA& operator+=(const CStringA& other) { return Append(other), *this; }
   CStringA& operator+=(const char* text) { return Append(text), *this; }
   CStringA& operator+=(char c) { return AppendChar(c), *this; }
@@ -105,7 +113,7 @@ class ORX_API CStringA {
   // set.
   CStringA& Trim() { return TrimRight().TrimLeft(); }
   CStringA& Trim(char c) { return TrimRight(c).TrimLeft(c); }
-  CStringA& Trim(const char* set) { return TrimRight(set).TrimLeft(set); }
+  CStringA& Trim(const char* set);
   CStringA& TrimLeft();
   CStringA& TrimLeft(char c);
   CStringA& TrimLeft(const char* set);
@@ -131,10 +139,10 @@ class ORX_API CStringA {
   CStringA Tokenize(const char* set, int& start) const;
 
  private:
-  struct Header {
-    std::atomic<int> references;  // the block of the empty string is never counted
+  struct alignas(16) Header {     // so the characters are aligned for the fast paths of the C runtime
+    std::atomic<int> references;  // 0: the block of the empty string, which is never counted
     int length;
-    int capacity;
+    int capacity;  // characters, without the NUL
   };
   struct NilBlock {
     Header header;
@@ -144,25 +152,66 @@ class ORX_API CStringA {
 
   static char* Nil() noexcept { return nil_.terminator; }
   static Header* HeaderOf(char* chars) noexcept { return reinterpret_cast<Header*>(chars) - 1; }
+  static std::atomic<int>& ReferencesTo(char* chars) noexcept { return HeaderOf(chars)->references; }
+  static int Count(char* chars, int change) noexcept {
+    std::atomic<int>& references = ReferencesTo(chars);
+#if defined(__GLIBC__)
+    // A fraction of the cost of an atomic addition, while the process has one thread.
+    if (__libc_single_threaded != 0) {
+      const int count = references.load(std::memory_order_relaxed) + change;
+      references.store(count, std::memory_order_relaxed);
+      return count;
+    }
+#endif
+    return references.fetch_add(change, std::memory_order_acq_rel) + change;
+  }
   static char* Shared(char* chars) noexcept {
-    if (chars != Nil()) HeaderOf(chars)->references.fetch_add(1, std::memory_order_relaxed);
+    if (ReferencesTo(chars).load(std::memory_order_relaxed) != 0) Count(chars, 1);
     return chars;
   }
   static void Drop(char* chars) noexcept {
-    if (chars == Nil()) return;
-    if (HeaderOf(chars)->references.fetch_sub(1, std::memory_order_acq_rel) == 1) Free(chars);
+    // Nobody else can take a reference from a sole owner, who is spared the subtraction.
+    const int references = ReferencesTo(chars).load(std::memory_order_acquire);
+    if (references == 1 || (references != 0 && Count(chars, -1) == 0)) Free(chars);
   }
   static void Free(char* chars) noexcept;
-  static char* Allocate(int capacity);
+  static char* Allocate(std::size_t capacity, Header* moved = nullptr);
+  static char* Made(const char* chars, std::size_t length);
+
+  static std::size_t LengthOf(const char* text) noexcept { return text != nullptr ? std::strlen(text) : 0; }
+  static bool IsSoleOwner(char* chars) noexcept {
+    return ReferencesTo(chars).load(std::memory_order_acquire) == 1;
+  }
+  void Add(const char* chars, std::size_t length) {
+    char* end = chars_ + GetLength();
+    const auto room = static_cast<std::size_t>(HeaderOf(chars_)->capacity - GetLength());
+    if (length == 0 || length > room || !IsSoleOwner(chars_)) return AddInNewBlock(chars, length);
+    SetLength(GetLength() + static_cast<int>(length));
+    std::memmove(end, chars, length);
+  }
+  void AddInNewBlock(const char* chars, std::size_t length);
+  void SetLength(int length) noexcept {
+    HeaderOf(chars_)->length = length;
+    chars_[length] = '\0';
+  }
 
   char* chars_;
 };
 
-inline CStringA operator+(CStringA left, const CStringA& right) { return left += right, left; }
-inline CStringA operator+(CStringA left, const char* right) { return left += right, left; }
-inline CStringA operator+(CStringA left, char right) { return left += right, left; }
-inline CStringA operator+(const char* left, const CStringA& right) { return CStringA(left) += right; }
-inline CStringA operator+(char left, const CStringA& right) { return CStringA(left) += right; }
+inline CStringA operator+(CStringA left, const CStringA& right) {
+  left += right;
+  return left;
+}
+inline CStringA operator+(CStringA left, const char* right) {
+  left += right;
+  return left;
+}
+inline CStringA operator+(CStringA left, char right) {
+  left += right;
+  return left;
+}
+inline CStringA operator+(const char* left, const CStringA& right) { return CStringA(left) + right; }
+inline CStringA operator+(char left, const CStringA& right) { return CStringA(left) + right; }
 
 inline bool operator==(const CStringA& left, const CStringA& right) noexcept {
   return left.Compare(right) == 0;

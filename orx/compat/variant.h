@@ -60,7 +60,7 @@ typedef struct tagVARIANT {
     uint16_t uiVal;        // VT_UI2
     int32_t lVal;          // VT_I4
     uint32_t ulVal;        // VT_UI4
-    int64_t llVal;         // VT_I8
+    int64_t llVal;         // VT_I8; VT_CY: in ten-thousandths
     uint64_t ullVal;       // VT_UI8
     int32_t intVal;        // VT_INT
     uint32_t uintVal;      // VT_UINT
