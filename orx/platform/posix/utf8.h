@@ -1,0 +1,42 @@
+// UTF-8, the encoding of narrow text on this system: no overlong forms, no surrogates, nothing above
+// U+10FFFF.
+#pragma once
+
+#include <orx/compat/bstr.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace orx::platform::utf8 {
+
+// The bytes that may come next within a character; an empty range refuses every byte.
+struct Continuation {
+  unsigned char bytes_left;
+  unsigned char lowest;
+  unsigned char highest;
+};
+
+// Checks a text that comes in pieces, which may cut characters.
+class Validator {
+ public:
+  // False once the text is known to be invalid, from then on always.
+  bool Feed(const unsigned char* bytes, std::size_t size);
+
+  // Valid so far, and not in the middle of a character.
+  bool Complete() const { return next_.bytes_left == 0; }
+
+ private:
+  Continuation next_{};
+};
+
+bool is_valid(std::string_view text);
+
+// False, and `out` unchanged, when a wide character is no code point of text.
+bool from_wide(const wchar_t* text, std::size_t length, std::string& out);
+
+// The caller owns the copy. Raises CAtlException: E_OUTOFMEMORY, or E_INVALIDARG for a text that is not
+// valid.
+BSTR to_wide(std::string_view text);
+
+}  // namespace orx::platform::utf8
