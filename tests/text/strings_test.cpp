@@ -1,0 +1,93 @@
+#include <orx/text/strings.h>
+
+#include <orx/text/string_array.h>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <string>
+
+namespace {
+
+struct Buffer {
+  explicit Buffer(const char* text) { std::strcpy(chars, text); }
+  char chars[32] = {};
+};
+
+TEST(Strings, Trim) {
+  const char* const kRows[][3] = {{"", "", ""},
+                                  {"   ", "", ""},
+                                  {"a b", "a b", "a b"},
+                                  {" a b  ", "a b", " a b"},
+                                  {"\ta ", "\ta", "\ta"}};
+  for (const auto& [text, trimmed, trimmed_at_end] : kRows) {
+    EXPECT_STREQ(trim(Buffer(text).chars), trimmed);
+    EXPECT_STREQ(trimt(Buffer(text).chars), trimmed_at_end);
+  }
+}
+
+TEST(Strings, DeleteAndInsert) {
+  const struct {
+    const char* text;
+    int position;
+    const char *deleted, *inserted;
+  } kRows[] = {{"abc", 1, "ac", "axbc"}, {"abc", 0, "bc", "xabc"},       {"abc", 3, "abc", "abcx"},
+               {"abc", 4, "abc", "abc"}, {"abc", INT_MIN, "abc", "abc"}, {"", 5, "", "x"},
+               {"", -1, "", "x"}};
+  for (const auto& row : kRows) {
+    EXPECT_STREQ(delchar(Buffer(row.text).chars, row.position), row.deleted) << row.position;
+    EXPECT_STREQ(inschar(Buffer(row.text).chars, 'x', row.position), row.inserted) << row.position;
+  }
+}
+
+TEST(Strings, BoundedPrint) {
+  const auto expect = [](std::size_t n, const char* text, int result, const char* stored) {
+    Buffer buffer("#####");
+    EXPECT_EQ(ORX_snprintf(buffer.chars, n, "%s", text), result);
+    EXPECT_STREQ(buffer.chars, stored);
+    EXPECT_EQ(buffer.chars[4], n == 4 ? '\0' : '#');
+  };
+  expect(4, "abcdef", -1, "abcd");
+  expect(4, "abcd", 4, "abcd");
+  expect(4, "ab", 2, "ab");
+  expect(SIZE_MAX, "ab", 2, "ab");
+  expect(0, "ab", -1, "#####");
+}
+
+TEST(Strings, UpperAndBoundedCopy) {
+  Buffer buffer("az{\xE9##");
+  upperstr(buffer.chars);
+  EXPECT_STREQ(buffer.chars, "AZ{\xE9##");
+  ORX_strncpy(buffer.chars, "abcdef", 3);
+  EXPECT_EQ(std::string(buffer.chars, 6), std::string("abc\0##", 6));
+  EXPECT_STREQ(ORX_strncpy(buffer.chars, nullptr, 3), "");
+}
+
+TEST(Strings, Numbers) {
+  for (const char* text : {"12", " -3.5 ", "+.5", "1.5e-3", "2E+10", "-1.e5", "-", "+", ".", "-.", " \t",
+                           "5e", "5e-", "1 e5", "- e5", "\v1\f", ".e"}) {
+    EXPECT_TRUE(IsNumeric(text)) << text;
+  }
+  for (const char* text :
+       {"",   "1.2.3", "1e2e3", "1e2E3", "1E2E3", "3-",   "1e2.5", "0x1F", "12a",  "1,5",
+        "e5", "E",     " e5",   "+-1",   "--1",   "1e 5", "1e5-",  "1 2",  "\xB2", "1.2.e3"}) {
+    EXPECT_FALSE(IsNumeric(text)) << text;
+  }
+  EXPECT_FALSE(IsNumeric(CStringA("1\0", 2)));
+  EXPECT_TRUE(IsNumeric(CStringA('7', 10'000'000)));
+}
+
+TEST(StringArray, GrowsAndShrinks) {
+  CAtlStringArray strings;
+  EXPECT_EQ(strings.Add("a"), 0U);
+  EXPECT_EQ(strings.Add(strings.ElementAt(0)), 1U);
+  strings.SetSize(SIZE_MAX);  // stays as it is
+  strings.SetSize(3);
+  EXPECT_EQ(strings.ElementAt(1) + strings.ElementAt(2), "a");
+  EXPECT_THROW(strings.ElementAt(3), CAtlException);
+  strings.SetSize(0);
+  EXPECT_EQ(strings.GetSize(), 0U);
+}
+
+}  // namespace
