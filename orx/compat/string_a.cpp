@@ -147,7 +147,9 @@ CStringA::CStringA(const char* chars, int length) : chars_(Made(chars, checked_c
 CStringA::CStringA(char c, int repeat) : CStringA() {
   if (repeat < 0) AtlThrow(E_INVALIDARG);
   if (repeat == 0) return;
-  std::memset(GetBuffer(repeat), static_cast<unsigned char>(c), static_cast<std::size_t>(repeat));
+  const auto count = static_cast<std::size_t>(repeat);
+  chars_ = Allocate(count, nullptr);
+  std::memset(chars_, static_cast<unsigned char>(c), count);
   SetLength(repeat);
 }
 
