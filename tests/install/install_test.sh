@@ -17,7 +17,7 @@ if find "$prefix/include" -path '*/platform/*' -o -name text_format.h | grep .; 
   exit 1
 fi
 
-cmake -S "$here" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
+cmake -G Ninja -S "$here" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
   -DCMAKE_CXX_FLAGS="$flags" >> "$work/log"
 cmake --build "$work/cmake" >> "$work/log"
 "$work/cmake/stranger"
