@@ -54,19 +54,6 @@ bool failed(std::string& reason, std::string text = error_text(errno)) {
   return false;
 }
 
-// Where the name at the end of a path leads, through links that need not lead to anything yet. The links on
-// the way to it are the system's business.
-bool follow_links(std::string& path, std::string& reason) {
-  for (int followed = 0; followed <= kLinksFollowed; ++followed) {
-    char target[PATH_MAX];
-    const ssize_t size = readlink(path.c_str(), target, sizeof target);
-    if (size < 0) return errno == EINVAL || errno == ENOENT || failed(reason);
-    const std::size_t folder = target[0] == '/' ? 0 : path.rfind('/') + 1;
-    path.replace(folder, std::string::npos, target, static_cast<std::size_t>(size));
-  }
-  return failed(reason, error_text(ELOOP));
-}
-
 // A name of its own length, so that one of full length can be replaced too.
 std::string temporary_name() {
   static std::atomic<unsigned> counter = 0;
@@ -76,6 +63,8 @@ std::string temporary_name() {
 }
 
 void keep_owner(int file, const struct stat& old) {
+  struct stat status;
+  if (fstat(file, &status) == 0 && status.st_uid == old.st_uid && status.st_gid == old.st_gid) return;
   if (fchown(file, old.st_uid, old.st_gid) == 0) return;
   // Only the administrator may give files away; a group of one's own is worth keeping all the same.
   [[maybe_unused]] const int ignored = fchown(file, static_cast<uid_t>(-1), old.st_gid);
@@ -102,19 +91,35 @@ struct FileReplacement::State {
     if (!temporary.empty()) unlinkat(folder, temporary.c_str(), 0);
   }
 
-  bool OpenFolder(const std::string& path, std::string& reason) {
-    const std::size_t name_at = path.rfind('/') + 1;
-    name = path.substr(name_at);
-    if (name.empty()) return failed(reason, error_text(path.empty() ? ENOENT : EISDIR));
-    const std::string parent = name_at == 0 ? "." : path.substr(0, name_at);
-    folder = Descriptor(open(parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  // Finds the folder and the old file behind a path, through links that need not lead to anything yet. The
+  // links on the way to the name at its end are the system's business.
+  bool Locate(std::string path, struct stat& old, bool& exists, std::string& reason) {
+    for (int followed = 0; followed <= kLinksFollowed; ++followed) {
+      const std::size_t name_at = path.rfind('/') + 1;
+      name = path.substr(name_at);
+      if (name.empty()) return failed(reason, error_text(path.empty() ? ENOENT : EISDIR));
+      if (!OpenFolder(name_at == 0 ? "." : path.substr(0, name_at).c_str(), reason)) return false;
+      exists = fstatat(folder, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+      if (!exists) return errno == ENOENT || failed(reason);
+      if (!S_ISLNK(old.st_mode)) return true;
+      char target[PATH_MAX];
+      const ssize_t size = readlinkat(folder, name.c_str(), target, sizeof target);
+      if (size < 0) return failed(reason);
+      path.replace(target[0] == '/' ? 0 : name_at, std::string::npos, target, static_cast<std::size_t>(size));
+    }
+    return failed(reason, error_text(ELOOP));
+  }
+
+  bool OpenFolder(const char* path, std::string& reason) {
+    folder = Descriptor(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // A folder that may be written but not read is good enough: only its flush fails.
+    if (!folder.is_open() && errno == EACCES)
+      folder = Descriptor(open(path, O_PATH | O_DIRECTORY | O_CLOEXEC));
     return folder.is_open() || failed(reason);
   }
 
   // The old file is never opened: one that is a pipe would block.
-  bool CheckOld(struct stat& old, bool& exists, std::string& reason) const {
-    exists = fstatat(folder, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
-    if (!exists) return errno == ENOENT || failed(reason);
+  bool CheckOld(const struct stat& old, std::string& reason) const {
     if (S_ISDIR(old.st_mode)) return failed(reason, error_text(EISDIR));
     if (!S_ISREG(old.st_mode)) return failed(reason, "Not a regular file");
     return faccessat(folder, name.c_str(), W_OK, AT_EACCESS) == 0 || failed(reason);
@@ -157,11 +162,10 @@ struct FileReplacement::State {
   }
 
   bool Open(const char* path, std::string& reason) {
-    std::string target = system_path(path);
     struct stat old;
     bool exists = false;
-    if (!follow_links(target, reason) || !OpenFolder(target, reason)) return false;
-    if (!CheckOld(old, exists, reason)) return false;
+    if (!Locate(system_path(path), old, exists, reason)) return false;
+    if (exists && !CheckOld(old, reason)) return false;
     // The new content of a private file is never open to others; a file that is new is as the umask says.
     if (!CreateTemporary(exists ? 0600 : 0666, reason)) return false;
     buffer.reserve(kBufferSize);
@@ -181,8 +185,7 @@ struct FileReplacement::State {
     if (renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) return failed(reason);
     temporary.clear();
     // The new file is in place; that its name is on disk too is worth an attempt, but no failure any more.
-    const Descriptor readable(openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (readable.is_open()) uninterrupted([&] { return fsync(readable); });
+    uninterrupted([&] { return fsync(folder); });
     return true;
   }
 };
