@@ -91,6 +91,7 @@ void append(CStringA& text, std::string_view added) {
 }
 
 // The added text is complete before `text` changes: arguments may be part of it.
+ORX_PRINTF(2, 0)
 HRESULT append_formatted(CStringA& text, const char* format, std::va_list arguments) try {
   if (format == nullptr) return E_INVALIDARG;
   char small[256];
@@ -329,8 +330,7 @@ int CStringA::Remove(char c) {
   const auto removed = static_cast<int>(std::count(chars_, chars_ + GetLength(), c));
   if (removed == 0) return 0;
   char* chars = GetBuffer();
-  std::remove(chars, chars + GetLength(), c);
-  SetLength(GetLength() - removed);
+  SetLength(static_cast<int>(std::remove(chars, chars + GetLength(), c) - chars));
   return removed;
 }
 

@@ -1,6 +1,8 @@
 // Bounded formatting that the locale of the host does not change. Internal to the library.
 #pragma once
 
+#include <orx/compat/export.h>
+
 #include <cstdarg>
 #include <cstddef>
 
@@ -9,6 +11,6 @@ namespace orx::compat {
 // As vsnprintf: the length of the whole text, or negative when the format cannot be carried out; at most
 // `size` bytes are written, the last of them a NUL. Numbers have a decimal point in every locale; errno is
 // left alone.
-int format_text(char* buffer, std::size_t size, const char* format, std::va_list arguments);
+int format_text(char* buffer, std::size_t size, const char* format, std::va_list arguments) ORX_PRINTF(3, 0);
 
 }  // namespace orx::compat
