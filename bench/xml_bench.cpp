@@ -9,10 +9,14 @@
 #include <orx/projects/qpr_file.h>
 #include <stdlib.h>
 #include <strings.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <string>
 
@@ -295,6 +299,41 @@ void text_query_orx(benchmark::State& state) {
   }
 }
 
+// The memory that a process of its own needs at most for loading the large document, in MB beyond an idle
+// one.
+template <class Load>
+double peak_memory(Load load) {
+  const auto peak_of = [](auto work) {
+    const pid_t child = fork();
+    if (child == 0) {
+      work();
+      _exit(0);
+    }
+    rusage usage{};
+    int status = 0;
+    wait4(child, &status, 0, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+  };
+  return peak_of(load) - peak_of([] {});
+}
+
+void peak_memory_of_loading(benchmark::State& state) {
+  const fs::path path = folder().path / "large.xml";
+  std::ofstream(path) << large_document();
+  for (auto _ : state) {
+    const double libxml2 = peak_memory([&] { benchmark::DoNotOptimize(read_file(path)); });
+    const double orx = peak_memory([&] {
+      COrxXMLDoc document;
+      IXMLDOMElement* root = nullptr;
+      document.SetFileName(folder().suite("large.xml").c_str());
+      if (!document.LoadXMLDocument(&root)) _exit(1);
+    });
+    state.counters["libxml2_MB"] = libxml2;
+    state.counters["orx_MB"] = orx;
+    state.counters["ratio"] = orx / libxml2;
+  }
+}
+
 BENCHMARK(project_open_libxml2);
 BENCHMARK(project_open_orx);
 BENCHMARK(project_save_libxml2);
@@ -305,5 +344,6 @@ BENCHMARK(list_save_libxml2)->Arg(10000)->Arg(200000)->Unit(benchmark::kMillisec
 BENCHMARK(list_save_orx)->Arg(10000)->Arg(200000)->Unit(benchmark::kMillisecond);
 BENCHMARK(text_query_libxml2)->Unit(benchmark::kMillisecond);
 BENCHMARK(text_query_orx)->Unit(benchmark::kMillisecond);
+BENCHMARK(peak_memory_of_loading)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
