@@ -71,9 +71,10 @@ COrxXMLDoc::COrxXMLDoc(const COrxXMLDoc& other)
 COrxXMLDoc& COrxXMLDoc::operator=(const COrxXMLDoc& other) {
   file_name_ = other.file_name_;
   last_failure_ = other.last_failure_;
-  if (other.document_ != nullptr) other.document_->AddRef();
+  IXMLDOMDocument* document = other.document_;  // which may be this one
+  if (document != nullptr) document->AddRef();
   CloseXMLDocument();
-  document_ = other.document_;
+  document_ = document;
   return *this;
 }
 

@@ -97,7 +97,9 @@ TEST_F(XmlDocument, IsBuiltIndentedSavedAndRead) {
 
 TEST_F(XmlDocument, IndentingKeepsMixedContentAndTheTextOfOtherDocuments) {
   Parse("<a><b>x <c/></b><d xml:space='preserve'> </d><!--e--></a>");
-  COrxXMLDoc copy(document);
+  COrxXMLDoc copy, &same = copy;
+  copy = document;
+  copy = same;
   ASSERT_EQ(document.IndentXMLDocument(), 1);
   ASSERT_EQ(document.IndentXMLDocument(), 1) << "twice is once";
   const std::string text =
