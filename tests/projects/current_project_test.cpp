@@ -53,44 +53,41 @@ class CurrentProject : public ::testing::Test {
   TempFolder folder;
 };
 
-TEST_F(CurrentProject, IsEmptyUntilOneIsLoaded) {
+TEST_F(CurrentProject, IsReadThroughItsGetters) {
+  const struct {
+    int (*get)(char*);
+    std::string empty, loaded;
+    int of_null = -1;
+  } getters[] = {
+      {ProjectSetting_GetSiteName, "-1:untouched", "0:Mine A"},
+      {ProjectSetting_GetSiteDatabase, "-1:untouched", "0:" + folder.suite_path("Pit1\\site.mdb")},
+      {ProjectSetting_GetDatabaseServerName, "-1:untouched", "0:"},  // JET has no server
+      {ProjectSetting_GetProjectName, "-1:untouched", "0:Pit 1"},
+      {ProjectSetting_GetDataGroupName, "-1:untouched", "0:Survey"},
+      {ProjectSetting_GetProjectBasePath, "-1:untouched", "0:" + folder.suite_path()},
+      {ProjectSetting_GetProjectDescription, "0:", "0:"},
+      {ProjectSetting_GetProjectCoordinates, "0:", "0:"},
+      {ProjectSetting_GetCurrentQPRPath, "0:untouched", "1:" + folder.suite_path("Pit1\\a.qpr"), 0},
+      {ProjectSetting_GetCurrentProjectPath, "-1:untouched", "0:" + folder.suite_path("Pit1")},
+      {ProjectSetting_GetSiteProjectDatagroup, "-1:\\Unknown Site\\Unknown Project\\Unknown Datagroup\\",
+       "0:\\Mine A\\Pit 1\\Survey\\"}};
   int platform = 42;
-  EXPECT_EQ(answer(ProjectSetting_GetSiteName), "-1:untouched");
-  EXPECT_EQ(answer(ProjectSetting_GetSiteDatabase), "-1:untouched");
+  EXPECT_EQ(ProjectSetting_GetDatabasePlatform(&platform) + platform, 0);
+  for (const auto& getter : getters) EXPECT_EQ(answer(getter.get), getter.empty);
+  ASSERT_EQ(failure_to_load(Write("a.qpr", "Mine A")), "");
+  for (const auto& getter : getters) {
+    EXPECT_EQ(answer(getter.get), getter.loaded);
+    EXPECT_EQ(getter.get(nullptr), getter.of_null);
+  }
+  EXPECT_EQ(ProjectSetting_GetDatabasePlatform(&platform) + platform, 8);
+  EXPECT_EQ(ProjectSetting_GetDatabasePlatform(nullptr), -1);
+  GetCurrentQPRInfo()->GetQPRInfo()->SiteDatabasePlatform = 13;
   EXPECT_EQ(answer(ProjectSetting_GetDatabaseServerName), "-1:untouched");
-  EXPECT_EQ(answer(ProjectSetting_GetProjectName), "-1:untouched");
-  EXPECT_EQ(answer(ProjectSetting_GetDataGroupName), "-1:untouched");
-  EXPECT_EQ(answer(ProjectSetting_GetProjectBasePath), "-1:untouched");
-  EXPECT_EQ(answer(ProjectSetting_GetProjectDescription), "0:");
-  EXPECT_EQ(answer(ProjectSetting_GetProjectCoordinates), "0:");
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentQPRPath), "0:untouched");
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentProjectPath), "-1:untouched");
-  EXPECT_EQ(answer(ProjectSetting_GetSiteProjectDatagroup),
-            "-1:\\Unknown Site\\Unknown Project\\Unknown Datagroup\\");
-  EXPECT_EQ(ProjectSetting_GetDatabasePlatform(&platform), 0);
-  EXPECT_EQ(platform, 0);
 }
 
-TEST_F(CurrentProject, IsLoadedReadChangedAndSaved) {
-  const std::string path = Write("a.qpr", "Mine A");
-  ASSERT_EQ(failure_to_load(path), "");
-  int platform = 0;
-  EXPECT_EQ(answer(ProjectSetting_GetSiteName), "0:Mine A");
-  EXPECT_EQ(answer(ProjectSetting_GetSiteDatabase), "0:" + folder.suite_path("Pit1\\site.mdb"));
-  EXPECT_EQ(answer(ProjectSetting_GetDatabaseServerName), "0:") << "JET has no server";
-  EXPECT_EQ(answer(ProjectSetting_GetProjectName), "0:Pit 1");
-  EXPECT_EQ(answer(ProjectSetting_GetDataGroupName), "0:Survey");
-  EXPECT_EQ(answer(ProjectSetting_GetProjectBasePath), "0:" + folder.suite_path());
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentQPRPath), "1:" + path);
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentProjectPath), "0:" + folder.suite_path("Pit1"));
-  EXPECT_EQ(answer(ProjectSetting_GetSiteProjectDatagroup), "0:\\Mine A\\Pit 1\\Survey\\");
-  EXPECT_EQ(ProjectSetting_GetDatabasePlatform(&platform), 0);
-  EXPECT_EQ(platform, 8);
-
-  QPRInfo& info = *GetCurrentQPRInfo()->GetQPRInfo();
-  info.SiteDatabasePlatform = 13;
-  EXPECT_EQ(answer(ProjectSetting_GetDatabaseServerName), "-1:untouched");
-  std::strcpy(info.Description, "changed");
+TEST_F(CurrentProject, IsSavedWhereItCameFrom) {
+  ASSERT_EQ(failure_to_load(Write("a.qpr", "Mine A")), "");
+  std::strcpy(GetCurrentQPRInfo()->GetQPRInfo()->Description, "changed");
   EXPECT_EQ(ProjectSetting_SaveCurrentQPRInfo("elsewhere"), 1);
   EXPECT_NE(read_file(folder.path("Pit1/a.qpr")).find("changed"), std::string::npos);
 }
@@ -114,30 +111,16 @@ TEST_F(CurrentProject, NameIsCopiedIntoTheRoomThereIs) {
 }
 
 TEST_F(CurrentProject, PathsHaveRoomFor259Bytes) {
-  CQPRFile& project = *GetCurrentQPRInfo();
-  project.SetFileName(("\\" + std::string(258, 'x')).c_str());
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentQPRPath), "1:\\" + std::string(258, 'x'));
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentProjectPath), "0:");
-  project.SetFileName((std::string(259, 'x') + "\\y").c_str());
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentQPRPath), "0:untouched");
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentProjectPath), "0:" + std::string(259, 'x'));
-  project.SetFileName((std::string(260, 'x') + "\\y").c_str());
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentProjectPath), "-1:untouched");
-  project.SetFileName("bare.qpr");
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentProjectPath), "0:");
-}
-
-TEST_F(CurrentProject, NullBuffersAreFailures) {
-  ASSERT_EQ(failure_to_load(Write("a.qpr", "A")), "");
-  for (const auto get :
-       {ProjectSetting_GetSiteName, ProjectSetting_GetSiteDatabase, ProjectSetting_GetDatabaseServerName,
-        ProjectSetting_GetProjectName, ProjectSetting_GetDataGroupName, ProjectSetting_GetProjectBasePath,
-        ProjectSetting_GetProjectDescription, ProjectSetting_GetProjectCoordinates,
-        ProjectSetting_GetCurrentProjectPath, ProjectSetting_GetSiteProjectDatagroup}) {
-    EXPECT_EQ(get(nullptr), -1);
+  const std::string room(258, 'x');
+  const std::string cases[][3] = {{'\\' + room, "1:\\" + room, "0:"},
+                                  {room + "x\\y", "0:untouched", "0:" + room + 'x'},
+                                  {room + "xx\\y", "0:untouched", "-1:untouched"},
+                                  {"bare.qpr", "1:bare.qpr", "0:"}};
+  for (const auto& [file, path, project_path] : cases) {
+    GetCurrentQPRInfo()->SetFileName(file.c_str());
+    EXPECT_EQ(answer(ProjectSetting_GetCurrentQPRPath), path);
+    EXPECT_EQ(answer(ProjectSetting_GetCurrentProjectPath), project_path);
   }
-  EXPECT_EQ(ProjectSetting_GetCurrentQPRPath(nullptr), 0);
-  EXPECT_EQ(ProjectSetting_GetDatabasePlatform(nullptr), -1);
 }
 
 TEST_F(CurrentProject, FailuresThrowAndChangeNothing) {

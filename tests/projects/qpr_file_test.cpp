@@ -122,42 +122,30 @@ TEST_F(QprFile, RefusesAValueLongerThanItsField) {
 }
 
 TEST_F(QprFile, NeedsAFolderInAFolder) {
-  struct Case {
-    const char* file;
-    int result;
-    const char* base;
-    const char* database;
-  };
-  const Case cases[] = {{"C:\\Projects\\Pit1\\a.qpr", 1, "C:\\Projects", "C:\\Projects\\Pit1\\s.mdb"},
-                        {"C:\\Pit1\\a.qpr", 1, "C:", "C:\\Pit1\\s.mdb"},
-                        {"C:\\a.qpr", 0, "old", "C:\\s.mdb"},
-                        {"a.qpr", 0, "old", "\\s.mdb"}};
+  const struct {
+    const char *file, *native, *base, *database;
+  } cases[] = {
+      {"C:\\Projects\\Pit1\\a.qpr", "c/Projects/Pit1/a.qpr", "C:\\Projects", "C:\\Projects\\Pit1\\s.mdb"},
+      {"C:\\Pit1\\a.qpr", "c/Pit1/a.qpr", "C:", "C:\\Pit1\\s.mdb"},
+      {"C:\\a.qpr", "c/a.qpr", "old", "C:\\s.mdb"}};
   const ScopedVariable drives("ORX_DRIVES", folder.path().c_str());
   std::filesystem::create_directories(folder.path("c/Projects/Pit1"));
   std::filesystem::create_directories(folder.path("c/Pit1"));
-  const auto here = std::filesystem::current_path();
-  std::filesystem::current_path(folder.path());
-  const std::string text = "<a><PROJECT>" + property("SiteDatabasePlatform", "jet4") +
-                           property("SiteDatabase", "x\\s.mdb") + "</PROJECT></a>";
-  for (const char* path : {"c/Projects/Pit1/a.qpr", "c/Pit1/a.qpr", "c/a.qpr", "a.qpr"})
-    write_file(path, text);
-  for (const Case& c : cases) {
-    file.SetFileName(c.file);
+  for (const auto& [path, native, base, database] : cases) {
+    write_file(folder.path(native), "<a><PROJECT>" + property("SiteDatabasePlatform", "jet4") +
+                                        property("SiteDatabase", "x\\s.mdb") + "</PROJECT></a>");
+    file.SetFileName(path);
     std::strcpy(info.ProjectBasePath, "old");
-    EXPECT_EQ(file.Load(), c.result) << c.file;
-    EXPECT_STREQ(info.ProjectBasePath, c.base) << c.file;
-    EXPECT_STREQ(info.SiteDatabase, c.database) << c.file;
-    if (c.result == 0) {
-      EXPECT_EQ(failure_of(file), "the path is too shallow to hold a project folder");
-    }
+    EXPECT_EQ(file.Load(), base != cases[2].base) << path;
+    EXPECT_STREQ(info.ProjectBasePath, base) << path;
+    EXPECT_STREQ(info.SiteDatabase, database) << path;
   }
-  std::filesystem::current_path(here);
-}
+  EXPECT_EQ(failure_of(file), "the path is too shallow to hold a project folder");
 
-TEST_F(QprFile, AJetDatabaseStaysWhereItsNewPathWouldNotFit) {
   const std::string name(255, 'x');
+  file.SetFileName(folder.suite_path("Pit 1\\a.qpr").c_str());
   ASSERT_EQ(Load(property("SiteDatabasePlatform", "JET4") + property("SiteDatabase", name)), 1);
-  EXPECT_EQ(info.SiteDatabase, name);
+  EXPECT_EQ(info.SiteDatabase, name) << "stays where its new path would not fit";
 }
 
 TEST_F(QprFile, FailuresLeaveTheRecordAndSayWhy) {
@@ -238,17 +226,14 @@ TEST_F(QprFile, VersionsCompareByMajorAndMinor) {
 
 TEST_F(QprFile, CopiesTakeRecordAndFileName) {
   std::strcpy(info.SiteName, "s");
-  CQPRFile copy(file), other;
+  CQPRFile other;
   other.CopyFrom(&file);
   other.CopyFrom(nullptr);
   other.CopyFrom(&other);
-  for (CQPRFile* each : {&copy, &other}) {
-    EXPECT_STREQ(each->GetQPRInfo()->SiteName, "s");
-    EXPECT_STREQ(each->GetFileName(), file.GetFileName());
-  }
   file.Clear();
   EXPECT_STREQ(file.GetFileName(), "");
-  EXPECT_STREQ(copy.GetQPRInfo()->SiteName, "s");
+  EXPECT_STREQ(CQPRFile(other).GetQPRInfo()->SiteName, "s");
+  EXPECT_EQ(other.GetFileName(), folder.suite_path("Pit 1\\a.qpr"));
 }
 
 }  // namespace

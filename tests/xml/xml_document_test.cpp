@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -247,51 +246,35 @@ TEST_F(XmlDocument, ValuesAreTextOfElements) {
 
 TEST_F(XmlDocument, WhatIsMissingIsAFailureWithAReason) {
   std::string text;
-  CStringA narrow;
   IXMLDOMNode* node = nullptr;
   IXMLDOMNodeList* list = nullptr;
   IXMLDOMElement* element = nullptr;
   errno = 42;
-  const int results[] = {document.GetXMLText(text),
-                         document.SaveXMLFile(),
-                         document.IndentXMLDocument(),
-                         document.SelectSingleXMLNode("//a", &node),
-                         document.CreateXMLElement(nullptr, "a", &element),
-                         document.LoadXMLDocument(nullptr),
-                         document.LoadXMLDocument(&element),
-                         document.GetXMLName(element, narrow),
-                         document.GetXMLName(node, text),
-                         document.GetXMLValue(element, text),
-                         document.GetXMLValue(node, narrow),
-                         document.SetXMLValue(nullptr, nullptr),
-                         document.GetXMLAttribute(element, nullptr, narrow),
-                         document.GetXMLAttribute(node, "a", text),
-                         document.SetXMLAttribute(element, "a", VARIANT{}),
-                         document.SelectXMLNodes(node, "a", &list),
-                         document.GetXMLChildNodes(node, nullptr),
-                         document.NextXMLNode(nullptr, &node),
-                         document.HasChildNodes(nullptr),
-                         document.CreateXMLDocument(&element, nullptr),
-                         document.CreateXMLDocument(&element, "1")};
-  for (const int result : results) EXPECT_EQ(result, 0);
+  for (const int result :
+       {document.GetXMLText(text), document.SaveXMLFile(), document.IndentXMLDocument(),
+        document.SelectSingleXMLNode("//a", &node), document.CreateXMLElement(nullptr, "a", &element),
+        document.LoadXMLDocument(nullptr), document.GetXMLName(element, text),
+        document.GetXMLValue(node, text), document.SetXMLValue(nullptr, nullptr),
+        document.GetXMLAttribute(element, nullptr, text), document.GetXMLAttribute(node, "a", text),
+        document.SetXMLAttribute(element, "a", VARIANT{}), document.SelectXMLNodes(node, "a", &list),
+        document.GetXMLChildNodes(node, nullptr), document.NextXMLNode(nullptr, &node),
+        document.HasChildNodes(nullptr), document.CreateXMLDocument(&element, nullptr),
+        document.CreateXMLDocument(&element, "1")}) {
+    EXPECT_EQ(result, 0);
+  }
   EXPECT_EQ(errno, 42);
   EXPECT_EQ(failure_of(document), "\"1\" is not a name of XML");
   EXPECT_EQ(document.CloseXMLDocument(), 1);
 }
 
-TEST_F(XmlDocument, AFailedSaveLeavesTheOldFile) {
+TEST_F(XmlDocument, AnEmptyDocumentIsNotSaved) {
   const TempFolder folder;
   write_file(folder.path("old.xml"), "old");
   document.SetFileName(folder.suite_path("old.xml").c_str());
   ASSERT_EQ(document.SetXMLText(root.Out(), "<a>"), 0);
-  EXPECT_EQ(document.SaveXMLFile(), 0) << "an empty document is no file";
+  EXPECT_EQ(document.SaveXMLFile(), 0);
   EXPECT_EQ(failure_of(document), "the document is empty");
   EXPECT_EQ(read_file(folder.path("old.xml")), "old");
-  Parse("<a/>");
-  document.SetFileName(folder.suite_path("no folder\\a.xml").c_str());
-  EXPECT_EQ(document.SaveXMLFile(), 0);
-  EXPECT_EQ(failure_of(document), "No such file or directory");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
 }
 
 }  // namespace
