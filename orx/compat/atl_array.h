@@ -78,6 +78,7 @@ class CAtlArray {
 
   void RemoveAt(std::size_t index, std::size_t elements = 1) {
     if (index > count_ || elements > count_ - index) AtlThrow(E_INVALIDARG);
+    if (elements == 0) return;  // moving elements onto themselves would empty them
     std::move(data_ + index + elements, data_ + count_, data_ + index);
     std::destroy(data_ + count_ - elements, data_ + count_);
     count_ -= elements;

@@ -33,6 +33,13 @@ TEST(AtlArray, ChangesInPlace) {
   EXPECT_EQ(joined(strings) + joined(other), "a,x,a,x,");
 }
 
+TEST(AtlArray, RemovesNothing) {
+  CAtlArray<std::string> texts;
+  texts.Add("a");
+  texts.RemoveAt(0, 0);
+  EXPECT_EQ(texts[0], "a");
+}
+
 TEST(AtlArray, RefusesWhatItCannotHold) {
   Strings strings;
   strings.Add("a");
