@@ -1,7 +1,9 @@
 // Every public header of orx.
 #pragma once
 
+#include <orx/compat/bstr.h>
 #include <orx/compat/export.h>
+#include <orx/compat/variant.h>
 #include <orx/frame/host_callbacks.h>
 #include <orx/frame/native_path.h>
 #include <orx/projects/current_project.h>
