@@ -268,7 +268,7 @@ QPRInfo* CQPRFile::GetQPRInfo() { return &info_; }
 void CQPRFile::CopyFrom(CQPRFile* source) {
   if (source == nullptr) return;
   info_ = source->info_;
-  SetFileName(source->GetFileName());
+  ShareFileName(*source);
 }
 
 void CQPRFile::Clear() {

@@ -111,6 +111,9 @@ class ORX_API COrxXMLDoc {
   // Keeps the reason for GetLastFailure and answers 0.
   int Fail(const char* reason);
 
+  // Cannot fail.
+  void ShareFileName(const COrxXMLDoc& other) noexcept { file_name_ = other.file_name_; }
+
   // As their namesakes above, for texts, and without taking a missing attribute for a failure: then the text
   // is empty and the result 0.
   int FindXMLAttribute(IXMLDOMNode* node, const char* name, CStringA& text);
