@@ -17,9 +17,10 @@ CQPRFile previous_project;
 constexpr std::size_t kPathCapacity = 260;  // of the hosts' buffers for paths, with the NUL
 constexpr int kLongestMessage = 199;
 
+// A host may have filled a field without its NUL: what it copies into has room for the longest text only.
 template <std::size_t size>
 std::string_view view(const char (&field)[size]) {
-  return {field, strnlen(field, size)};
+  return {field, strnlen(field, size - 1)};
 }
 
 int copy_text(char* buffer, std::string_view text) {

@@ -115,7 +115,7 @@ CStringA written_value(QPRInfo& info, const Property& property) {
       value.Format("%d", property.Number(info));
       break;
     case Kind::kText:
-      value = CStringA(property.Text(info), static_cast<int>(strnlen(property.Text(info), property.size)));
+      value = property.Text(info);
       break;
   }
   return value;
@@ -214,6 +214,9 @@ int CQPRFile::WriteProperties() {
   XmlHandle<IXMLDOMElement> root, project, element;
   if (!CreateXMLDocument(root.Out(), "QPR") || !CreateXMLElement(root, "PROJECT", project.Out())) return 0;
   for (const Property& property : kProperties) {
+    if (property.kind == Kind::kText && strnlen(property.Text(info_), property.size) == property.size) {
+      return Fail(CStringA(property.name) + ": the text has no end");
+    }
     if (!CreateXMLElement(project, "PROPERTY", element.Out()) ||
         !SetXMLAttributeText(element, "NAME", property.name)) {
       return 0;

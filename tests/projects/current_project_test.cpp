@@ -123,6 +123,15 @@ TEST_F(CurrentProject, PathsHaveRoomFor259Bytes) {
   }
 }
 
+TEST_F(CurrentProject, ATextWithoutItsEndIsCut) {
+  QPRInfo& info = *GetCurrentQPRInfo()->GetQPRInfo();
+  for (auto* name : {&info.SiteName, &info.ProjectName, &info.DataGroupName}) std::memset(name, 'x', 51);
+  const std::string longest(50, 'x');
+  EXPECT_EQ(answer(ProjectSetting_GetSiteName), "0:" + longest);
+  EXPECT_EQ(answer(ProjectSetting_GetSiteProjectDatagroup),
+            "0:\\" + longest + "\\" + longest + "\\" + longest + "\\");
+}
+
 TEST_F(CurrentProject, FailuresThrowAndChangeNothing) {
   const std::string good = Write("a.qpr", "A");
   const std::string nameless = Write("b.qpr", "");

@@ -165,6 +165,9 @@ TEST_F(QprFile, AFailedSaveLeavesTheOldFileAndNoOther) {
   std::strcpy(info.SiteName, "\xFF");
   EXPECT_EQ(file.Save(), 0);
   EXPECT_EQ(failure_of(file).find("SiteName: "), 0u) << failure_of(file);
+  std::memset(info.SiteName, 'x', sizeof info.SiteName);
+  EXPECT_EQ(file.Save(), 0);
+  EXPECT_EQ(failure_of(file), "SiteName: the text has no end");
   std::strcpy(info.SiteName, "good");
 
   rlimit limit{};
