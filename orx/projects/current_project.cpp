@@ -4,6 +4,7 @@
 #include <orx/platform/file_system.h>
 
 #include <cstring>
+#include <exception>
 #include <string>
 #include <string_view>
 
@@ -59,7 +60,9 @@ void ProjectSetting_LoadCurrentQPRInfo(const char* path) {
 int ProjectSetting_SaveCurrentQPRInfo(const char*) {
   try {
     return current_project.Save();
-  } catch (...) {
+  } catch (const CAtlException&) {
+    return 0;
+  } catch (const std::exception&) {  // by name: a thread that is cancelled unwinds through here
     return 0;
   }
 }
