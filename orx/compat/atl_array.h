@@ -1,8 +1,8 @@
 // CAtlArray: a growable array in one contiguous block.
 //
-// Indices are checked: one that is not below the count raises CAtlException with E_INVALIDARG, and so does a
-// count too large to hold; a block that cannot grow raises E_OUTOFMEMORY, except in SetCount, which reports
-// it by its result. An array cannot be copied by construction or assignment; Copy does it on demand.
+// Indices are checked: one that is not below the count raises CAtlException with E_INVALIDARG; a block that
+// cannot grow raises E_OUTOFMEMORY, except in SetCount, which reports it by its result. An array cannot be
+// copied by construction or assignment; Copy does it on demand.
 #pragma once
 
 #if defined(_MSC_VER)

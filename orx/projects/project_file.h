@@ -1,8 +1,11 @@
 // CProjectFile: what the project file and the project list have in common.
 #pragma once
 
+#include <orx/compat/atl_exception.h>
 #include <orx/compat/export.h>
 #include <orx/xml/xml_document.h>
+
+#include <new>
 
 class ORX_API CProjectFile : public COrxXMLDoc {
  public:
@@ -15,4 +18,20 @@ class ORX_API CProjectFile : public COrxXMLDoc {
   // do nothing and answer 1.
   virtual int Load();
   virtual int Save();
+
+ protected:
+  // Does the work of a load or save and closes the document. Exhausted memory is a failure like any other.
+  template <class Work>
+  int Complete(Work work) {
+    int result = 0;
+    try {
+      result = work();
+    } catch (const CAtlException&) {
+      Fail("out of memory");
+    } catch (const std::bad_alloc&) {
+      Fail("out of memory");
+    }
+    CloseXMLDocument();
+    return result;
+  }
 };

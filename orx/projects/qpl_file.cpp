@@ -46,16 +46,21 @@ CQPLFile& CQPLFile::operator=(const CQPLFile& other) {
 CQPLFile::~CQPLFile() = default;
 
 int CQPLFile::Load() {
+  const int result = Complete([this] { return ReadList(); });
+  if (!result) Clear();
+  return result;
+}
+
+int CQPLFile::ReadList() {
   XmlHandle<IXMLDOMElement> root;
   XmlHandle<IXMLDOMNode> projects, node;
   XmlHandle<IXMLDOMNodeList> nodes;
-  int result = LoadXMLDocument(root.Out()) && SelectSingleXMLNode("//PROJECTS", projects.Out());
-  if (result && projects == nullptr) result = Fail("there is no PROJECTS element");
-  result = result && SelectXMLNodes(projects, "//PROJECT", nodes.Out());
+  if (!LoadXMLDocument(root.Out()) || !SelectSingleXMLNode("//PROJECTS", projects.Out())) return 0;
+  if (projects == nullptr) return Fail("there is no PROJECTS element");
+  if (!SelectXMLNodes(projects, "//PROJECT", nodes.Out())) return 0;
   Clear();
-  while (result && NextXMLNode(nodes, node.Out())) AddNode(node);
-  CloseXMLDocument();
-  return result;
+  while (NextXMLNode(nodes, node.Out())) AddNode(node);
+  return 1;
 }
 
 void CQPLFile::AddNode(IXMLDOMNode* node) {
@@ -70,11 +75,11 @@ void CQPLFile::AddNode(IXMLDOMNode* node) {
 }
 
 int CQPLFile::Save() {
-  const int result = WriteList();
-  if (result) IndentXMLDocument();
-  const int saved = result && SaveXMLFile();
-  CloseXMLDocument();
-  return saved;
+  return Complete([this] {
+    if (!WriteList()) return 0;
+    IndentXMLDocument();
+    return SaveXMLFile();
+  });
 }
 
 // An entry or attribute that cannot be written is left out; the others are worth saving.

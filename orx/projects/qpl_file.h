@@ -23,7 +23,8 @@ class ORX_API CQPLFile : public CProjectFile {
   // skipped; the first entry of a name and the last default mark win.
   int Load() override;
 
-  // Replaces the file by the list, without entries that have an empty name or path. A default that is not in
+  // Replaces the file by the list, without entries that have an empty name or path; of an entry that holds
+  // what XML does not allow only the rest is written, and GetLastFailure tells it. A default that is not in
   // the list is not written.
   int Save() override;
 
@@ -46,6 +47,7 @@ class ORX_API CQPLFile : public CProjectFile {
 
  private:
   struct List;
+  int ReadList();
   void AddNode(IXMLDOMNode* node);
   int WriteList();
 

@@ -145,9 +145,7 @@ CQPRFile& CQPRFile::operator=(const CQPRFile&) = default;
 CQPRFile::~CQPRFile() = default;
 
 int CQPRFile::Load() {
-  const int result = ReadProperties() && DerivePaths();
-  CloseXMLDocument();
-  return result;
+  return Complete([this] { return ReadProperties() && DerivePaths(); });
 }
 
 // Fills a copy, which becomes the record when the whole file has been read.
@@ -203,11 +201,11 @@ int CQPRFile::DerivePaths() {
 }
 
 int CQPRFile::Save() {
-  const int result = WriteProperties();
-  if (result) IndentXMLDocument();
-  const int saved = result && SaveXMLFile();
-  CloseXMLDocument();
-  return saved;
+  return Complete([this] {
+    if (!WriteProperties()) return 0;
+    IndentXMLDocument();
+    return SaveXMLFile();
+  });
 }
 
 int CQPRFile::WriteProperties() {

@@ -22,7 +22,8 @@ bool is_value(VARTYPE type) {
          type != VT_ARRAY;
 }
 
-// Carries out one operation: 1, or 0 with its reason in `failure`.
+// Carries out one operation: 1, or 0 with its reason in `failure`. Exhausted memory is told as the strings
+// tell it.
 template <class Operation>
 int attempt(CStringA& failure, Operation operation) {
   const orx::platform::KeptErrno kept;
@@ -30,7 +31,7 @@ int attempt(CStringA& failure, Operation operation) {
   try {
     if (operation(reason)) return 1;
   } catch (const std::bad_alloc&) {
-    reason = "out of memory";
+    AtlThrow(E_OUTOFMEMORY);
   }
   failure = reason.c_str();
   return 0;
@@ -92,7 +93,11 @@ const char* COrxXMLDoc::GetFileName() const { return file_name_; }
 void COrxXMLDoc::GetLastFailure(CStringA& reason) const { reason = last_failure_; }
 
 int COrxXMLDoc::Fail(const char* reason) {
-  last_failure_ = reason;
+  try {
+    last_failure_ = reason;
+  } catch (const CAtlException&) {
+    last_failure_.Empty();  // no memory even for the reason
+  }
   return 0;
 }
 

@@ -12,7 +12,7 @@
 // entities is refused, and size and depth are bounded.
 //
 // Copies share one document and see each other's changes. A document and its nodes belong to one thread at a
-// time. CAtlException (E_OUTOFMEMORY) is raised when memory for a text runs out.
+// time. CAtlException (E_OUTOFMEMORY) is raised when memory runs out.
 #pragma once
 
 #include <orx/compat/dom.h>

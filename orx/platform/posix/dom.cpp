@@ -87,7 +87,9 @@ bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
     if (child != nullptr && child->next == nullptr && child->type == XML_TEXT_NODE) {
       text = as_text(child->content);
     } else {
+      const MemoryWatch memory;
       const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
+      if (memory.ran_out()) throw std::bad_alloc();
       text = as_text(value.get());
     }
     return true;
@@ -97,9 +99,22 @@ bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
   return ns != nullptr;
 }
 
+xmlNode* new_element(xmlDoc* doc, const char* name) {
+  const MemoryWatch memory;
+  return memory.Whole(xmlNewDocNode(doc, nullptr, as_xml(name), nullptr), xmlFreeNode);
+}
+
+void add_attribute(xmlNode& element, const char* name, const char* text) {
+  const MemoryWatch memory;
+  memory.Whole(xmlNewProp(&element, as_xml(name), as_xml(text)), xmlRemoveProp);
+}
+
 void replace_children(Tree& tree, xmlNode& parent, const char* text) {
+  const MemoryWatch memory;
+  xmlNode* child =
+      *text != '\0' ? memory.Whole(xmlNewDocText(parent.doc, as_xml(text)), xmlFreeNode) : nullptr;
   tree.RemoveChildren(parent);
-  if (*text != '\0') xmlAddChild(&parent, allocated(xmlNewDocText(parent.doc, as_xml(text))));
+  if (child != nullptr) xmlAddChild(&parent, child);
 }
 
 bool put_text(const Node& handle, const std::string& text, Reason& reason) {
@@ -121,7 +136,9 @@ bool put_text(const Node& handle, const std::string& text, Reason& reason) {
       reason = "a node of this kind has no text";
       return false;
   }
+  const MemoryWatch memory;
   xmlNodeSetContent(&node, as_xml(text.c_str()));
+  if (memory.ran_out()) throw std::bad_alloc();
   return true;
 }
 
@@ -157,12 +174,14 @@ int write_chunk(void* context, const char* bytes, int size) {
 
 bool write_tree(const Tree& tree, const Sink& sink) {
   const TabLayout layout;
+  const MemoryWatch memory;
   Writing writing{sink};
   const int options = XML_SAVE_AS_XML | XML_SAVE_NO_XHTML | (tree.declared ? 0 : XML_SAVE_NO_DECL) |
                       (tree.laid_out ? XML_SAVE_FORMAT : 0);
   xmlSaveCtxt* context = allocated(xmlSaveToIO(write_chunk, nullptr, &writing, "UTF-8", options));
   xmlSaveDoc(context, tree.doc());
   xmlSaveClose(context);
+  if (memory.ran_out()) throw std::bad_alloc();
   return writing.goes_on;
 }
 
@@ -176,7 +195,7 @@ bool create_root(IXMLDOMDocument& document, const char* name, IXMLDOMElement** r
   target.Hold(nullptr);
   if (!accept_name(name, reason)) return false;
   xmlDoc* doc = target.tree().doc();
-  xmlNode* node = allocated(xmlNewDocNode(doc, nullptr, as_xml(name), nullptr));
+  xmlNode* node = new_element(doc, name);
   xmlDocSetRootElement(doc, node);
   *root = target.tree().HandleOf(node);
   return true;
@@ -225,7 +244,7 @@ bool append_element(IXMLDOMDocument&, IXMLDOMElement& parent, const char* name, 
   *child = nullptr;
   if (!accept_name(name, reason)) return false;
   const Node& owner = handle_of(parent);
-  xmlNode* node = allocated(xmlNewDocNode(owner.node->doc, nullptr, as_xml(name), nullptr));
+  xmlNode* node = new_element(owner.node->doc, name);
   xmlAddChild(owner.node, node);
   *child = owner.tree.HandleOf(node);
   return true;
@@ -318,7 +337,7 @@ bool set_attribute(IXMLDOMElement& element, const char* name, const char* text, 
   }
   const xmlNs* ns = find_namespace(*handle.node, name);
   if (ns == nullptr) {
-    allocated(xmlNewProp(handle.node, as_xml(name), as_xml(text)));
+    add_attribute(*handle.node, name, text);
     return true;
   }
   if (std::strcmp(text, as_text(ns->href)) == 0) return true;

@@ -26,6 +26,8 @@ constexpr int kManyAttributes = 2000;
 // It also walks the list of an element's declared attributes for each of them.
 constexpr std::size_t kMaxDoctypeBytes = std::size_t{256} << 10;
 
+constexpr const char* kOutOfMemory = "out of memory";
+
 using ContextPointer = std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)>;
 
 // What the parse of one document knows beside libxml2: what it read, and what it found wrong first. Nothing
@@ -54,6 +56,7 @@ void refuse(void* context, const char* why) {
 
 void on_error(void* context, xmlError* error) {
   Parse& parse = parse_of(context);
+  if (error->code == XML_ERR_NO_MEMORY) parse.refusal = kOutOfMemory;
   if (error->level <= parse.level || error->level < XML_ERR_ERROR) return;
   parse.level = error->level;
   parse.line = error->line;
@@ -147,7 +150,7 @@ bool is_accepted(const xmlParserCtxt& context, const Parse& parse, std::string& 
     reason = parse.refusal;
   } else if (parse.source.problem() != nullptr) {
     reason = parse.source.problem();
-  } else if (!context.wellFormed || context.myDoc == nullptr) {
+  } else if (!context.wellFormed || context.disableSAX != 0 || context.myDoc == nullptr) {
     reason = parser_complaint(parse);
   } else if (!parse.source.is_valid()) {
     reason = "not valid UTF-8";
@@ -158,6 +161,7 @@ bool is_accepted(const xmlParserCtxt& context, const Parse& parse, std::string& 
 }
 
 Tree* run(Parse& parse, std::string& reason) {
+  const MemoryWatch memory;
   const ContextPointer context(allocated(xmlNewParserCtxt()), &xmlFreeParserCtxt);
   // What the source hands on is UTF-8, whatever the declaration says.
   xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC);
@@ -178,6 +182,8 @@ Tree* run(Parse& parse, std::string& reason) {
   inputPush(context.get(), allocated(xmlNewIOInputStream(context.get(), input, XML_CHAR_ENCODING_NONE)));
   xmlParseDocument(context.get());
 
+  if (memory.ran_out()) parse.refusal = kOutOfMemory;
+
   xmlDoc* doc = context->myDoc;
   if (!is_accepted(*context, parse, reason)) {
     xmlFreeDoc(doc);
@@ -185,7 +191,7 @@ Tree* run(Parse& parse, std::string& reason) {
   }
   xmlFree(const_cast<xmlChar*>(doc->encoding));
   doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
-  Tree* tree = new Tree(doc);
+  Tree* tree = new Tree(memory.Whole(doc, xmlFreeDoc));
   tree->declared = context->standalone != -1;
   tree->laid_out = parse.has_lines;
   return tree;

@@ -45,6 +45,7 @@ void on_error(void* message, xmlError* error) {
 }
 
 bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
+  const MemoryWatch memory;
   const std::unique_ptr<xmlXPathContext, decltype(&xmlXPathFreeContext)> context(
       allocated(xmlXPathNewContext(node.doc)), &xmlXPathFreeContext);
   std::string message;
@@ -57,6 +58,7 @@ bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
   }
   const std::unique_ptr<xmlXPathObject, decltype(&xmlXPathFreeObject)> result(
       xmlXPathEval(as_xml(query), context.get()), &xmlXPathFreeObject);
+  if (memory.ran_out()) throw std::bad_alloc();
   if (result == nullptr) {
     reason = "query \"" + std::string(query) + "\": " + (message.empty() ? "not well-formed" : message);
     return false;

@@ -104,9 +104,10 @@ void Document::Hold(Tree* tree) {
 }
 
 Tree* Document::NewTree() {
-  xmlDoc* doc = allocated(xmlNewDoc(as_xml("1.0")));
+  const MemoryWatch memory;
+  xmlDoc* doc = memory.Whole(xmlNewDoc(as_xml("1.0")), xmlFreeDoc);
   doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
-  return new Tree(doc);
+  return new Tree(memory.Whole(doc, xmlFreeDoc));
 }
 
 xmlNode* first_child(const xmlNode& node) {

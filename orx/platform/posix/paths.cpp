@@ -90,7 +90,9 @@ std::string suite_path(const char* native) {
   if (native == nullptr || *native == '\0') return "";
   if (*native == '\\' || has_drive(native)) return native;
   std::error_code error;
-  std::string result = plain(std::filesystem::absolute(native, error)).string();
+  const std::filesystem::path absolute = std::filesystem::absolute(native, error);
+  if (error) return "";  // the current directory is gone
+  std::string result = plain(absolute).string();
   if (result.size() > 1 && result.ends_with('/')) result.pop_back();
   std::ranges::replace(result, '/', '\\');
   return result;
