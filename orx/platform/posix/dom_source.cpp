@@ -26,13 +26,34 @@ constexpr std::array<unsigned short, 32> kWindows1252 = {
 
 // Empty when the document does not say.
 std::string declared_encoding(std::string_view head) {
-  if (!head.starts_with("<?xml")) return {};
+  if (!head.starts_with("<?xml") || head.substr(5).find_first_of(" \t\r\n") != 0) return {};
   head = head.substr(0, head.find("?>"));
   const std::size_t key = head.find("encoding");
   const std::size_t open = head.find_first_of("\"'", std::min(key, head.size()));
   if (open == std::string_view::npos) return {};
   const std::size_t close = head.find(head[open], open + 1);
   return std::string(close == std::string_view::npos ? "" : head.substr(open + 1, close - open - 1));
+}
+
+// Writes a character as UTF-8, in at most four bytes.
+char* put(char* out, unsigned c) {
+  const auto tail = [c](unsigned shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
+  if (c < 0x80) {
+    *out++ = static_cast<char>(c);
+  } else if (c < 0x800) {
+    *out++ = static_cast<char>(0xC0 | c >> 6);
+    *out++ = tail(0);
+  } else if (c < 0x10000) {
+    *out++ = static_cast<char>(0xE0 | c >> 12);
+    *out++ = tail(6);
+    *out++ = tail(0);
+  } else {
+    *out++ = static_cast<char>(0xF0 | c >> 18);
+    *out++ = tail(12);
+    *out++ = tail(6);
+    *out++ = tail(0);
+  }
+  return out;
 }
 
 bool is_readable(int file, std::string& reason) {
@@ -90,6 +111,9 @@ bool Source::ChooseBySight(std::string_view head, std::string& reason) {
 bool Source::Choose(const std::string& encoding, std::string& reason) {
   static constexpr std::pair<const char*, Form> kOwn[] = {{"", Form::kUtf8},
                                                           {"UTF-8", Form::kUtf8},
+                                                          {"UTF-16", Form::kUtf16LE},
+                                                          {"UTF-16LE", Form::kUtf16LE},
+                                                          {"UTF-16BE", Form::kUtf16BE},
                                                           {"ISO-8859-1", Form::kLatin1},
                                                           {"latin1", Form::kLatin1},
                                                           {"windows-1252", Form::kWindows1252},
@@ -133,7 +157,10 @@ int Source::ReadRaw(char* out, std::size_t size) noexcept {
 
 int Source::Decode(char* out, std::size_t size) noexcept {
   for (;;) {
-    const std::size_t count = form_ == Form::kConverted ? Convert(out, size) : DecodeBytes(out, size);
+    const bool is_utf16 = form_ == Form::kUtf16LE || form_ == Form::kUtf16BE;
+    const std::size_t count = form_ == Form::kConverted ? Convert(out, size)
+                              : is_utf16                ? DecodeUtf16(out, size)
+                                                        : DecodeBytes(out, size);
     if (problem_ != nullptr) return -1;
     if (count > 0) return static_cast<int>(count);
     if (at_end_) return raw_begin_ < raw_end_ ? Stop("it ends in the middle of a character") : 0;
@@ -150,21 +177,37 @@ int Source::Decode(char* out, std::size_t size) noexcept {
 std::size_t Source::DecodeBytes(char* out, std::size_t size) noexcept {
   const char* begin = out;
   const char* end = out + size;
-  const auto put = [&out](unsigned byte) { *out++ = static_cast<char>(byte); };
   while (raw_begin_ < raw_end_ && end - out >= 3) {
     unsigned c = static_cast<unsigned char>(raw_[raw_begin_++]);
     if (form_ == Form::kWindows1252 && c >= 0x80 && c < 0xA0) c = kWindows1252[c - 0x80];
-    if (c < 0x80) {
-      put(c);
-      continue;
+    out = put(out, c);
+  }
+  return static_cast<std::size_t>(out - begin);
+}
+
+unsigned Source::UnitAt(std::size_t position) const noexcept {
+  const auto first = static_cast<unsigned char>(raw_[position]);
+  const auto second = static_cast<unsigned char>(raw_[position + 1]);
+  return form_ == Form::kUtf16LE ? first | second << 8U : first << 8U | second;
+}
+
+std::size_t Source::DecodeUtf16(char* out, std::size_t size) noexcept {
+  const char* begin = out;
+  const char* end = out + size;
+  while (raw_end_ - raw_begin_ >= 2 && end - out >= 4) {
+    unsigned c = UnitAt(raw_begin_);
+    const std::size_t units = (c & 0xF800U) == 0xD800 ? 2 : 1;
+    if (units == 2) {
+      if (raw_end_ - raw_begin_ < 4 && (c & 0x400U) == 0) break;
+      const unsigned low = (c & 0x400U) == 0 ? UnitAt(raw_begin_ + 2) : 0;
+      if ((low & 0xFC00U) != 0xDC00) {
+        if (out == begin) Stop("it is not valid in its encoding");
+        break;
+      }
+      c = 0x10000 + ((c & 0x3FFU) << 10U) + (low & 0x3FFU);
     }
-    if (c < 0x800) {
-      put(0xC0 | c >> 6);
-    } else {
-      put(0xE0 | c >> 12);
-      put(0x80 | (c >> 6 & 0x3F));
-    }
-    put(0x80 | (c & 0x3F));
+    raw_begin_ += 2 * units;
+    out = put(out, c);
   }
   return static_cast<std::size_t>(out - begin);
 }

@@ -40,13 +40,15 @@ class Source {
   bool is_valid() const { return is_valid_ && validator_.Complete(); }
 
  private:
-  enum class Form { kUtf8, kLatin1, kWindows1252, kConverted };
+  enum class Form { kUtf8, kUtf16LE, kUtf16BE, kLatin1, kWindows1252, kConverted };
 
   bool ChooseBySight(std::string_view head, std::string& reason);
   bool Choose(const std::string& encoding, std::string& reason);
   int ReadRaw(char* out, std::size_t size) noexcept;
   int Decode(char* out, std::size_t size) noexcept;
   std::size_t DecodeBytes(char* out, std::size_t size) noexcept;
+  std::size_t DecodeUtf16(char* out, std::size_t size) noexcept;
+  unsigned UnitAt(std::size_t position) const noexcept;
   std::size_t Convert(char* out, std::size_t size) noexcept;
   int Stop(const char* problem) noexcept;
 
