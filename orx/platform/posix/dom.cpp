@@ -2,6 +2,7 @@
 
 #include <orx/platform/code_page.h>
 #include <orx/platform/paths.h>
+#include <orx/platform/posix/dom_host.h>
 #include <orx/platform/posix/dom_parse.h>
 #include <orx/platform/posix/dom_tree.h>
 #include <orx/platform/posix/utf8.h>
@@ -22,6 +23,10 @@ namespace {
 
 constexpr const char* kBlanks = " \t\r\n";
 
+// libxml2 reads no value of 10,000,000 bytes and no name of more than 50,000.
+constexpr std::size_t kMaxTextBytes = 9'900'000;
+constexpr std::size_t kMaxNameBytes = 50'000;
+
 using XmlText = std::unique_ptr<xmlChar, decltype(xmlFree)>;
 
 Tree& tree_of(IXMLDOMDocument& document) { return static_cast<Document&>(document).tree(); }
@@ -39,13 +44,31 @@ bool is_text(std::string_view text) {
                       text.find("\xEF\xBF\xBF") == text.npos);
 }
 
+std::size_t written_size(std::string_view text) {
+  constexpr std::size_t kLongestEscape = 6;
+  if (text.size() <= kMaxTextBytes / kLongestEscape) return text.size();
+  std::size_t size = text.size();
+  for (const char c : text) {
+    if (std::strchr("\t\n\r<>&\"", c) != nullptr) size += kLongestEscape - 1;
+  }
+  return size;
+}
+
 bool accept_text(std::string_view text, Reason& reason) {
+  if (written_size(text) > kMaxTextBytes) {
+    reason = "the text is larger than 9.9 MB when it is written";
+    return false;
+  }
   if (is_text(text)) return true;
   reason = "the text holds characters that XML does not allow, or is not valid UTF-8";
   return false;
 }
 
 bool accept_name(const char* name, Reason& reason) {
+  if (std::strlen(name) > kMaxNameBytes) {
+    reason = "the name is too long";
+    return false;
+  }
   if (xmlValidateQName(as_xml(name), 0) == 0) return true;
   reason = "\"" + std::string(name) + "\" is not a name of XML";
   return false;
@@ -87,9 +110,9 @@ bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
     if (child != nullptr && child->next == nullptr && child->type == XML_TEXT_NODE) {
       text = as_text(child->content);
     } else {
-      const MemoryWatch memory;
+      const HostAside host;
       const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
-      if (memory.ran_out()) throw std::bad_alloc();
+      if (host.ran_out_of_memory()) throw std::bad_alloc();
       text = as_text(value.get());
     }
     return true;
@@ -100,19 +123,18 @@ bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
 }
 
 xmlNode* new_element(xmlDoc* doc, const char* name) {
-  const MemoryWatch memory;
-  return memory.Whole(xmlNewDocNode(doc, nullptr, as_xml(name), nullptr), xmlFreeNode);
+  const HostAside host;
+  return host.Whole(xmlNewDocNode(doc, nullptr, as_xml(name), nullptr), xmlFreeNode);
 }
 
 void add_attribute(xmlNode& element, const char* name, const char* text) {
-  const MemoryWatch memory;
-  memory.Whole(xmlNewProp(&element, as_xml(name), as_xml(text)), xmlRemoveProp);
+  const HostAside host;
+  host.Whole(xmlNewProp(&element, as_xml(name), as_xml(text)), xmlRemoveProp);
 }
 
 void replace_children(Tree& tree, xmlNode& parent, const char* text) {
-  const MemoryWatch memory;
-  xmlNode* child =
-      *text != '\0' ? memory.Whole(xmlNewDocText(parent.doc, as_xml(text)), xmlFreeNode) : nullptr;
+  const HostAside host;
+  xmlNode* child = *text != '\0' ? host.Whole(xmlNewDocText(parent.doc, as_xml(text)), xmlFreeNode) : nullptr;
   tree.RemoveChildren(parent);
   if (child != nullptr) xmlAddChild(&parent, child);
 }
@@ -126,39 +148,25 @@ bool put_text(const Node& handle, const std::string& text, Reason& reason) {
       return true;
     case XML_COMMENT_NODE:
     case XML_PI_NODE:
-      if (text.find(node.type == XML_PI_NODE ? "?>" : "--") == text.npos && !text.ends_with('-')) break;
+      if (text.find(node.type == XML_PI_NODE ? "?>" : "--") == text.npos &&
+          (node.type == XML_PI_NODE || !text.ends_with('-')))
+        break;
       reason = "the text would end its node";
       return false;
     case XML_TEXT_NODE:
+      if (node.parent != nullptr) forget_id(*node.parent);
+      break;
     case XML_CDATA_SECTION_NODE:
       break;
     default:
       reason = "a node of this kind has no text";
       return false;
   }
-  const MemoryWatch memory;
+  const HostAside host;
   xmlNodeSetContent(&node, as_xml(text.c_str()));
-  if (memory.ran_out()) throw std::bad_alloc();
+  if (host.ran_out_of_memory()) throw std::bad_alloc();
   return true;
 }
-
-// The writing follows settings of libxml2 that belong to the thread, and may belong to the host: put back
-// afterwards.
-class TabLayout {
- public:
-  TabLayout()
-      : indent_(std::exchange(xmlTreeIndentString, "\t")), indents_(std::exchange(xmlIndentTreeOutput, 1)) {}
-  ~TabLayout() {
-    xmlTreeIndentString = indent_;
-    xmlIndentTreeOutput = indents_;
-  }
-  TabLayout(const TabLayout&) = delete;
-  TabLayout& operator=(const TabLayout&) = delete;
-
- private:
-  const char* indent_;
-  int indents_;
-};
 
 struct Writing {
   const Sink& sink;
@@ -173,15 +181,15 @@ int write_chunk(void* context, const char* bytes, int size) {
 }
 
 bool write_tree(const Tree& tree, const Sink& sink) {
-  const TabLayout layout;
-  const MemoryWatch memory;
+  const SettingsAside settings;
+  const HostAside host;
   Writing writing{sink};
   const int options = XML_SAVE_AS_XML | XML_SAVE_NO_XHTML | (tree.declared ? 0 : XML_SAVE_NO_DECL) |
                       (tree.laid_out ? XML_SAVE_FORMAT : 0);
   xmlSaveCtxt* context = allocated(xmlSaveToIO(write_chunk, nullptr, &writing, "UTF-8", options));
   xmlSaveDoc(context, tree.doc());
   xmlSaveClose(context);
-  if (memory.ran_out()) throw std::bad_alloc();
+  if (host.ran_out_of_memory()) throw std::bad_alloc();
   return writing.goes_on;
 }
 

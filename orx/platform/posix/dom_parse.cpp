@@ -161,8 +161,7 @@ bool is_accepted(const xmlParserCtxt& context, const Parse& parse, std::string& 
 }
 
 Tree* run(Parse& parse, std::string& reason) {
-  const MemoryWatch memory;
-  const ContextPointer context(allocated(xmlNewParserCtxt()), &xmlFreeParserCtxt);
+    const ContextPointer context(allocated(xmlNewParserCtxt()), &xmlFreeParserCtxt);
   // What the source hands on is UTF-8, whatever the declaration says.
   xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC);
   context->_private = &parse;
@@ -182,7 +181,7 @@ Tree* run(Parse& parse, std::string& reason) {
   inputPush(context.get(), allocated(xmlNewIOInputStream(context.get(), input, XML_CHAR_ENCODING_NONE)));
   xmlParseDocument(context.get());
 
-  if (memory.ran_out()) parse.refusal = kOutOfMemory;
+  if (host.ran_out_of_memory()) parse.refusal = kOutOfMemory;
 
   xmlDoc* doc = context->myDoc;
   if (!is_accepted(*context, parse, reason)) {
@@ -191,7 +190,7 @@ Tree* run(Parse& parse, std::string& reason) {
   }
   xmlFree(const_cast<xmlChar*>(doc->encoding));
   doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
-  Tree* tree = new Tree(memory.Whole(doc, xmlFreeDoc));
+  Tree* tree = new Tree(host.Whole(doc, xmlFreeDoc));
   tree->declared = context->standalone != -1;
   tree->laid_out = parse.has_lines;
   return tree;

@@ -1,6 +1,7 @@
 // Selecting nodes. The suite asks for elements by name, below the document or below an element; those two are
 // walks of the tree. Everything else is left to libxml2's XPath.
 #include <orx/platform/dom.h>
+#include <orx/platform/posix/dom_host.h>
 #include <orx/platform/posix/dom_tree.h>
 #include <orx/platform/posix/utf8.h>
 
@@ -45,7 +46,8 @@ void on_error(void* message, xmlError* error) {
 }
 
 bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
-  const MemoryWatch memory;
+  const SettingsAside settings;
+  const HostAside host;
   const std::unique_ptr<xmlXPathContext, decltype(&xmlXPathFreeContext)> context(
       allocated(xmlXPathNewContext(node.doc)), &xmlXPathFreeContext);
   std::string message;
@@ -58,7 +60,7 @@ bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
   }
   const std::unique_ptr<xmlXPathObject, decltype(&xmlXPathFreeObject)> result(
       xmlXPathEval(as_xml(query), context.get()), &xmlXPathFreeObject);
-  if (memory.ran_out()) throw std::bad_alloc();
+  if (host.ran_out_of_memory()) throw std::bad_alloc();
   if (result == nullptr) {
     reason = "query \"" + std::string(query) + "\": " + (message.empty() ? "not well-formed" : message);
     return false;

@@ -1,17 +1,25 @@
 #include <orx/platform/posix/dom_tree.h>
 
+#include <orx/platform/posix/dom_host.h>
+
+#include <libxml/valid.h>
+
 #include <algorithm>
 #include <utility>
 
 namespace orx::platform::dom {
 namespace {
 
-bool has_handle_below(xmlNode& top) {
+// Whether a host can still see the node or one below it. An element that declares namespaces counts as well:
+// nodes that were cut out of it before may be of those namespaces. Only a parse makes such elements, so few
+// are kept.
+bool is_needed(xmlNode& top) {
   for (xmlNode* node = &top; node != nullptr; node = following(node, &top)) {
     if (node->_private != nullptr) return true;
     if (node->type != XML_ELEMENT_NODE) continue;
+    if (node->nsDef != nullptr) return true;
     for (xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next) {
-      if (has_handle_below(*reinterpret_cast<xmlNode*>(attribute))) return true;
+      if (is_needed(*reinterpret_cast<xmlNode*>(attribute))) return true;
     }
   }
   return false;
@@ -20,6 +28,7 @@ bool has_handle_below(xmlNode& top) {
 }  // namespace
 
 Tree::~Tree() {
+  const HostAside host;
   for (xmlNode* node : removed_) xmlFreeNode(node);
   xmlFreeDoc(doc_);
 }
@@ -37,8 +46,9 @@ Node* Tree::HandleOf(xmlNode* node) {
 
 void Tree::RemoveChildren(xmlNode& parent) {
   if (removed_.size() >= sweep_at_) Sweep();
+  forget_id(parent);
   while (xmlNode* child = first_child(parent)) {
-    const bool seen = lists_ > 0 || has_handle_below(*child);
+    const bool seen = lists_ > 0 || is_needed(*child);
     if (seen) removed_.push_back(child);
     xmlUnlinkNode(child);
     if (!seen) xmlFreeNode(child);
@@ -49,7 +59,7 @@ void Tree::RemoveChildren(xmlNode& parent) {
 void Tree::Sweep() {
   if (lists_ == 0) {
     std::erase_if(removed_, [](xmlNode* node) {
-      if (has_handle_below(*node)) return false;
+      if (is_needed(*node)) return false;
       xmlFreeNode(node);
       return true;
     });
@@ -104,10 +114,14 @@ void Document::Hold(Tree* tree) {
 }
 
 Tree* Document::NewTree() {
-  const MemoryWatch memory;
-  xmlDoc* doc = memory.Whole(xmlNewDoc(as_xml("1.0")), xmlFreeDoc);
+  const HostAside host;
+  xmlDoc* doc = host.Whole(xmlNewDoc(as_xml("1.0")), xmlFreeDoc);
   doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
-  return new Tree(memory.Whole(doc, xmlFreeDoc));
+  return new Tree(host.Whole(doc, xmlFreeDoc));
+}
+
+void forget_id(xmlNode& node) {
+  if (node.type == XML_ATTRIBUTE_NODE) xmlRemoveID(node.doc, reinterpret_cast<xmlAttr*>(&node));
 }
 
 xmlNode* first_child(const xmlNode& node) {

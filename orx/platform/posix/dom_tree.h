@@ -11,7 +11,6 @@
 #include <orx/compat/dom.h>
 
 #include <libxml/tree.h>
-#include <libxml/xmlerror.h>
 
 #include <cstddef>
 #include <new>
@@ -25,38 +24,6 @@ T* allocated(T* pointer) {
   if (pointer == nullptr) throw std::bad_alloc();
   return pointer;
 }
-
-// libxml2 goes on without a name or text that it had no memory for, and tells only the error handler of the
-// thread. As long as a watch lives it is that handler, so nothing is printed either; the host's own comes
-// back afterwards.
-class MemoryWatch {
- public:
-  MemoryWatch() : handler_(xmlStructuredError), context_(xmlStructuredErrorContext) {
-    xmlSetStructuredErrorFunc(this, &MemoryWatch::OnError);
-  }
-  ~MemoryWatch() { xmlSetStructuredErrorFunc(context_, handler_); }
-  MemoryWatch(const MemoryWatch&) = delete;
-  MemoryWatch& operator=(const MemoryWatch&) = delete;
-
-  bool ran_out() const { return ran_out_; }
-
-  // Raises std::bad_alloc, after `discard` has freed what was made by half.
-  template <class Made, class Discard>
-  Made* Whole(Made* made, Discard discard) const {
-    if (made != nullptr && !ran_out_) return made;
-    if (made != nullptr) discard(made);
-    throw std::bad_alloc();
-  }
-
- private:
-  static void OnError(void* watch, xmlError* error) {
-    if (error->code == XML_ERR_NO_MEMORY) static_cast<MemoryWatch*>(watch)->ran_out_ = true;
-  }
-
-  xmlStructuredErrorFunc handler_;
-  void* context_;
-  bool ran_out_ = false;
-};
 
 inline const xmlChar* as_xml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 inline const char* as_text(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
@@ -159,6 +126,10 @@ class Document final : public IXMLDOMDocument {
 
 // The children of an element, attribute or document; nothing else has children that a host may see.
 xmlNode* first_child(const xmlNode& node);
+
+// To be called before the value of an attribute changes: libxml2 finds an attribute's entry among the IDs of
+// its document by the value, and would leave it behind when the attribute is freed. Other nodes are ignored.
+void forget_id(xmlNode& node);
 
 // The next node in document order below `top`, or null.
 xmlNode* following(xmlNode* node, const xmlNode* top);
