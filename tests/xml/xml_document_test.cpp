@@ -105,6 +105,7 @@ TEST_F(XmlDocument, IndentingKeepsMixedContentAndTheTextOfOtherDocuments) {
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
       "<a>\n\t<b>x <c/></b>\n\t<d xml:space=\"preserve\"> </d>\n\t<!--e-->\n</a>\n";
   EXPECT_EQ(text_of(document), text);
+  copy = *&copy;
   EXPECT_EQ(text_of(copy), text) << "copies share the document";
 }
 
@@ -135,6 +136,25 @@ TEST_F(XmlDocument, NodesOutliveTheirDocumentAndTheirPlaceInIt) {
   EXPECT_EQ(document.NextXMLNode(list, b.Out()), 1) << "what was found stays found";
   EXPECT_EQ(document.GetXMLAttribute(b, "i", value), 1);
   EXPECT_EQ(value, "2");
+}
+
+TEST_F(XmlDocument, NodesThatAreCutOutKeepTheirNamesAndNoId) {
+  Parse("<r><a xmlns:p='u'><p:b/></a><c xml:id='i'/></r>");
+  NodeRef a, b, id, found;
+  ASSERT_EQ(document.SelectSingleXMLNode("//a", a.Out()), 1);
+  ASSERT_EQ(document.SelectSingleXMLNode(a, "*", b.Out()), 1);
+  ASSERT_EQ(document.SelectSingleXMLNode("//c/@xml:id", id.Out()), 1);
+  wchar_t text[] = L"y";
+  for (IXMLDOMNode* node : {static_cast<IXMLDOMNode*>(a), static_cast<IXMLDOMNode*>(id)})
+    ASSERT_EQ(document.SetXMLValue(node, text), 1);
+  a.Reset();
+  id.Reset();
+  ASSERT_EQ(document.SetXMLValue(root, text), 1);
+  CStringA name;
+  EXPECT_EQ(document.GetXMLName(b, name), 1);
+  EXPECT_STREQ(name, "p:b");
+  EXPECT_EQ(document.SelectSingleXMLNode("id('i')", found.Out()), 1);
+  EXPECT_EQ(found, nullptr);
 }
 
 TEST_F(XmlDocument, ALongLifeOfChangesLeavesNothingBehind) {

@@ -109,6 +109,11 @@ TEST(XmlInput, RefusesWhatIsNotADocument) {
        "it declares entities"},
       {"too deep", repeated("<a>", 1000000), "Excessive depth"},
       {"too many attributes", "<a" + repeated(" b=''", 1000000) + "/>", ""},
+      {"too many namespaces", repeated("<a xmlns:b='c' xmlns:d='e'>", 250), "too many namespaces"},
+      {"a namespace by default", doctype + "<!ATTLIST a xmlns:b CDATA 'c'>]><a/>", "attribute default"},
+      {"a default that would not be written", doctype + "<!ATTLIST a b CDATA '&lt;'>]><a/>", "default"},
+      {"a namespace that would not be written", "<a xmlns='b&amp;c'/>", "namespace"},
+      {"a notation twice", doctype + repeated("<!NOTATION n SYSTEM 'n'>", 2) + "]><a>", "not well-formed"},
       {"a large DOCTYPE", doctype + repeated("<!ELEMENT e ANY>", 20000) + "]><a/>", ""},
       {"defaults for a million elements",
        doctype + "<!ATTLIST b c CDATA '" + std::string(1000, 'x') + "'>]><a>" + repeated("<b/>", 100000) +

@@ -1,5 +1,6 @@
-// libxml2 keeps settings, callbacks and error handlers for the whole thread, and the host may use libxml2 too. What the
-// host has set is put aside while the library calls libxml2, so that neither disturbs the other.
+// libxml2 keeps settings, callbacks and error handlers for the whole thread, and the host may use libxml2
+// too. What the host has set is put aside while the library calls libxml2, so that neither disturbs the
+// other.
 #pragma once
 
 #include <libxml/globals.h>
@@ -10,8 +11,8 @@
 
 namespace orx::platform::dom {
 
-// Around whatever makes or frees nodes. A host that is called for each node may take `_private` for its own. And libxml2
-// goes on without a name or text that it had no memory for, and tells only the error handler.
+// Around whatever makes or frees nodes. A host that is called for each node may take `_private` for its own.
+// And libxml2 goes on without a name or text that it had no memory for, and tells only the error handler.
 class HostAside {
  public:
   HostAside() { xmlSetStructuredErrorFunc(this, &HostAside::OnError); }

@@ -1,5 +1,6 @@
 #include <orx/platform/posix/dom_parse.h>
 
+#include <orx/platform/posix/dom_host.h>
 #include <orx/platform/posix/dom_source.h>
 
 #include <libxml/SAX2.h>
@@ -26,6 +27,13 @@ constexpr int kManyAttributes = 2000;
 // It also walks the list of an element's declared attributes for each of them.
 constexpr std::size_t kMaxDoctypeBytes = std::size_t{256} << 10;
 
+// And the list of the namespaces in scope, for each declaration and for each name with a prefix.
+constexpr int kManyNamespaces = 250;
+
+constexpr const char* kUnsupportedDefault = "it declares an attribute default that is not supported";
+
+constexpr std::size_t kLevels = 512;  // libxml2 stops at 256
+
 constexpr const char* kOutOfMemory = "out of memory";
 
 using ContextPointer = std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)>;
@@ -36,7 +44,8 @@ struct Parse {
   Source source;
   const xmlParserCtxt* context = nullptr;
 
-  bool has_lines = false;  // white space that was dropped ended a line
+  std::array<bool, kLevels> keeps_space{};  // below the elements that are open, by their number
+  bool has_lines = false;                   // white space that was dropped ended a line
   const char* refusal = nullptr;
   std::size_t defaulted_bytes = 0;
   xmlErrorLevel level = XML_ERR_NONE;
@@ -73,28 +82,73 @@ void on_unparsed_entity(void* context, const xmlChar*, const xmlChar*, const xml
   refuse(context, "it declares entities");
 }
 
+// Defaults that declare namespaces would do so in each of millions of elements, and some values are not
+// written as they were read.
+void on_attribute_declaration(void* context, const xmlChar* element, const xmlChar* name, int type, int kind,
+                              const xmlChar* value, xmlEnumeration* values) {
+  const bool is_namespace = std::strncmp(as_text(name), "xmlns", 5) == 0;
+  if (value != nullptr && (is_namespace || std::strpbrk(as_text(value), "<\t\r\n") != nullptr)) {
+    xmlFreeEnumeration(values);
+    return refuse(context, kUnsupportedDefault);
+  }
+  xmlSAX2AttributeDecl(context, element, name, type, kind, value, values);
+  // libxml2 has dropped the default, and would write a declaration without one.
+  if (static_cast<xmlParserCtxt*>(context)->vctxt.valid == 0) refuse(context, kUnsupportedDefault);
+}
+
+std::size_t level_of(const void* context) {
+  return static_cast<std::size_t>(static_cast<const xmlParserCtxt*>(context)->nodeNr);
+}
+
 // Drops white space that only separates nodes, as soon as the node behind it shows that it is complete: its
 // memory then serves that node, and a second walk of the whole tree is spared.
 void drop_blank(void* context) {
   xmlNode* parent = static_cast<xmlParserCtxt*>(context)->node;
   xmlNode* node = parent != nullptr ? parent->last : nullptr;
   if (node == nullptr || node->type != XML_TEXT_NODE || !is_blank(as_text(node->content)) ||
-      keeps_space(*parent))
+      parse_of(context).keeps_space[level_of(context)])
     return;
   parse_of(context).has_lines |= std::strchr(as_text(node->content), '\n') != nullptr;
   xmlUnlinkNode(node);
   xmlFreeNode(node);
 }
 
+// libxml2 writes the name of a namespace as it is.
+bool can_be_written(const xmlChar* namespace_name) {
+  return std::strpbrk(as_text(namespace_name), "<&\t\r\n") == nullptr;
+}
+
+// An attribute as libxml2 hands it on: five pointers, of which the last two enclose the value.
+struct Attribute {
+  const xmlChar* name;
+  const xmlChar* prefix;
+  const xmlChar* uri;
+  const xmlChar* begin;
+  const xmlChar* end;
+
+  std::string_view value() const { return {as_text(begin), static_cast<std::size_t>(end - begin)}; }
+  bool is_xml_space() const {
+    return prefix != nullptr && xmlStrEqual(prefix, as_xml("xml")) && xmlStrEqual(name, as_xml("space"));
+  }
+};
+
 void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                       int namespaces, const xmlChar** namespace_table, int attributes, int defaulted,
                       const xmlChar** attribute_table) {
   drop_blank(context);
   Parse& parse = parse_of(context);
-  for (int i = attributes - defaulted; i < attributes;
-       ++i) {  // five pointers each, the last two enclose the value
-    parse.defaulted_bytes +=
-        static_cast<std::size_t>(attribute_table[5 * i + 4] - attribute_table[5 * i + 3]) + 64;
+  const std::size_t level = level_of(context) + 1;
+  if (level >= kLevels) return refuse(context, "its elements are nested too deep");
+  parse.keeps_space[level] = parse.keeps_space[level - 1];
+  for (int i = 0; i < namespaces; ++i) {  // a prefix and a name each
+    if (!can_be_written(namespace_table[2 * i + 1]))
+      return refuse(context, "the name of a namespace is not supported");
+  }
+  for (int i = 0; i < attributes; ++i) {
+    const xmlChar** at = attribute_table + 5 * i;
+    const Attribute attribute{at[0], at[1], at[2], at[3], at[4]};
+    if (attribute.is_xml_space()) parse.keeps_space[level] = attribute.value() == "preserve";
+    if (i >= attributes - defaulted) parse.defaulted_bytes += attribute.value().size() + sizeof(xmlAttr);
   }
   if (parse.defaulted_bytes > kMaxDefaultedBytes)
     return refuse(context, "its attribute defaults are too large");
@@ -131,6 +185,8 @@ int read_more(void* context, char* buffer, int size) {
   Parse& parse = *static_cast<Parse*>(context);
   if (parse.context->maxatts > 5 * kManyAttributes) {
     parse.refusal = "an element has too many attributes";
+  } else if (parse.context->nsNr > 2 * kManyNamespaces) {  // two pointers each
+    parse.refusal = "it declares too many namespaces";
   } else if (parse.context->inSubset != 0 && parse.source.bytes_read() > kMaxDoctypeBytes) {
     parse.refusal = "its DOCTYPE is too large";
   }
@@ -161,7 +217,9 @@ bool is_accepted(const xmlParserCtxt& context, const Parse& parse, std::string& 
 }
 
 Tree* run(Parse& parse, std::string& reason) {
-    const ContextPointer context(allocated(xmlNewParserCtxt()), &xmlFreeParserCtxt);
+  const SettingsAside settings;
+  const HostAside host;
+  const ContextPointer context(allocated(xmlNewParserCtxt()), &xmlFreeParserCtxt);
   // What the source hands on is UTF-8, whatever the declaration says.
   xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC);
   context->_private = &parse;
@@ -169,6 +227,7 @@ Tree* run(Parse& parse, std::string& reason) {
   handler.serror = on_error;
   handler.entityDecl = on_entity;
   handler.unparsedEntityDecl = on_unparsed_entity;
+  handler.attributeDecl = on_attribute_declaration;
   handler.startElementNs = on_start_element;
   handler.endElementNs = on_end_element;
   handler.comment = on_comment;

@@ -35,27 +35,6 @@ std::string declared_encoding(std::string_view head) {
   return std::string(close == std::string_view::npos ? "" : head.substr(open + 1, close - open - 1));
 }
 
-// Writes a character as UTF-8, in at most four bytes.
-char* put(char* out, unsigned c) {
-  const auto tail = [c](unsigned shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
-  if (c < 0x80) {
-    *out++ = static_cast<char>(c);
-  } else if (c < 0x800) {
-    *out++ = static_cast<char>(0xC0 | c >> 6);
-    *out++ = tail(0);
-  } else if (c < 0x10000) {
-    *out++ = static_cast<char>(0xE0 | c >> 12);
-    *out++ = tail(6);
-    *out++ = tail(0);
-  } else {
-    *out++ = static_cast<char>(0xF0 | c >> 18);
-    *out++ = tail(12);
-    *out++ = tail(6);
-    *out++ = tail(0);
-  }
-  return out;
-}
-
 bool is_readable(int file, std::string& reason) {
   struct stat status;
   if (file < 0 || fstat(file, &status) != 0) {
@@ -180,7 +159,7 @@ std::size_t Source::DecodeBytes(char* out, std::size_t size) noexcept {
   while (raw_begin_ < raw_end_ && end - out >= 3) {
     unsigned c = static_cast<unsigned char>(raw_[raw_begin_++]);
     if (form_ == Form::kWindows1252 && c >= 0x80 && c < 0xA0) c = kWindows1252[c - 0x80];
-    out = put(out, c);
+    out = utf8::encode(c, out);
   }
   return static_cast<std::size_t>(out - begin);
 }
@@ -207,7 +186,7 @@ std::size_t Source::DecodeUtf16(char* out, std::size_t size) noexcept {
       c = 0x10000 + ((c & 0x3FFU) << 10U) + (low & 0x3FFU);
     }
     raw_begin_ += 2 * units;
-    out = put(out, c);
+    out = utf8::encode(c, out);
   }
   return static_cast<std::size_t>(out - begin);
 }

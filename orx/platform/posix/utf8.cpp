@@ -51,19 +51,6 @@ bool is_continuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC
 
 bool is_code_point(std::uint32_t c) { return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF); }
 
-void append(std::string& out, std::uint32_t c) {
-  const auto tail = [c](unsigned shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += {static_cast<char>(0xC0 | c >> 6), tail(0)};
-  } else if (c < 0x10000) {
-    out += {static_cast<char>(0xE0 | c >> 12), tail(6), tail(0)};
-  } else {
-    out += {static_cast<char>(0xF0 | c >> 18), tail(12), tail(6), tail(0)};
-  }
-}
-
 // Takes the first character off a valid text.
 wchar_t take_first(std::string_view& text) {
   const auto lead = static_cast<unsigned char>(text.front());
@@ -103,13 +90,35 @@ bool is_valid(std::string_view text) {
          validator.Complete();
 }
 
+char* encode(std::uint32_t code_point, char* out) {
+  const auto put = [&out](std::uint32_t byte) { *out++ = static_cast<char>(byte); };
+  const auto put_tail = [&](unsigned shift) { put(0x80 | (code_point >> shift & 0x3F)); };
+  if (code_point < 0x80) {
+    put(code_point);
+  } else if (code_point < 0x800) {
+    put(0xC0 | code_point >> 6);
+    put_tail(0);
+  } else if (code_point < 0x10000) {
+    put(0xE0 | code_point >> 12);
+    put_tail(6);
+    put_tail(0);
+  } else {
+    put(0xF0 | code_point >> 18);
+    put_tail(12);
+    put_tail(6);
+    put_tail(0);
+  }
+  return out;
+}
+
 bool from_wide(const wchar_t* text, std::size_t length, std::string& out) {
   std::string narrow;
   narrow.reserve(length);
   for (const wchar_t character : std::wstring_view(text, length)) {
     const auto c = static_cast<std::uint32_t>(character);
     if (!is_code_point(c)) return false;
-    append(narrow, c);
+    char bytes[4];
+    narrow.append(bytes, encode(c, bytes));
   }
   out = std::move(narrow);
   return true;

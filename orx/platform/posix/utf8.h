@@ -5,6 +5,7 @@
 #include <orx/compat/bstr.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,9 @@ class Validator {
 };
 
 bool is_valid(std::string_view text);
+
+// Writes a code point, in at most four bytes; the result is behind them.
+char* encode(std::uint32_t code_point, char* out);
 
 // False, and `out` unchanged, when a wide character is no code point of text.
 bool from_wide(const wchar_t* text, std::size_t length, std::string& out);
