@@ -127,8 +127,9 @@ struct Attribute {
   const xmlChar* end;
 
   std::string_view value() const { return {as_text(begin), static_cast<std::size_t>(end - begin)}; }
-  bool is_xml_space() const {
-    return prefix != nullptr && xmlStrEqual(prefix, as_xml("xml")) && xmlStrEqual(name, as_xml("space"));
+  bool says_space(std::string_view what) const {
+    return prefix != nullptr && xmlStrEqual(prefix, as_xml("xml")) && xmlStrEqual(name, as_xml("space")) &&
+           value() == what;
   }
 };
 
@@ -147,7 +148,8 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
   for (int i = 0; i < attributes; ++i) {
     const xmlChar** at = attribute_table + 5 * i;
     const Attribute attribute{at[0], at[1], at[2], at[3], at[4]};
-    if (attribute.is_xml_space()) parse.keeps_space[level] = attribute.value() == "preserve";
+    if (attribute.says_space("preserve")) parse.keeps_space[level] = true;
+    if (attribute.says_space("default")) parse.keeps_space[level] = false;
     if (i >= attributes - defaulted) parse.defaulted_bytes += attribute.value().size() + sizeof(xmlAttr);
   }
   if (parse.defaulted_bytes > kMaxDefaultedBytes)
