@@ -4,12 +4,12 @@
 #include <benchmark/benchmark.h>
 #include <libxml/parser.h>
 #include <libxml/xmlsave.h>
+#include <malloc.h>
 #include <orx/frame/native_path.h>
 #include <orx/projects/qpl_file.h>
 #include <orx/projects/qpr_file.h>
 #include <stdlib.h>
 #include <strings.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -299,22 +299,35 @@ void text_query_orx(benchmark::State& state) {
   }
 }
 
-// The memory that a process of its own needs at most for loading the large document, in MB beyond an idle
-// one.
-template <class Load>
-double peak_memory(Load load) {
-  const auto peak_of = [](auto work) {
-    const pid_t child = fork();
-    if (child == 0) {
-      work();
-      _exit(0);
-    }
-    rusage usage{};
-    int status = 0;
-    wait4(child, &status, 0, &usage);
-    return static_cast<double>(usage.ru_maxrss) / 1024;
-  };
-  return peak_of(load) - peak_of([] {});
+double megabytes_of(const char* field) {
+  std::ifstream status("/proc/self/status");
+  std::string line;
+  while (std::getline(status, line)) {
+    if (line.starts_with(field)) return std::stod(line.substr(line.find(':') + 1)) / 1024;
+  }
+  return 0;
+}
+
+// The memory that a process of its own needs at most for the work, beyond what it had before.
+template <class Work>
+double peak_memory(Work work) {
+  int ends[2];
+  if (pipe(ends) != 0) return 0;
+  double peak = 0;
+  if (const pid_t child = fork(); child == 0) {
+    malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << 5;  // forgets the peak so far
+    const double before = megabytes_of("VmRSS");
+    work();
+    peak = megabytes_of("VmHWM") - before;
+    _exit(write(ends[1], &peak, sizeof peak) == sizeof peak ? 0 : 1);
+  } else {
+    waitpid(child, nullptr, 0);
+  }
+  if (read(ends[0], &peak, sizeof peak) != sizeof peak) peak = 0;
+  close(ends[0]);
+  close(ends[1]);
+  return peak;
 }
 
 void peak_memory_of_loading(benchmark::State& state) {

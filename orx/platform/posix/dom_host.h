@@ -15,11 +15,12 @@ namespace orx::platform::dom {
 // And libxml2 goes on without a name or text that it had no memory for, and tells only the error handler.
 class HostAside {
  public:
-  HostAside() { xmlSetStructuredErrorFunc(this, &HostAside::OnError); }
+  HostAside() = default;
   ~HostAside() {
     on_new_ = old_on_new_;
     on_free_ = old_on_free_;
-    xmlSetStructuredErrorFunc(old_context_, old_on_error_);
+    on_error_ = old_on_error_;
+    context_ = old_context_;
   }
   HostAside(const HostAside&) = delete;
   HostAside& operator=(const HostAside&) = delete;
@@ -42,10 +43,12 @@ class HostAside {
   // Where libxml2 keeps them for this thread, which costs a call to ask.
   xmlRegisterNodeFunc& on_new_ = xmlRegisterNodeDefaultValue;
   xmlDeregisterNodeFunc& on_free_ = xmlDeregisterNodeDefaultValue;
+  xmlStructuredErrorFunc& on_error_ = xmlStructuredError;
+  void*& context_ = xmlStructuredErrorContext;
   const xmlRegisterNodeFunc old_on_new_ = std::exchange(on_new_, nullptr);
   const xmlDeregisterNodeFunc old_on_free_ = std::exchange(on_free_, nullptr);
-  const xmlStructuredErrorFunc old_on_error_ = xmlStructuredError;
-  void* const old_context_ = xmlStructuredErrorContext;
+  const xmlStructuredErrorFunc old_on_error_ = std::exchange(on_error_, &HostAside::OnError);
+  void* const old_context_ = std::exchange(context_, this);
   bool ran_out_ = false;
 };
 

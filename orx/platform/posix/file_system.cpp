@@ -62,9 +62,15 @@ std::string temporary_name() {
   return name;
 }
 
+// What a new file may be at first, so that its content is never open to more people than the old one's: until
+// the owner has been set, its group may be another.
+mode_t safe_mode(mode_t old) {
+  const mode_t of_group = old >> 3 & 07;
+  const mode_t of_others = old & 07;
+  return (of_group & ~of_others) == 0 ? old : old & 0700;
+}
+
 void keep_owner(int file, const struct stat& old) {
-  struct stat status;
-  if (fstat(file, &status) == 0 && status.st_uid == old.st_uid && status.st_gid == old.st_gid) return;
   if (fchown(file, old.st_uid, old.st_gid) == 0) return;
   // Only the administrator may give files away; a group of one's own is worth keeping all the same.
   [[maybe_unused]] const int ignored = fchown(file, static_cast<uid_t>(-1), old.st_gid);
@@ -143,7 +149,11 @@ struct FileReplacement::State {
 
   // The owner goes first: changing it can take permissions away.
   bool TakeOver(const struct stat& old, std::string& reason) const {
-    keep_owner(file, old);
+    struct stat status;
+    if (fstat(file, &status) != 0) return failed(reason);
+    const bool is_owners = status.st_uid == old.st_uid && status.st_gid == old.st_gid;
+    if (!is_owners) keep_owner(file, old);
+    if (is_owners && status.st_mode == old.st_mode) return true;
     return fchmod(file, old.st_mode & kPermissionBits) == 0 || failed(reason);
   }
 
@@ -168,8 +178,8 @@ struct FileReplacement::State {
     bool exists = false;
     if (!Locate(system_path(path), old, exists, reason)) return false;
     if (exists && !CheckOld(old, reason)) return false;
-    // The new content of a private file is never open to others; a file that is new is as the umask says.
-    if (!CreateTemporary(exists ? 0600 : 0666, reason)) return false;
+    // A file that is new is as the umask says.
+    if (!CreateTemporary(exists ? safe_mode(old.st_mode & kPermissionBits) : 0666, reason)) return false;
     buffer.reserve(kBufferSize);
     return !exists || TakeOver(old, reason);
   }
