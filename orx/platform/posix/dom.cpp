@@ -23,9 +23,10 @@ namespace {
 
 constexpr const char* kBlanks = " \t\r\n";
 
-// libxml2 reads no value of 10,000,000 bytes and no name of more than 50,000.
+// libxml2 reads no value of 10,000,000 bytes, no name of more than 50,000 and nothing deeper than this.
 constexpr std::size_t kMaxTextBytes = 9'900'000;
 constexpr std::size_t kMaxNameBytes = 50'000;
+constexpr int kMaxDepth = 256;
 
 using XmlText = std::unique_ptr<xmlChar, decltype(xmlFree)>;
 
@@ -71,6 +72,16 @@ bool accept_name(const char* name, Reason& reason) {
   }
   if (xmlValidateQName(as_xml(name), 0) == 0) return true;
   reason = "\"" + std::string(name) + "\" is not a name of XML";
+  return false;
+}
+
+bool accept_depth(const xmlNode& parent, Reason& reason) {
+  int depth = 1;
+  for (const xmlNode* node = &parent; node != nullptr && depth <= kMaxDepth; node = node->parent) {
+    if (node->type == XML_ELEMENT_NODE) ++depth;
+  }
+  if (depth <= kMaxDepth) return true;
+  reason = "the element would be nested too deep";
   return false;
 }
 
@@ -250,8 +261,8 @@ bool indent(IXMLDOMDocument& document, Reason& reason) {
 bool append_element(IXMLDOMDocument&, IXMLDOMElement& parent, const char* name, IXMLDOMElement** child,
                     Reason& reason) {
   *child = nullptr;
-  if (!accept_name(name, reason)) return false;
   const Node& owner = handle_of(parent);
+  if (!accept_name(name, reason) || !accept_depth(*owner.node, reason)) return false;
   xmlNode* node = new_element(owner.node->doc, name);
   xmlAddChild(owner.node, node);
   *child = owner.tree.HandleOf(node);

@@ -25,10 +25,13 @@ constexpr std::size_t kMaxDefaultedBytes = std::size_t{64} << 20;
 constexpr int kManyAttributes = 2000;
 
 // It also walks the list of an element's declared attributes for each of them.
-constexpr std::size_t kMaxDoctypeBytes = std::size_t{256} << 10;
+constexpr std::size_t kMaxDoctypeBytes = std::size_t{64} << 10;
 
 // And the list of the namespaces in scope, for each declaration and for each name with a prefix.
 constexpr int kManyNamespaces = 250;
+
+// Ten million nodes take more than a gigabyte.
+constexpr std::size_t kMaxNodes = 10'000'000;
 
 constexpr const char* kUnsupportedDefault = "it declares an attribute default that is not supported";
 
@@ -48,6 +51,7 @@ struct Parse {
   bool has_lines = false;                   // white space that was dropped ended a line
   const char* refusal = nullptr;
   std::size_t defaulted_bytes = 0;
+  std::size_t nodes = 0;
   xmlErrorLevel level = XML_ERR_NONE;
   int line = 0;
   int column = 0;
@@ -140,6 +144,8 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
   Parse& parse = parse_of(context);
   const std::size_t level = level_of(context) + 1;
   if (level >= kLevels) return refuse(context, "its elements are nested too deep");
+  parse.nodes += 1 + static_cast<std::size_t>(attributes);
+  if (parse.nodes > kMaxNodes) return refuse(context, "it has too many elements");
   parse.keeps_space[level] = parse.keeps_space[level - 1];
   for (int i = 0; i < namespaces; ++i) {  // a prefix and a name each
     if (!can_be_written(namespace_table[2 * i + 1]))

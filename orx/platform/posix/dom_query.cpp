@@ -38,21 +38,11 @@ void find_by_name(xmlNode& context, const char* query, bool first_only, Nodes& f
   }
 }
 
-void on_error(void* message, xmlError* error) {
-  auto& text = *static_cast<std::string*>(message);
-  if (!text.empty() || error->message == nullptr) return;
-  text = error->message;
-  text.erase(text.find_last_not_of(" \n") + 1);
-}
-
 bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
   const SettingsAside settings;
   const HostAside host;
   const std::unique_ptr<xmlXPathContext, decltype(&xmlXPathFreeContext)> context(
       allocated(xmlXPathNewContext(node.doc)), &xmlXPathFreeContext);
-  std::string message;
-  context->error = on_error;
-  context->userData = &message;
   context->node = &node;
   const std::unique_ptr<xmlNs*, decltype(xmlFree)> namespaces(xmlGetNsList(node.doc, &node), xmlFree);
   for (xmlNs** entry = namespaces.get(); entry != nullptr && *entry != nullptr; ++entry) {
@@ -61,12 +51,9 @@ bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
   const std::unique_ptr<xmlXPathObject, decltype(&xmlXPathFreeObject)> result(
       xmlXPathEval(as_xml(query), context.get()), &xmlXPathFreeObject);
   if (host.ran_out_of_memory()) throw std::bad_alloc();
-  if (result == nullptr) {
-    reason = "query \"" + std::string(query) + "\": " + (message.empty() ? "not well-formed" : message);
-    return false;
-  }
-  if (result->type != XPATH_NODESET) {
-    reason = "query \"" + std::string(query) + "\" does not select nodes";
+  if (result == nullptr || result->type != XPATH_NODESET) {
+    reason = "the query \"" + std::string(query) +
+             (result == nullptr ? "\" cannot be evaluated" : "\" does not select nodes");
     return false;
   }
   if (result->nodesetval == nullptr) return true;
