@@ -165,8 +165,8 @@ std::size_t Source::DecodeBytes(char* out, std::size_t size) noexcept {
 }
 
 unsigned Source::UnitAt(std::size_t position) const noexcept {
-  const auto first = static_cast<unsigned char>(raw_[position]);
-  const auto second = static_cast<unsigned char>(raw_[position + 1]);
+  const unsigned first = static_cast<unsigned char>(raw_[position]);
+  const unsigned second = static_cast<unsigned char>(raw_[position + 1]);
   return form_ == Form::kUtf16LE ? first | second << 8U : first << 8U | second;
 }
 
