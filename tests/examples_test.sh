@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# examples_test.sh SOURCE ORX HOST C_HOST: the sample suite is whole, the example hosts run, and the README shows them as
-# they are.
+# examples_test.sh SOURCE ORX HOST C_HOST: the sample suite is whole, and the hosts run and are what the README shows.
 set -euo pipefail
 source=$1 orx=$2 host=$3 c_host=$4
 work=$(mktemp -d)
@@ -8,7 +7,6 @@ trap 'rm -rf "$work"' EXIT
 cp -r "$source/examples/suite/drives" "$work"
 export ORX_DRIVES=$work/drives
 
-"$orx" list show 'C:\Projects\projects.qpl'
 for project in 'C:\Projects\Kestrel Ridge\North Pit\north_pit.qpr' 'C:\Projects\Gruental\Stollen 4\stollen_4.qpr'; do
   "$orx" list show 'C:\Projects\projects.qpl' | grep -F "$project"
   "$orx" project verify "$project"

@@ -46,8 +46,7 @@ TEST(AtlArray, RefusesWhatItCannotHold) {
   EXPECT_THROW(strings[1], CAtlException);
   EXPECT_THROW(strings.RemoveAt(1, SIZE_MAX), CAtlException);
   EXPECT_THROW(strings.InsertAt(SIZE_MAX, "x"), CAtlException);
-  EXPECT_FALSE(strings.SetCount(SIZE_MAX));
-  EXPECT_FALSE(strings.SetCount(SIZE_MAX / sizeof(CStringA)));
+  EXPECT_FALSE(strings.SetCount(SIZE_MAX) || strings.SetCount(SIZE_MAX / sizeof(CStringA)));
   EXPECT_EQ(joined(strings), "a,");
 }
 

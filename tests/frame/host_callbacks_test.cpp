@@ -27,20 +27,15 @@ std::vector<int> answers(int otherwise) {
 
 TEST(HostCallbacks, AnswerInPlaceOfTheDefault) {
   EXPECT_EQ(answers(7), std::vector(4, 7));
-  SetShowErrorCallback([](const char* message) { note(message); });
-  SetConfirmationCallback(note<void*, void*>);
-  SetInputStringCallback(note<void*, void*, unsigned char, int>);
-  SetSelectFromPickListCallback(note<void*>);
-  SetHandleDuplicatesCallback(note<>);
-  EXPECT_EQ(answers(7), std::vector(4, 0));  // an answer like any other
-  EXPECT_EQ(passed.str(), "two\nlines 0x1 0 0x2 0x3 c -2 0x4 ");
-  SetShowErrorCallback(nullptr);
-  SetConfirmationCallback(nullptr);
-  SetInputStringCallback(nullptr);
-  SetSelectFromPickListCallback(nullptr);
-  SetHandleDuplicatesCallback(nullptr);
-  EXPECT_EQ(answers(8), std::vector(4, 8));
-  EXPECT_EQ(passed.str(), "");
+  for (const bool set : {true, false}) {
+    SetShowErrorCallback(set ? [](const char* message) { note(message); } : ShowErrorCallback());
+    SetConfirmationCallback(set ? note<void*, void*> : nullptr);
+    SetInputStringCallback(set ? note<void*, void*, unsigned char, int> : nullptr);
+    SetSelectFromPickListCallback(set ? note<void*> : nullptr);
+    SetHandleDuplicatesCallback(set ? note<> : nullptr);
+    EXPECT_EQ(answers(8), std::vector(4, set ? 0 : 8));  // 0 is an answer like any other
+    EXPECT_EQ(passed.str(), set ? "two\nlines 0x1 0 0x2 0x3 c -2 0x4 " : "");
+  }
 }
 
 }  // namespace

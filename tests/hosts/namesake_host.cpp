@@ -9,20 +9,9 @@
 
 namespace {
 
-int own_calls = 0;
-int shown = 0;
+int own_calls = 0, shown = 0;
 
-template <class Function>
-Function* library_function(const char* name) {
-  void* library = dlopen("liborx.so.6", RTLD_NOW | RTLD_NOLOAD);
-  void* symbol = library != nullptr ? dlsym(library, name) : nullptr;
-  return reinterpret_cast<Function*>(symbol);
-}
-
-int expect(bool condition, const char* what) {
-  if (!condition) std::fprintf(stderr, "%s\n", what);
-  return condition ? 0 : 1;
-}
+int fail(const char* what) { return std::fprintf(stderr, "%s\n", what), 1; }
 
 }  // namespace
 
@@ -32,10 +21,12 @@ void ShowError(const char*) { ++own_calls; }
 void SysFreeString(BSTR) { ++own_calls; }
 
 int main() {
-  auto* const library_trim = library_function<decltype(trim)>("trim");
-  auto* const library_show_error = library_function<decltype(ShowError)>("ShowError");
+  void* library = dlopen("liborx.so.6", RTLD_NOW | RTLD_NOLOAD);
+  if (library == nullptr) return fail("the library is not loaded");
+  auto* const library_trim = reinterpret_cast<decltype(&trim)>(dlsym(library, "trim"));
+  auto* const library_show_error = reinterpret_cast<decltype(&ShowError)>(dlsym(library, "ShowError"));
   if (library_trim == nullptr || library_show_error == nullptr || library_trim == trim) {
-    return expect(false, "the library's functions are not found");
+    return fail("the library's functions are not found");
   }
   char text[] = " pit ";
   library_trim(text);
@@ -43,13 +34,12 @@ int main() {
   value.vt = VT_BSTR;
   value.bstrVal = SysAllocString(L"pit");
   VariantClear(&value);
-  int failures = expect(std::strcmp(text, "pit") == 0 && own_calls == 0, "the library calls the host");
+  if (std::strcmp(text, "pit") != 0 || own_calls != 0) return fail("the library calls the host");
 
   SetShowErrorCallback([](const char*) { ++shown; });
   ShowError("");
   trim(text);
-  failures += expect(own_calls == 2 && shown == 0, "the host does not reach its own functions");
+  if (own_calls != 2 || shown != 0) return fail("the host does not reach its own functions");
   library_show_error("");
-  failures += expect(own_calls == 2 && shown == 1, "the library's ShowError does not reach the callback");
-  return failures;
+  return shown == 1 && own_calls == 2 ? 0 : fail("the library's ShowError does not reach the callback");
 }

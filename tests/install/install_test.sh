@@ -22,6 +22,5 @@ cmake --build "$work/cmake" >> "$work/log"
 "$work/cmake/stranger"
 
 export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
-pkg-config --atleast-version=6.9 orx
-eval "$compiler $flags -std=c++20 '$here/stranger.cpp' -o '$work/by_hand' $(pkg-config --cflags --libs orx)"
+eval "$compiler $flags -std=c++20 '$here/stranger.cpp' -o '$work/by_hand' $(pkg-config --cflags --libs 'orx >= 6.9')"
 LD_LIBRARY_PATH="$prefix/$libdir" "$work/by_hand"

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <tests/support/environment.h>
-#include <tests/support/temp_folder.h>
 
 #include <sys/stat.h>
 

@@ -7,15 +7,16 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/support/temp_folder.h"
+#include "tests/support/environment.h"
 
-namespace orx::testing {
+using namespace orx::testing;
+
 namespace {
 
 std::string failure_to_load(const std::string& path) {
   try {
     ProjectSetting_LoadCurrentQPRInfo(path.c_str());
-  } catch (const std::exception& failure) {
+  } catch (const QprLoadFailedException& failure) {
     return failure.what();
   }
   return "";
@@ -36,21 +37,18 @@ class CurrentProject : public ::testing::Test {
     std::filesystem::create_directory(folder.path("Pit1"));
   }
 
-  std::string Write(const char* name, const char* site) {
-    CQPRFile file;
-    const std::string path = folder.suite_path(std::string("Pit1\\") + name);
-    file.SetFileName(path.c_str());
-    QPRInfo& info = *file.GetQPRInfo();
-    std::strcpy(info.SiteName, site);
-    std::strcpy(info.SiteDatabase, "site.mdb");
-    std::strcpy(info.ProjectName, "Pit 1");
-    std::strcpy(info.DataGroupName, "Survey");
-    info.SiteDatabasePlatform = 8;
-    EXPECT_EQ(file.Save(), 1);
-    return path;
+  std::string Write(const std::string& name, const std::string& site) {
+    write_file(folder.path("Pit1/" + name),
+               "<QPR><PROJECT><PROPERTY NAME='SiteName' VALUE='" + site +
+                   "'/><PROPERTY NAME='SiteDatabase' VALUE='site.mdb'/>"
+                   "<PROPERTY NAME='SiteDatabasePlatform' VALUE='ACCESS 2016'/>"
+                   "<PROPERTY NAME='ProjectName' VALUE='Pit 1'/>"
+                   "<PROPERTY NAME='DataGroupName' VALUE='Survey'/></PROJECT></QPR>");
+    return folder.suite_path("Pit1\\" + name);
   }
 
-  TempFolder folder;
+  const TempFolder folder;
+  QPRInfo& info = *GetCurrentQPRInfo()->GetQPRInfo();
 };
 
 TEST_F(CurrentProject, IsReadThroughItsGetters) {
@@ -65,54 +63,49 @@ TEST_F(CurrentProject, IsReadThroughItsGetters) {
       {ProjectSetting_GetProjectName, "-1:untouched", "0:Pit 1"},
       {ProjectSetting_GetDataGroupName, "-1:untouched", "0:Survey"},
       {ProjectSetting_GetProjectBasePath, "-1:untouched", "0:" + folder.suite_path()},
-      {ProjectSetting_GetProjectDescription, "0:", "0:"},
-      {ProjectSetting_GetProjectCoordinates, "0:", "0:"},
+      {ProjectSetting_GetProjectDescription, "0:", "0:text"},
+      {ProjectSetting_GetProjectCoordinates, "0:", "0:local"},
       {ProjectSetting_GetCurrentQPRPath, "0:untouched", "1:" + folder.suite_path("Pit1\\a.qpr"), 0},
       {ProjectSetting_GetCurrentProjectPath, "-1:untouched", "0:" + folder.suite_path("Pit1")},
       {ProjectSetting_GetSiteProjectDatagroup, "-1:\\Unknown Site\\Unknown Project\\Unknown Datagroup\\",
        "0:\\Mine A\\Pit 1\\Survey\\"}};
   int platform = 42;
-  EXPECT_EQ(ProjectSetting_GetDatabasePlatform(&platform) + platform, 0);
+  EXPECT_TRUE(ProjectSetting_GetDatabasePlatform(&platform) == 0 && platform == 0);
   for (const auto& getter : getters) EXPECT_EQ(answer(getter.get), getter.empty);
   ASSERT_EQ(failure_to_load(Write("a.qpr", "Mine A")), "");
+  std::strcpy(info.Description, "text");
+  std::strcpy(info.Coordinates, "local");
   for (const auto& getter : getters) {
     EXPECT_EQ(answer(getter.get), getter.loaded);
     EXPECT_EQ(getter.get(nullptr), getter.of_null);
   }
-  EXPECT_EQ(ProjectSetting_GetDatabasePlatform(&platform) + platform, 8);
+  EXPECT_TRUE(ProjectSetting_GetDatabasePlatform(&platform) == 0 && platform == 8);
   EXPECT_EQ(ProjectSetting_GetDatabasePlatform(nullptr), -1);
-  GetCurrentQPRInfo()->GetQPRInfo()->SiteDatabasePlatform = 13;
+  info.SiteDatabasePlatform = 13;
   EXPECT_EQ(answer(ProjectSetting_GetDatabaseServerName), "-1:untouched");
-}
 
-TEST_F(CurrentProject, IsSavedWhereItCameFrom) {
-  ASSERT_EQ(failure_to_load(Write("a.qpr", "Mine A")), "");
-  std::strcpy(GetCurrentQPRInfo()->GetQPRInfo()->Description, "changed");
-  EXPECT_EQ(ProjectSetting_SaveCurrentQPRInfo("elsewhere"), 1);
-  EXPECT_NE(read_file(folder.path("Pit1/a.qpr")).find("changed"), std::string::npos);
+  EXPECT_EQ(ProjectSetting_SaveCurrentQPRInfo("elsewhere"), 1);  // where it came from
+  EXPECT_NE(read_file(folder.path("Pit1/a.qpr")).find("SQL2019"), std::string::npos);
 }
 
 TEST_F(CurrentProject, NameIsCopiedIntoTheRoomThereIs) {
-  char buffer[6] = "?";
-  std::size_t length = 42;
-  EXPECT_EQ(ProjectSetting_GetProjectNameEx(nullptr, &length), 0);
-  EXPECT_EQ(length, 0u);
-  EXPECT_EQ(ProjectSetting_GetProjectNameEx(buffer, &length), -1);
-  EXPECT_STREQ(buffer, "?") << "an empty name";
-  std::strcpy(GetCurrentQPRInfo()->GetQPRInfo()->ProjectName, "Pit 1");
-  EXPECT_EQ(ProjectSetting_GetProjectNameEx(nullptr, &length), 0);
-  EXPECT_EQ(length, 5u);
-  EXPECT_EQ(ProjectSetting_GetProjectNameEx(buffer, &length), 0);
-  EXPECT_STREQ(buffer, "Pit 1");
-  length = 4;
-  EXPECT_EQ(ProjectSetting_GetProjectNameEx(buffer, &length), -1);
-  EXPECT_STREQ(buffer, "");
+  const std::tuple<const char*, std::size_t, const char*> cases[] = {
+      {"", 42, "-1:untouched"}, {"Pit 1", 5, "0:Pit 1"}, {"Pit 1", 4, "-1:"}};
+  for (const auto& [name, room, expected] : cases) {
+    std::size_t length = room;
+    std::strcpy(info.ProjectName, name);
+    EXPECT_EQ(answer([&](char* buffer) { return ProjectSetting_GetProjectNameEx(buffer, &length); }),
+              expected);
+    EXPECT_EQ(ProjectSetting_GetProjectNameEx(nullptr, &length), 0);
+    EXPECT_EQ(length, std::strlen(name));
+  }
   EXPECT_EQ(ProjectSetting_GetProjectNameEx(nullptr, nullptr), -1);
 }
 
 TEST_F(CurrentProject, PathsHaveRoomFor259Bytes) {
   const std::string room(258, 'x');
   const std::string cases[][3] = {{'\\' + room, "1:\\" + room, "0:"},
+                                  {room + "\\y", "0:untouched", "0:" + room},
                                   {room + "x\\y", "0:untouched", "0:" + room + 'x'},
                                   {room + "xx\\y", "0:untouched", "-1:untouched"},
                                   {"bare.qpr", "1:bare.qpr", "0:"}};
@@ -124,7 +117,6 @@ TEST_F(CurrentProject, PathsHaveRoomFor259Bytes) {
 }
 
 TEST_F(CurrentProject, ATextWithoutItsEndIsCut) {
-  QPRInfo& info = *GetCurrentQPRInfo()->GetQPRInfo();
   for (auto* name : {&info.SiteName, &info.ProjectName, &info.DataGroupName}) std::memset(name, 'x', 51);
   const std::string longest(50, 'x');
   EXPECT_EQ(answer(ProjectSetting_GetSiteName), "0:" + longest);
@@ -133,29 +125,20 @@ TEST_F(CurrentProject, ATextWithoutItsEndIsCut) {
 }
 
 TEST_F(CurrentProject, FailuresThrowAndChangeNothing) {
-  const std::string good = Write("a.qpr", "A");
-  const std::string nameless = Write("b.qpr", "");
-  write_file(folder.path("Pit1/c.qpr"), "no XML");
-  ASSERT_EQ(failure_to_load(good), "");
-  const std::string missing = folder.suite_path("missing");
-  const std::string broken = folder.suite_path("Pit1\\c.qpr");
-  const std::string directory = folder.suite_path("Pit1");
+  const std::string a = Write("a.qpr", "A"), b = Write("b.qpr", "B"), nameless = Write("c.qpr", "");
+  const std::string missing = folder.suite_path("missing"), directory = folder.suite_path("Pit1");
   const std::string distant = "C:\\" + std::string(300, 'x');
-  EXPECT_EQ(failure_to_load(missing), "Cannot find the TESSEL project file '" + missing + "'.");
-  EXPECT_EQ(failure_to_load(distant), ("Cannot find the TESSEL project file '" + distant).substr(0, 199));
-  EXPECT_EQ(failure_to_load(broken), "Failed when loading the TESSEL project file '" + broken + "'.");
-  EXPECT_EQ(failure_to_load(directory), "Failed when loading the TESSEL project file '" + directory + "'.");
-  EXPECT_EQ(failure_to_load(nameless),
-            "The TESSEL project file '" + nameless + "' is invalid. The site name cannot be empty.");
+  const std::pair<std::string, std::string> loads[] = {
+      {a, ""},
+      {b, ""},
+      {missing, "Cannot find the TESSEL project file '" + missing + "'."},
+      {distant, ("Cannot find the TESSEL project file '" + distant).substr(0, 199)},
+      {directory, "Failed when loading the TESSEL project file '" + directory + "'."},
+      {nameless, "The TESSEL project file '" + nameless + "' is invalid. The site name cannot be empty."}};
+  for (const auto& [path, failure] : loads) EXPECT_EQ(failure_to_load(path), failure);
   EXPECT_THROW(ProjectSetting_LoadCurrentQPRInfo(nullptr), QprLoadFailedException);
-  EXPECT_EQ(answer(ProjectSetting_GetCurrentQPRPath), "1:" + good);
-}
-
-TEST_F(CurrentProject, HistoryIsOneStepDeep) {
-  const std::string a = Write("a.qpr", "A");
-  ASSERT_EQ(failure_to_load(a), "");
-  ASSERT_EQ(failure_to_load(Write("b.qpr", "B")), "");
-  for (int i = 0; i < 2; ++i) {
+  EXPECT_EQ(answer(ProjectSetting_GetCurrentQPRPath), "1:" + b);
+  for (int i = 0; i < 2; ++i) {  // the history is one step deep
     EXPECT_EQ(ProjectSetting_RestorePreviousQPRInfo(), 1);
     EXPECT_EQ(answer(ProjectSetting_GetSiteName), "0:A");
     EXPECT_EQ(answer(ProjectSetting_GetCurrentQPRPath), "1:" + a);
@@ -164,16 +147,14 @@ TEST_F(CurrentProject, HistoryIsOneStepDeep) {
 
 TEST(LocalSettings, KeepThreeFolders) {
   CLocalProjectSettings& settings = *GetLocalProjectSettings();
+  CStringA a, b, c;
   settings.SetLocalProjectsFolder("a");
   settings.SetHalvarkProjectsFolder("b");
   settings.SetHalvarkProgFolder("c");
-  const CLocalProjectSettings copy(settings);
-  CStringA a, b, c;
-  copy.GetLocalProjectsFolder(a);
-  copy.GetHalvarkProjectsFolder(b);
-  copy.GetHalvarkProgFolder(c);
+  settings.GetLocalProjectsFolder(a);
+  settings.GetHalvarkProjectsFolder(b);
+  settings.GetHalvarkProgFolder(c);
   EXPECT_EQ(a + b + c, "abc");
 }
 
 }  // namespace
-}  // namespace orx::testing

@@ -1,34 +1,17 @@
-// A document with its root, for tests that read and change one.
+// What tests ask a document.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <orx/projects/xml_handle.h>
 #include <orx/xml/xml_document.h>
 
 #include <string>
-#include <utility>
 
 namespace orx::testing {
 
-// A reference that is given back at the end of the scope.
-template <class Interface>
-class Held {
- public:
-  Held() = default;
-  Held(Held&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
-  ~Held() { Reset(); }
-  operator Interface*() const { return pointer_; }
-  Interface** Out() { return Reset(), &pointer_; }
-  void Reset() {
-    if (pointer_ != nullptr) std::exchange(pointer_, nullptr)->Release();
-  }
-
- private:
-  Interface* pointer_ = nullptr;
-};
-
-using Element = Held<IXMLDOMElement>;
-using NodeRef = Held<IXMLDOMNode>;
-using ListRef = Held<IXMLDOMNodeList>;
+using Element = XmlHandle<IXMLDOMElement>;
+using NodeRef = XmlHandle<IXMLDOMNode>;
+using ListRef = XmlHandle<IXMLDOMNodeList>;
 
 inline std::string failure_of(const COrxXMLDoc& document) {
   CStringA reason;
