@@ -44,11 +44,11 @@ CStringA pin(const CStringA& text, const char* argument) {
   return not_after(begin, argument) && not_after(argument, begin + text.GetLength()) ? text : CStringA();
 }
 
-// Enough for the wanted text, and grown by half when more is wanted than there is.
+// Enough for the wanted text, and twice what there is when more is wanted.
 std::size_t grown_capacity(int capacity, int wanted) {
   constexpr int kSmallestStep = 64;
   if (wanted <= capacity) return static_cast<std::size_t>(wanted);
-  const std::int64_t grown = std::int64_t{capacity} + std::max(capacity / 2, kSmallestStep);
+  const std::int64_t grown = std::int64_t{capacity} + std::max(capacity, kSmallestStep);
   return static_cast<std::size_t>(std::clamp<std::int64_t>(grown, wanted, INT_MAX));
 }
 

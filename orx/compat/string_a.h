@@ -80,7 +80,12 @@ class ORX_API CStringA {
   void Append(const char* text) { Add(text, LengthOf(text)); }
   void Append(const char* chars, int length);
   void Append(const CStringA& other) { Append(other.chars_, other.GetLength()); }
-  void AppendChar(char c) { Add(&c, 1); }
+  void AppendChar(char c) {
+    const int length = GetLength();
+    if (length == HeaderOf(chars_)->capacity || !IsSoleOwner(chars_)) return AddInNewBlock(&c, 1);
+    chars_[length] = c;
+    SetLength(length + 1);
+  }
   CStringA& operator+=(const CStringA& other) { return Append(other), *this; }
   CStringA& operator+=(const char* text) { return Append(text), *this; }
   CStringA& operator+=(char c) { return AppendChar(c), *this; }

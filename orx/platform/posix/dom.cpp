@@ -34,15 +34,22 @@ Tree& tree_of(IXMLDOMDocument& document) { return static_cast<Document&>(documen
 Node& handle_of(IXMLDOMNode& node) { return static_cast<Node&>(node); }
 xmlNode& node_of(IXMLDOMNode& node) { return *handle_of(node).node; }
 
-// Whether a document that holds the text can be read again.
+bool is_forbidden(char c) {
+  return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+}
+
+// Whether a document that holds the text can be read again. The first look has no early end, so that the
+// compiler takes many characters at a time; it is all that most texts need.
 bool is_text(std::string_view text) {
-  bool is_ascii = true;
+  bool has_low = false;
+  bool has_high = false;
   for (const char c : text) {
-    if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r') return false;
-    is_ascii &= static_cast<signed char>(c) >= 0;
+    has_low |= static_cast<unsigned char>(c) < 0x20;
+    has_high |= static_cast<unsigned char>(c) >= 0x80;
   }
-  return is_ascii || (utf8::is_valid(text) && text.find("\xEF\xBF\xBE") == text.npos &&
-                      text.find("\xEF\xBF\xBF") == text.npos);
+  if (has_low && std::any_of(text.begin(), text.end(), is_forbidden)) return false;
+  return !has_high || (utf8::is_valid(text) && text.find("\xEF\xBF\xBE") == text.npos &&
+                       text.find("\xEF\xBF\xBF") == text.npos);
 }
 
 std::size_t written_size(std::string_view text) {
