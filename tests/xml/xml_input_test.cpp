@@ -85,6 +85,7 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
       {"", "the file is empty"},
       {"<a>\n<b/>", "not well-formed at line 2, column 5: Premature end"},
       {root_of("\x01"), "invalid Char"},
+      {"<a b='' b=''>", "redefined"},  // the first error counts
       {"<a/>\0"s, "NUL"},
       {kMark16 + utf16("<a>\0</a>"s), "NUL"},
       {"<a>\n\xE9</a>", "line 2, column 1: Input is not proper UTF-8"},
