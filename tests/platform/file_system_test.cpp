@@ -4,6 +4,7 @@
 #include <tests/support/environment.h>
 
 #include <grp.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -106,6 +107,9 @@ TEST_F(Replacement, RefusesWhatTheUserMayNotWrite) {
     EXPECT_EQ(replace(folder.path("new"), "new"), "");
     for (const char* name : {"read_only", "closed/file", "closed/new"})
       EXPECT_EQ(replace(folder.path(name), "new"), "Permission denied") << name;
+    const rlimit nothing{};
+    EXPECT_TRUE(setrlimit(RLIMIT_FSIZE, &nothing) == 0 &&
+                replace(folder.path("new"), "x") == "File too large");
     _exit(HasFailure() ? 1 : 0);
   }
   int result = -1;
