@@ -11,16 +11,29 @@
 
 namespace orx::platform::dom {
 
+// Where libxml2 keeps some of them for this thread. Asking costs more than making a node, so it is done once.
+struct ThreadSlots {
+  xmlRegisterNodeFunc& on_new = xmlRegisterNodeDefaultValue;
+  xmlDeregisterNodeFunc& on_free = xmlDeregisterNodeDefaultValue;
+  xmlStructuredErrorFunc& on_error = xmlStructuredError;
+  void*& context = xmlStructuredErrorContext;
+};
+
+inline const ThreadSlots& thread_slots() {
+  thread_local const ThreadSlots slots;
+  return slots;
+}
+
 // Around whatever makes or frees nodes. A host that is called for each node may take `_private` for its own.
 // And libxml2 goes on without a name or text that it had no memory for, and tells only the error handler.
 class HostAside {
  public:
   HostAside() = default;
   ~HostAside() {
-    on_new_ = old_on_new_;
-    on_free_ = old_on_free_;
-    on_error_ = old_on_error_;
-    context_ = old_context_;
+    slots_.on_new = old_on_new_;
+    slots_.on_free = old_on_free_;
+    slots_.on_error = old_on_error_;
+    slots_.context = old_context_;
   }
   HostAside(const HostAside&) = delete;
   HostAside& operator=(const HostAside&) = delete;
@@ -40,15 +53,11 @@ class HostAside {
     if (error->code == XML_ERR_NO_MEMORY) static_cast<HostAside*>(self)->ran_out_ = true;
   }
 
-  // Where libxml2 keeps them for this thread, which costs a call to ask.
-  xmlRegisterNodeFunc& on_new_ = xmlRegisterNodeDefaultValue;
-  xmlDeregisterNodeFunc& on_free_ = xmlDeregisterNodeDefaultValue;
-  xmlStructuredErrorFunc& on_error_ = xmlStructuredError;
-  void*& context_ = xmlStructuredErrorContext;
-  const xmlRegisterNodeFunc old_on_new_ = std::exchange(on_new_, nullptr);
-  const xmlDeregisterNodeFunc old_on_free_ = std::exchange(on_free_, nullptr);
-  const xmlStructuredErrorFunc old_on_error_ = std::exchange(on_error_, &HostAside::OnError);
-  void* const old_context_ = std::exchange(context_, this);
+  const ThreadSlots& slots_ = thread_slots();
+  const xmlRegisterNodeFunc old_on_new_ = std::exchange(slots_.on_new, nullptr);
+  const xmlDeregisterNodeFunc old_on_free_ = std::exchange(slots_.on_free, nullptr);
+  const xmlStructuredErrorFunc old_on_error_ = std::exchange(slots_.on_error, &HostAside::OnError);
+  void* const old_context_ = std::exchange(slots_.context, this);
   bool ran_out_ = false;
 };
 
