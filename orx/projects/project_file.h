@@ -34,4 +34,14 @@ class ORX_API CProjectFile : public COrxXMLDoc {
     CloseXMLDocument();
     return result;
   }
+
+  // Saves the document that `write` builds, laid out in lines.
+  template <class Write>
+  int SaveWritten(Write write) {
+    return Complete([&] {
+      if (!write()) return 0;
+      IndentXMLDocument();
+      return SaveXMLFile();
+    });
+  }
 };

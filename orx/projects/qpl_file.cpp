@@ -75,11 +75,7 @@ void CQPLFile::AddNode(IXMLDOMNode* node) {
 }
 
 int CQPLFile::Save() {
-  return Complete([this] {
-    if (!WriteList()) return 0;
-    IndentXMLDocument();
-    return SaveXMLFile();
-  });
+  return SaveWritten([this] { return WriteList(); });
 }
 
 // An entry or attribute that cannot be written is left out; the others are worth saving.

@@ -201,11 +201,7 @@ int CQPRFile::DerivePaths() {
 }
 
 int CQPRFile::Save() {
-  return Complete([this] {
-    if (!WriteProperties()) return 0;
-    IndentXMLDocument();
-    return SaveXMLFile();
-  });
+  return SaveWritten([this] { return WriteProperties(); });
 }
 
 int CQPRFile::WriteProperties() {
