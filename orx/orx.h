@@ -4,6 +4,10 @@
 #include <orx/compat/bstr.h>
 #include <orx/compat/export.h>
 #include <orx/compat/variant.h>
+#include <orx/datetime/date_defaults.h>
+#include <orx/datetime/date_time.h>
+#include <orx/datetime/date_time_format.h>
+#include <orx/datetime/date_time_parse.h>
 #include <orx/frame/host_callbacks.h>
 #include <orx/frame/native_path.h>
 #include <orx/projects/current_project.h>

@@ -1,0 +1,182 @@
+#include <orx/datetime/date_time.h>
+
+#include <orx/datetime/calendar.h>
+#include <orx/datetime/static_defaults.h>
+#include <orx/platform/clock.h>
+
+#include <cstring>
+#include <iterator>
+#include <new>
+
+namespace {
+
+using orx::datetime::Fields;
+
+enum Error {
+  kNoError,
+  kInvalidMonth,
+  kInvalidYear,
+  kInvalidDay,
+  kInvalidHour,
+  kInvalidMinute,
+  kInvalidSecond
+};
+
+constexpr const char* kErrorTexts[] = {
+    "No errors.",           "Error: Invalid month.",  "Error: Invalid year.",  "Error: Invalid day.",
+    "Error: Invalid hour.", "Error: Invalid minute.", "Error: Invalid second."};
+
+bool has_date(const orxDateTime& dt) { return dt.kind == orxDateTimeFull || dt.kind == orxDateTimeDate; }
+bool has_time(const orxDateTime& dt) { return dt.kind == orxDateTimeFull || dt.kind == orxDateTimeTime; }
+
+// February 29 of a year that only a simpler calendar takes for a leap year is told as a wrong month.
+Error diagnosed_date(const Fields& fields) {
+  constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (orx::datetime::is_date(fields.year, fields.month, fields.day)) return kNoError;
+  if (fields.year < 100 || fields.year > 9999) return kInvalidYear;
+  if (fields.month < 1 || fields.month > 12) return kInvalidMonth;
+  const int last = fields.month == 2 && fields.year % 4 == 0 ? 29 : kDays[fields.month - 1];
+  return fields.day < 1 || fields.day > last ? kInvalidDay : kInvalidMonth;
+}
+
+Error diagnosed_time(const Fields& fields) {
+  if (fields.hour < 0 || fields.hour > 23) return kInvalidHour;
+  if (fields.minute < 0 || fields.minute > 59) return kInvalidMinute;
+  return fields.second < 0 || fields.second > 59 ? kInvalidSecond : kNoError;
+}
+
+// Only what the record stands for is looked at, so fields that are refused may leave no error.
+Error diagnosed(const orxDateTime& dt, const Fields& fields) {
+  Error error = has_date(dt) ? diagnosed_date(fields) : kNoError;
+  if (error == kNoError && has_time(dt)) error = diagnosed_time(fields);
+  return error;
+}
+
+int set(orxDateTime* dt, Fields fields) {
+  if (dt == nullptr) return 1;
+  fields.year = orx::datetime::completed_year(fields.year, orx::datetime::static_defaults.pivot);
+  const bool is_valid = orx::datetime::to_value(fields, dt->value);
+  dt->errorCode = is_valid ? kNoError : diagnosed(*dt, fields);
+  return is_valid ? 0 : 1;
+}
+
+Fields fields_of(const orxDateTime* dt) {
+  Fields fields{-1, -1, -1, -1, -1, -1};
+  if (dt != nullptr) orx::datetime::to_fields(dt->value, fields);
+  return fields;
+}
+
+void put(int* output, int value) {
+  if (output != nullptr) *output = value;
+}
+
+Fields now() {
+  const orx::platform::LocalTime time = orx::platform::local_time();
+  return {time.year, time.month, time.day, time.hour, time.minute, time.second};
+}
+
+double value_of(const Fields& fields) {
+  double value = 0;
+  orx::datetime::to_value(fields, value);
+  return value;
+}
+
+}  // namespace
+
+orxDateTime* orxDateTime_New(int kind) {
+  const auto order = static_cast<int16_t>(orx::datetime::static_defaults.order);
+  return new (std::nothrow) orxDateTime{0.0, order, static_cast<int16_t>(kind), kNoError};
+}
+
+int orxDateTime_Free(orxDateTime* dt) {
+  delete dt;
+  return 0;
+}
+
+int orxDateTime_SetYearMonthDay(orxDateTime* dt, int year, int month, int day) {
+  return set(dt, {year, month, day, 0, 0, 0});
+}
+
+int orxDateTime_SetHourMinuteSecond(orxDateTime* dt, int hour, int minute, int second) {
+  if (dt == nullptr) return 1;
+  Fields fields;
+  fields.hour = hour;
+  fields.minute = minute;
+  fields.second = second;
+  if (orx::datetime::to_value(fields, dt->value)) {
+    dt->errorCode = kNoError;
+    return 0;
+  }
+  // A date and time without a date has a wrong year before it has a wrong time.
+  dt->errorCode = dt->kind == orxDateTimeFull ? kInvalidYear
+                  : has_time(*dt)             ? diagnosed_time(fields)
+                                              : kNoError;
+  return 1;
+}
+
+int orxDateTime_SetYearMonthDayHourMinuteSecond(orxDateTime* dt, int year, int month, int day, int hour,
+                                                int minute, int second) {
+  return set(dt, {year, month, day, hour, minute, second});
+}
+
+int orxDateTime_GetYearMonthDay(const orxDateTime* dt, int* year, int* month, int* day) {
+  return orxDateTime_GetYearMonthDayHourMinuteSecond(dt, year, month, day, nullptr, nullptr, nullptr);
+}
+
+int orxDateTime_GetHourMinuteSecond(const orxDateTime* dt, int* hour, int* minute, int* second) {
+  return orxDateTime_GetYearMonthDayHourMinuteSecond(dt, nullptr, nullptr, nullptr, hour, minute, second);
+}
+
+int orxDateTime_GetYearMonthDayHourMinuteSecond(const orxDateTime* dt, int* year, int* month, int* day,
+                                                int* hour, int* minute, int* second) {
+  const Fields fields = fields_of(dt);
+  put(year, fields.year);
+  put(month, fields.month);
+  put(day, fields.day);
+  put(hour, fields.hour);
+  put(minute, fields.minute);
+  put(second, fields.second);
+  return 0;
+}
+
+int orxDateTime_SetValue(orxDateTime* dt, double v) {
+  if (dt != nullptr) dt->value = v;
+  return 0;
+}
+
+int orxDateTime_GetValue(const orxDateTime* dt, double* out) {
+  if (dt != nullptr && out != nullptr) *out = dt->value;
+  return 0;
+}
+
+int orxDateTime_SetToCurrent(orxDateTime* dt) { return orxDateTime_SetValue(dt, value_of(now())); }
+
+double orxDateTime_GetCurrentDateTimeDouble() { return value_of(now()); }
+
+double orxDateTime_GetCurrentDateDouble() {
+  const Fields today = now();
+  return value_of({today.year, today.month, today.day, 0, 0, 0});
+}
+
+double orxDateTime_GetCurrentTimeDouble() {
+  const Fields today = now();
+  Fields time;
+  time.hour = today.hour;
+  time.minute = today.minute;
+  time.second = today.second;
+  return value_of(time);
+}
+
+int orxDateTime_Compare(const orxDateTime* first, const orxDateTime* second) {
+  if (first == nullptr || second == nullptr) return 0;
+  if (first->value > second->value) return 1;
+  return second->value > first->value ? -1 : 0;
+}
+
+int orxDateTime_DiagnoseError(const orxDateTime* dt, char* buf) {
+  if (dt == nullptr) return 0;
+  const int code = static_cast<int16_t>(dt->errorCode);
+  if (buf != nullptr && code >= 0 && code < static_cast<int>(std::size(kErrorTexts)))
+    std::strcpy(buf, kErrorTexts[code]);
+  return dt->errorCode;
+}

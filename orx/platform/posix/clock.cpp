@@ -1,0 +1,17 @@
+#include <orx/platform/clock.h>
+
+#include <orx/platform/kept_errno.h>
+
+#include <time.h>
+
+namespace orx::platform {
+
+LocalTime system_local_time() {
+  const KeptErrno kept;
+  const time_t now = time(nullptr);
+  tm local{};
+  if (localtime_r(&now, &local) == nullptr) return {};
+  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+}
+
+}  // namespace orx::platform

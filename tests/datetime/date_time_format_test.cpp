@@ -1,0 +1,81 @@
+#include <orx/datetime/date_time_format.h>
+
+#include <gtest/gtest.h>
+#include <orx/datetime/date_defaults.h>
+
+#include <climits>
+#include <string>
+
+namespace {
+
+using Format = int (*)(const orxDateTime*, char*, int);
+
+std::string formatted(double value, int kind, int order, Format format = orxDateTime_FormatString,
+                      int size = 64) {
+  const orxDateTime record{value, static_cast<int16_t>(order), static_cast<int16_t>(kind), 0};
+  char text[64] = "untouched";
+  format(&record, text, size);
+  return text;
+}
+
+double value_of(int year, int month, int day, int hour, int minute, int second) {
+  orxDateTime record{};
+  orxDateTime_SetYearMonthDayHourMinuteSecond(&record, year, month, day, hour, minute, second);
+  return record.value;
+}
+
+TEST(DateTimeFormat, KindAndOrderGiveTheText) {
+  const double value = value_of(1999, 1, 2, 3, 4, 5);
+  const Format full = orxDateTime_FormatSpecialFullLengthString;
+  EXPECT_EQ(formatted(value, 2, 2), "99/01/02 03:04:05");
+  EXPECT_EQ(formatted(value, 2, 0), "01/02/99 03:04:05");
+  EXPECT_EQ(formatted(value, 2, 1), "02/01/99 03:04:05");
+  EXPECT_EQ(formatted(value, 3, 7), "99/01/02") << "any other order is the year first";
+  EXPECT_EQ(formatted(value, 2, 0, full), "1999/01/02 03:04:05");
+  EXPECT_EQ(formatted(value, 4, 2), "03:04:05");
+  EXPECT_EQ(formatted(value, 4, 2, full), " 3:04:05");
+  EXPECT_EQ(formatted(42.9, 1, 2), "42");
+  EXPECT_EQ(formatted(-1e300, 1, 2), "-9223372036854774784");
+  EXPECT_EQ(formatted(value, 5, 2), "untouched");
+  EXPECT_EQ(formatted(1e9, 2, 2), "-1/-1/-1 -1:-1:-1") << "no date";
+  EXPECT_EQ(formatted(value, 2, 2, orxDateTime_FormatString, 9), "99/01/02");
+  EXPECT_EQ(formatted(value, 2, 2, full, 1), "");
+  EXPECT_EQ(formatted(value, 2, 2, full, 0), "untouched");
+}
+
+TEST(DateTimeFormat, DefaultsDecideDigitsAndOrders) {
+  const auto text = [](int year) { return formatted(value_of(year, 5, 6, 0, 0, 0), 3, 2); };
+  EXPECT_EQ(text(2029) + text(2030) + text(1930) + text(1929), "29/05/062030/05/0630/05/061929/05/06");
+  EXPECT_EQ(orxDateTime_SetStaticDefaults(2, 50, 0), 0);
+  EXPECT_EQ(text(2049) + text(1949) + text(49), "49/05/061949/05/0649/05/06");
+  orxDateTime_SetStaticDefaults(1, INT_MAX, 1);
+  EXPECT_EQ(text(1999), "1999/05/06");
+  orxDateTime* record = orxDateTime_New(2);
+  EXPECT_EQ(record->ymdFormat, 1);
+  EXPECT_EQ(orxDateTime_SetYMDFormat(record, 0) + record->ymdFormat, 1);
+  EXPECT_EQ(orxDateTime_SetYMDFormat(record, 5) + record->ymdFormat, 2) << "the default";
+  orxDateTime_Free(record);
+  orxDateTime_SetStaticDefaults(2, 30, 0);
+}
+
+TEST(DateTimeFormat, ConvertsInOneCall) {
+  char text[64];
+  double value = -1;
+  EXPECT_EQ(orxutil_DateTimeToStrEx(45000.5, text, sizeof text, 2), 0);
+  EXPECT_STREQ(text, "23/03/15 12:00:00");
+  orxutil_SetDateFormatEx(1);
+  orxutil_DateTimeToStrEx(45000.5, text, sizeof text, 2);
+  EXPECT_STREQ(text, "15/03/23 12:00:00");
+  EXPECT_EQ(orxutil_StrToDateTimeEx(text, &value), 0);
+  EXPECT_EQ(value, 45000.5);
+  orxutil_SetDateFormatEx(2);
+  EXPECT_EQ(orxutil_StrToDateTimeEx("99/99/99", &value), -1);
+  EXPECT_EQ(value, 45000.5) << "unchanged";
+  EXPECT_EQ(orxutil_GetOleDateTimeToDouble(&value, &value), 0);
+  EXPECT_EQ(orxutil_StrToDateTimeEx(nullptr, &value) + value, 0);
+  EXPECT_EQ(orxutil_StrToDateTimeEx("", nullptr) + orxutil_DateTimeToStrEx(0, nullptr, 9, 2) +
+                orxutil_GetOleDateTimeToDouble(nullptr, &value) + orxDateTimeTest(),
+            -3);
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+#include <orx/datetime/date_time_parse.h>
+
+#include <gtest/gtest.h>
+#include <orx/datetime/date_time_format.h>
+#include <orx/platform/clock.h>
+
+#include <string>
+
+namespace {
+
+// "result text", the text with the year in full.
+std::string parsed(const char* text, int kind, int order) {
+  orxDateTime record{-1, static_cast<int16_t>(order), static_cast<int16_t>(kind), 42};
+  const int result = orxDateTime_ParseString(&record, text);
+  char written[64] = "";
+  orxDateTime_FormatSpecialFullLengthString(&record, written, sizeof written);
+  if (result == 1) return "1 error " + std::to_string(record.errorCode);
+  return std::to_string(result) + (record.value == -1 ? " unchanged" : std::string(" ") + written);
+}
+
+TEST(DateTimeParse, TextIsReadAsFarAsItGoes) {
+  const struct {
+    const char* text;
+    const char* outcome;
+    int kind = orxDateTimeFull;
+    int order = orxYearMonthDay;
+  } cases[] = {
+      {"2024/03/05 10:20:30", "0 2024/03/05 10:20:30"},
+      {"10:20:30 2024/03/05", "0 2024/03/05 10:20:30"},
+      {"2024/03/05", "0 2024/03/05 00:00:00"},
+      {"2024/03/05xyz", "0 2024/03/05 00:00:00"},
+      {"10:20", "0 2024/06/15 10:20:00"},
+      {"7", "0 2024/06/15 07:00:00"},
+      {"x", "0 2024/06/15 00:00:00"},
+      {"3/5", "0 2024/03/05 00:00:00"},
+      {"3/5", "0 2024/05/03 00:00:00", 2, orxDayMonthYear},
+      {"5 12", "0 2024/06/05 12:00:00"},
+      {"7 2024/3/5", "0 2024/03/05 07:00:00"},
+      {"10:20 PM", "0 2024/06/10 00:00:00"},
+      {"+24/ 3/-5", "1 error 3"},
+      {"+24/ 3/5", "0 2024/03/05 03:00:00"},  // behind the blank stands the time as well
+      {" 2024/3/5", "1 error 4"},
+      {"2024/03/05T10:20", "-1 unchanged"},
+      {"x 10:20", "7 unchanged"},
+      {"", "0 2024/06/15 00:00:00"},
+      {"2023/02/29", "1 error 3"},
+      {"12/25/2023", "1 error 1"},
+      {"12/25/2023 10:00:00", "0 2023/12/25 10:00:00", 2, orxMonthDayYear},
+      {"25/12/23", "0 2023/12/25 00:00:00", 2, orxDayMonthYear},
+      {"2023/12/25", "1 error 1", 2, 3},
+      {"5", "0 2024/06/15 05:00:00", 2, 3},
+      {"99999999999/1/1", "1 error 2"},
+      {"4294967297/1/1", "1 error 2"},
+      {"1/-99999999999/1", "1 error 1"},
+      {"GETDATE()", "0 2024/06/15 08:09:10"},
+      {"GETDATE()", "0 2024/06/15", orxDateTimeDate},
+      {"GETDATE()", "0  8:09:10", orxDateTimeTime},
+      {"2024/03/05 10:20:30", "0 10:20:30", orxDateTimeTime},
+      {"3.25abc", "0 3", orxDateTimeNumber},
+      {"inf", "0 0", orxDateTimeNumber},
+      {nullptr, "0 unchanged"},
+  };
+  orx::platform::replace_clock([] { return orx::platform::LocalTime{2024, 6, 15, 8, 9, 10}; });
+  for (const auto& c : cases) {
+    EXPECT_EQ(parsed(c.text, c.kind, c.order), c.outcome) << (c.text != nullptr ? c.text : "null");
+  }
+  orx::platform::replace_clock(nullptr);
+}
+
+}  // namespace
