@@ -92,7 +92,8 @@ bool to_value(const Fields& fields, double& value) {
 bool to_fields(double value, Fields& fields) {
   if (!(value > kFirstDay - 1 && value < kLastDay + 1)) return false;
   const int whole = static_cast<int>(value);  // towards zero
-  auto second = static_cast<unsigned>((std::fabs(value - whole) + kHalfSecondGuard) * kSecondsOfDay + 0.5);
+  const double exact = (std::fabs(value - whole) + kHalfSecondGuard) * kSecondsOfDay;
+  auto second = static_cast<unsigned>(std::floor(exact + 0.5));
   int day = whole;
   if (second == kSecondsOfDay) {
     second = 0;

@@ -176,7 +176,8 @@ int orxDateTime_Compare(const orxDateTime* first, const orxDateTime* second) {
 int orxDateTime_DiagnoseError(const orxDateTime* dt, char* buf) {
   if (dt == nullptr) return 0;
   const int code = static_cast<int16_t>(dt->errorCode);
-  if (buf != nullptr && code >= 0 && code < static_cast<int>(std::size(kErrorTexts)))
-    std::strcpy(buf, kErrorTexts[code]);
+  if (buf != nullptr && code >= 0 && code < static_cast<int>(std::size(kErrorTexts))) {
+    std::memcpy(buf, kErrorTexts[code], std::strlen(kErrorTexts[code]) + 1);
+  }
   return dt->errorCode;
 }
