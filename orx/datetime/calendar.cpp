@@ -64,15 +64,15 @@ void split_day(int number, Fields& fields) {
   fields.year = static_cast<int>(400 * era + 100 * century + year_of_century + is_next_year);
 }
 
+bool is_time(int hour, int minute, int second) {
+  return hour >= 0 && hour <= 23 && minute >= 0 && minute <= 59 && second >= 0 && second <= 59;
+}
+
 }  // namespace
 
 bool is_date(int year, int month, int day) {
   return year >= kFirstYear && year <= kLastYear && month >= 1 && month <= 12 && day >= 1 &&
          day <= days_of_month(year, month);
-}
-
-bool is_time(int hour, int minute, int second) {
-  return hour >= 0 && hour <= 23 && minute >= 0 && minute <= 59 && second >= 0 && second <= 59;
 }
 
 bool to_value(const Fields& fields, double& value) {

@@ -13,7 +13,6 @@ struct Fields {
 };
 
 bool is_date(int year, int month, int day);
-bool is_time(int hour, int minute, int second);
 
 // False, with the output unchanged, for fields that make no date or time.
 bool to_value(const Fields& fields, double& value);

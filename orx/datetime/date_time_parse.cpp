@@ -2,6 +2,7 @@
 
 #include <orx/compat/number_text.h>
 #include <orx/platform/clock.h>
+#include <orx/platform/code_page.h>
 
 #include <algorithm>
 #include <climits>
@@ -17,13 +18,12 @@ struct Numbers {
   int count = 0;
 };
 
-bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // The next integer, behind white space and a sign; null when there is none. One too large for an int stays
 // large: it is for the calendar to refuse it.
 const char* read_integer(const char* text, int& number) {
-  while (is_space(*text)) ++text;
+  while (orx::platform::is_space(*text)) ++text;
   const bool is_negative = *text == '-';
   if (is_negative || *text == '+') ++text;
   if (!is_digit(*text)) return nullptr;

@@ -75,7 +75,7 @@ TEST_F(XmlDocument, IsBuiltIndentedSavedAndRead) {
 }
 
 TEST_F(XmlDocument, IndentingKeepsMixedContentAndTheTextOfOtherDocuments) {
-  Parse("<a><b>x <c/></b><d xml:space='preserve'> </d><!--e--></a>");
+  Parse("<?xml version='1.1'?><a><b>x <c/></b><d xml:space='preserve'> </d><!--e--></a>");
   COrxXMLDoc copy, &same = document;
   document = same;
   copy = document;

@@ -262,6 +262,10 @@ bool indent(IXMLDOMDocument& document, Reason& reason) {
     target.Hold(copy);
   }
   target.tree().declared = target.tree().laid_out = true;
+  const HostAside host;
+  xmlDoc* doc = target.tree().doc();
+  xmlFree(const_cast<xmlChar*>(doc->version));
+  doc->version = xmlStrdup(as_xml("1.0"));  // libxml2 writes 1.0 for none, too
   return true;
 }
 
