@@ -3,6 +3,7 @@
 
 #include <orx/compat/bstr.h>
 #include <orx/compat/export.h>
+#include <orx/compat/hkey.h>
 #include <orx/compat/variant.h>
 #include <orx/datetime/date_defaults.h>
 #include <orx/datetime/date_time.h>
@@ -12,6 +13,7 @@
 #include <orx/frame/native_path.h>
 #include <orx/projects/current_project.h>
 #include <orx/projects/qpr_file.h>
+#include <orx/settings/registry.h>
 #include <orx/text/strings.h>
 
 #if defined(__cplusplus)

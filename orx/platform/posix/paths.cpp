@@ -1,15 +1,11 @@
 #include <orx/platform/paths.h>
 
 #include <orx/platform/kept_errno.h>
-
-#include <pwd.h>
-#include <unistd.h>
+#include <orx/platform/posix/environment.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
-#include <vector>
 
 namespace orx::platform {
 namespace {
@@ -26,28 +22,11 @@ bool has_server(const char* path) {
   return path[0] == '\\' && path[1] == '\\' && path[2] != '\0' && !is_separator(path[2]);
 }
 
-std::string variable(const char* name) {
-  const char* value = secure_getenv(name);
-  return value != nullptr ? value : "";
-}
-
-std::string home_of_user() {
-  std::vector<char> buffer(1024);
-  passwd entry;
-  passwd* found = nullptr;
-  while (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
-    buffer.resize(buffer.size() * 2);
-  }
-  return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
-}
-
 // Empty when there is none.
 std::string drive_folder() {
-  if (const std::string folder = variable("ORX_DRIVES"); !folder.empty()) return folder;
-  if (const std::string data = variable("XDG_DATA_HOME"); data.starts_with('/')) return data + "/orx/drives";
-  std::string home = variable("HOME");
-  if (home.empty()) home = home_of_user();
-  return home.empty() ? home : home + "/.local/share/orx/drives";
+  if (std::string folder = variable("ORX_DRIVES"); !folder.empty()) return folder;
+  const std::string data = user_folder("XDG_DATA_HOME", ".local/share");
+  return data.empty() ? data : data + "/orx/drives";
 }
 
 std::string in_drive_folder(const std::string& folder, const char* rest) {

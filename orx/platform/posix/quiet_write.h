@@ -7,8 +7,7 @@
 
 namespace orx::platform {
 
-// As write(2), but where the system also sends a signal that would end the host (the process's limit of file
-// sizes, a pipe that nobody reads), there is only the error: EFBIG, EPIPE.
+// As write(2), with the signals held that it may send, see signals_held.h.
 ssize_t quiet_write(int file, const void* bytes, std::size_t size);
 
 }  // namespace orx::platform

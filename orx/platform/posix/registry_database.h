@@ -1,0 +1,103 @@
+// The SQLite database behind one root of the registry: its file, its schema, its transactions.
+#pragma once
+
+#include <orx/compat/hkey.h>
+#include <orx/platform/posix/registry_place.h>
+#include <orx/platform/posix/signals_held.h>
+#include <orx/platform/posix/sqlite_connection.h>
+#include <orx/platform/registry_key.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orx::platform {
+
+// How long a call waits for other processes, in milliseconds; tests shorten it.
+extern int registry_patience;
+
+enum class Sql : std::size_t {
+  kBegin,
+  kBeginWriting,
+  kCommit,
+  kRollback,
+  kDataVersion,
+  kSchema,
+  kKeyExists,
+  kKeyDepth,
+  kFindKey,
+  kAddKey,
+  kHasChildren,
+  kDeleteKey,
+  kDeleteChildren,
+  kListKeys,
+  kFindValue,
+  kSetValue,
+  kDeleteValue,
+  kListValues,
+  kCount
+};
+
+// The root, and the key "Software" that is in every root and cannot be deleted.
+inline constexpr std::int64_t kRootKey = 1;
+inline constexpr std::int64_t kSoftwareKey = 2;
+
+// A failure is told on the debugger output; from then to the End everything fails with it, and nothing is
+// written. The file is opened when it is first needed, again when another has taken its place, and by no
+// other means: closing any descriptor of it would give up the locks of the process.
+class RegistryDatabase {
+ public:
+  explicit RegistryDatabase(const RegistryPlace& place) : place_(place) {}
+
+  void Begin(RegistryTransaction::Intent intent);
+  // Goes on with a transaction that may write; what was read before may have changed.
+  LSTATUS StartWriting();
+  LSTATUS End();
+  bool is_active() const { return is_active_; }
+
+  // ERROR_FILE_NOT_FOUND when there is no file yet.
+  LSTATUS readable() const;
+  // Of the file that is open.
+  std::uint64_t generation() const { return generation_; }
+  // Another number when a key that was found may be gone without a deletion through this connection.
+  std::uint64_t epoch() const { return epoch_; }
+
+  sqlite3_stmt* Prepared(Sql sql);
+  // A row was found, or ERROR_FILE_NOT_FOUND.
+  LSTATUS Found(Run& run);
+  LSTATUS Done(Run& run);
+
+  // Closes the file.
+  void Disconnect();
+  // Forgets the file without closing it: it belongs to the process that this one was forked from.
+  void Abandon();
+
+ private:
+  LSTATUS Do(Sql sql);
+  LSTATUS Execute(const char* sql);
+  LSTATUS Fail(int sqlite_error);
+  LSTATUS Fail(LSTATUS status, std::string_view reason);
+  LSTATUS Connect(bool is_made);
+  LSTATUS Open();
+  LSTATUS CheckSchema();
+  bool HasMoved() const;
+  LSTATUS Start(Sql begin);
+
+  const RegistryPlace& place_;
+  std::string path_;
+  Database database_;  // null: there is no file yet
+  std::array<Statement, static_cast<std::size_t>(Sql::kCount)> statements_;
+  std::uint64_t generation_ = 0;
+  std::uint64_t epoch_ = 0;
+  std::int64_t data_version_ = 0;
+
+  bool is_active_ = false;
+  bool is_writing_ = false;
+  LSTATUS failure_ = ERROR_SUCCESS;
+  std::optional<SignalsHeld> signals_;
+};
+
+}  // namespace orx::platform

@@ -1,0 +1,97 @@
+#include <orx/platform/posix/registry_handles.h>
+
+#include <pthread.h>
+
+#include <new>
+
+namespace orx::platform {
+namespace {
+
+// A handle is the uses of a place in the table, the place counted from 1, and two zero bits, which the roots'
+// have not.
+constexpr unsigned kPlaceShift = 2;
+constexpr unsigned kPlaceBits = 20;
+constexpr unsigned kUsesShift = kPlaceShift + kPlaceBits;
+constexpr std::uintptr_t kPlaceMask = (std::uintptr_t{1} << kPlaceBits) - 1;
+constexpr std::uintptr_t kUsesMask = ~std::uintptr_t{0} >> kUsesShift;
+
+HKEY handle_of(std::uintptr_t uses, std::size_t place) {
+  return reinterpret_cast<HKEY>((uses & kUsesMask) << kUsesShift | (place + 1) << kPlaceShift);
+}
+
+// Is not destroyed with the library: what a host does after that still finds it.
+union Kept {
+  Kept() : value() {}
+  ~Kept() {}
+  Registry value;
+};
+
+struct Closer {
+  Registry& registry;
+  ~Closer() {
+    registry.user.Close();
+    registry.machine.Close();
+    registry.keys = {};
+    registry.free_places = {};
+  }
+};
+
+void lock_registry() { registry().mutex.lock(); }
+void unlock_registry() { registry().mutex.unlock(); }
+
+// In a new process. The files are its parent's, with their locks, and the mutex is held by a thread of its
+// parent.
+void abandon_registry() {
+  registry().user.database().Abandon();
+  registry().machine.database().Abandon();
+  new (&registry().mutex) std::recursive_mutex;
+}
+
+}  // namespace
+
+Registry& registry() {
+  static Kept kept;
+  static const Closer closer{kept.value};
+  [[maybe_unused]] static const int ignored =
+      pthread_atfork(lock_registry, unlock_registry, abandon_registry);
+  return kept.value;
+}
+
+const OpenKey* Registry::Find(HKEY handle) const {
+  static const OpenKey kUserRoot{&registry().user, kRootKey, 0, KEY_ALL_ACCESS, 0};
+  static const OpenKey kMachineRoot{&registry().machine, kRootKey, 0, KEY_ALL_ACCESS, 0};
+  if (handle == HKEY_CURRENT_USER) return &kUserRoot;
+  if (handle == HKEY_LOCAL_MACHINE) return &kMachineRoot;
+  const std::size_t place = (reinterpret_cast<std::uintptr_t>(handle) >> kPlaceShift & kPlaceMask) - 1;
+  if (place >= keys.size() || keys[place].store == nullptr) return nullptr;
+  return handle == handle_of(keys[place].uses, place) ? &keys[place] : nullptr;
+}
+
+RegistryStore& Registry::StoreOf(HKEY root) { return root == HKEY_LOCAL_MACHINE ? machine : user; }
+
+HKEY Registry::Add(const OpenKey& key) {
+  if (free_places.empty()) {
+    if (keys.size() >= kPlaceMask) throw std::bad_alloc();
+    // Closing a key must not need memory.
+    if (free_places.capacity() <= keys.size()) free_places.reserve(2 * keys.size() + 1);
+    keys.emplace_back();
+    free_places.push_back(static_cast<std::uint32_t>(keys.size() - 1));
+  }
+  const std::uint32_t place = free_places.back();
+  const std::uintptr_t uses = keys[place].uses + 1;
+  free_places.pop_back();
+  keys[place] = key;
+  keys[place].uses = uses;
+  return handle_of(uses, place);
+}
+
+bool Registry::Remove(HKEY handle) {
+  const OpenKey* key = Find(handle);
+  if (key == nullptr || key->uses == 0) return key != nullptr;
+  const auto place = static_cast<std::uint32_t>(key - keys.data());
+  keys[place].store = nullptr;
+  free_places.push_back(place);
+  return true;
+}
+
+}  // namespace orx::platform

@@ -1,0 +1,39 @@
+// The open keys of the process.
+#pragma once
+
+#include <orx/compat/hkey.h>
+#include <orx/platform/posix/registry_store.h>
+
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+namespace orx::platform {
+
+struct OpenKey {
+  RegistryStore* store = nullptr;  // null: closed
+  KeyId id = 0;
+  std::uint64_t generation = 0;  // of the store's database; 0: a root, which every database has
+  REGSAM access = 0;
+  std::uintptr_t uses = 0;  // of this place in the table, so that a handle that was closed stays so
+};
+
+// Handles are numbers, never addresses. All is guarded by `mutex`, which the thread of a transaction holds.
+struct Registry {
+  std::recursive_mutex mutex;
+  RegistryStore user{kUserRegistry};
+  RegistryStore machine{kMachineRegistry};
+  std::vector<OpenKey> keys;
+  std::vector<std::uint32_t> free_places;
+
+  // Null when there is no such key.
+  const OpenKey* Find(HKEY handle) const;
+  RegistryStore& StoreOf(HKEY root);
+  HKEY Add(const OpenKey& key);
+  bool Remove(HKEY handle);
+};
+
+// Made on first use; at the end of the library its files are closed, and opened again if a host still asks.
+Registry& registry();
+
+}  // namespace orx::platform

@@ -1,0 +1,42 @@
+#include <orx/platform/posix/signals_held.h>
+
+#include <orx/platform/kept_errno.h>
+
+#include <time.h>
+
+namespace orx::platform {
+namespace {
+
+constexpr int kSignals[] = {SIGXFSZ, SIGPIPE};
+
+void consume(int signal) {
+  sigset_t one;
+  sigemptyset(&one);
+  sigaddset(&one, signal);
+  constexpr timespec kNoWait = {};
+  while (sigtimedwait(&one, nullptr, &kNoWait) < 0 && errno == EINTR) {
+  }
+}
+
+}  // namespace
+
+SignalsHeld::SignalsHeld() {
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  for (const int signal : kSignals) sigaddset(&blocked, signal);
+  pthread_sigmask(SIG_BLOCK, &blocked, &mask_);
+  sigpending(&waiting_);
+}
+
+// Both signals go to the thread that writes, so what waits now and did not before is ours.
+SignalsHeld::~SignalsHeld() {
+  const KeptErrno kept;
+  sigset_t waiting;
+  sigpending(&waiting);
+  for (const int signal : kSignals) {
+    if (sigismember(&waiting, signal) == 1 && sigismember(&waiting_, signal) == 0) consume(signal);
+  }
+  pthread_sigmask(SIG_SETMASK, &mask_, nullptr);
+}
+
+}  // namespace orx::platform

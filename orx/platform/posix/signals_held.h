@@ -1,0 +1,23 @@
+// Writing without signals.
+#pragma once
+
+#include <signal.h>
+
+namespace orx::platform {
+
+// While it lives, a write of this thread that the system would also answer with a signal, which would end the
+// host (the process's limit of file sizes, a pipe that nobody reads), only fails: EFBIG, EPIPE. Leaves errno
+// alone.
+class SignalsHeld {
+ public:
+  SignalsHeld();
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+  ~SignalsHeld();
+
+ private:
+  sigset_t mask_;
+  sigset_t waiting_;
+};
+
+}  // namespace orx::platform
