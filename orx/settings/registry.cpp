@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cstddef>
 #include <cstring>
 #include <exception>
@@ -28,8 +29,10 @@ struct Value {
   int size;
 };
 
+// A text too long to be counted is too long to be stored, too.
 Value text_value(const char* text) {
-  return {REG_SZ, text, static_cast<int>(text != nullptr ? std::strlen(text) : 0) + 1};
+  const std::size_t length = text != nullptr ? std::strlen(text) : 0;
+  return {REG_SZ, text, static_cast<int>(std::min<std::size_t>(length, INT_MAX - 1)) + 1};
 }
 
 template <class Number>

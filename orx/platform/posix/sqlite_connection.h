@@ -46,9 +46,9 @@ class Run {
 
   std::int64_t Integer(int column) const { return sqlite3_column_int64(statement_, column); }
   std::string_view Bytes(int column) const {
-    const void* bytes = sqlite3_column_blob(statement_, column);
-    return {static_cast<const char*>(bytes),
-            static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
+    const void* bytes = sqlite3_column_blob(statement_, column);  // null for none
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement_, column));
+    return bytes != nullptr ? std::string_view(static_cast<const char*>(bytes), size) : "";
   }
 
  private:
