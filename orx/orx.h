@@ -15,6 +15,7 @@
 #include <orx/projects/qpr_file.h>
 #include <orx/settings/registry.h>
 #include <orx/text/strings.h>
+#include <orx/text/unique_key.h>
 
 #if defined(__cplusplus)
 #include <orx/projects/local_settings.h>

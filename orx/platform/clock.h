@@ -9,7 +9,7 @@ struct LocalTime {
   int day;
   int hour;
   int minute;
-  int second;  // up to 60
+  int second;  // a leap second is the 59th once more
 };
 
 using Clock = LocalTime (*)();

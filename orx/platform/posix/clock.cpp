@@ -4,6 +4,8 @@
 
 #include <time.h>
 
+#include <algorithm>
+
 namespace orx::platform {
 
 LocalTime system_local_time() {
@@ -11,7 +13,8 @@ LocalTime system_local_time() {
   const time_t now = time(nullptr);
   tm local{};
   if (localtime_r(&now, &local) == nullptr) return {};
-  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+  const int second = std::min(local.tm_sec, 59);
+  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, second};
 }
 
 }  // namespace orx::platform

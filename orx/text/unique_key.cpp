@@ -1,0 +1,79 @@
+#include <orx/text/unique_key.h>
+
+#include <orx/datetime/date_defaults.h>
+#include <orx/datetime/date_time_format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+#include <string_view>
+#include <thread>
+
+namespace {
+
+constexpr int kLastNumber = 999999;
+constexpr std::ptrdiff_t kNumberWidth = 6;
+constexpr int kDefaultOrder = -1;  // any that is none of the three
+
+// A stamp, to which a number may be appended.
+struct Key {
+  char text[48];
+  std::size_t length = 0;
+
+  std::string_view View() const { return {text, length}; }
+  bool Is(const char* other) const { return std::strncmp(other, text, length) == 0 && other[length] == '\0'; }
+};
+
+// Date and time come from one reading of the clock: of two readings, the first could be before midnight and
+// the second after it.
+Key current_stamp() {
+  orxDateTime now{0, 0, orxDateTimeFull, 0};
+  orxDateTime_SetYMDFormat(&now, kDefaultOrder);
+  orxDateTime_SetToCurrent(&now);
+  char text[32] = "";
+  orxDateTime_FormatString(&now, text, sizeof text);
+  Key stamp;
+  for (const char* c = text; *c != '\0'; ++c) {
+    if (*c != '/' && *c != ' ' && *c != ':') stamp.text[stamp.length++] = *c;
+  }
+  return stamp;
+}
+
+// As "%06d" prints it, at a small part of the cost.
+void append_number(Key& key, int number) {
+  char digits[16];
+  const char* const first = number < 0 ? digits + 1 : digits;
+  const char* const last = std::to_chars(digits, std::end(digits), number).ptr;
+  char* end = key.text + key.length;
+  if (number < 0) *end++ = '-';
+  end = std::fill_n(end, std::max<std::ptrdiff_t>(0, kNumberWidth - (last - digits)), '0');
+  key.length = static_cast<std::size_t>(std::copy(first, last, end) - key.text);
+}
+
+void put(std::string_view text, char* out, std::size_t size) {
+  const std::size_t length = std::min(text.size(), size - 1);
+  std::memcpy(out, text.data(), length);
+  out[length] = '\0';
+}
+
+}  // namespace
+
+void GenerateKey(char* out, int outSize, char* lastStamp, int* counter) {
+  if (out == nullptr || outSize < 1) return;
+  *out = '\0';
+  if (lastStamp == nullptr || counter == nullptr) return;
+
+  Key key = current_stamp();
+  if (*counter >= kLastNumber) {
+    while (key.Is(lastStamp)) {
+      std::this_thread::yield();
+      key = current_stamp();
+    }
+    *counter = 0;
+  }
+  put(key.View(), lastStamp, sizeof key.text);
+  append_number(key, ++*counter);
+  put(key.View(), out, static_cast<std::size_t>(outSize));
+}
