@@ -1,7 +1,8 @@
-// The three macros of the public headers.
+// The macros of the public headers.
 //
 //   ORX_API                what hosts may call: everything else in the library is hidden
 //   ORX_C_BEGIN/ORX_C_END  around declarations that C callers share
+//   ORX_NORETURN           before ORX_API: the function does not return
 //   ORX_PRINTF(f, a)       the compiler checks the arguments from position a on against the format at
 //   position f
 //                          (positions count from 1, and from 2 in a member function)
@@ -20,9 +21,11 @@
 #if defined(__cplusplus)
 #define ORX_C_BEGIN extern "C" {
 #define ORX_C_END }
+#define ORX_NORETURN [[noreturn]]
 #else
 #define ORX_C_BEGIN
 #define ORX_C_END
+#define ORX_NORETURN _Noreturn
 #endif
 
 #if defined(__GNUC__)

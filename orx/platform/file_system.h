@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace orx::platform {
@@ -15,6 +17,18 @@ enum class EntryKind {
 };  // kNone also when the status can't be had; kFile for all but folders
 
 EntryKind entry_kind(const char* path);
+
+// The size of a file that can be opened for reading, 0 of a pipe or a device; nothing when it can't, which a
+// folder never can. Does not block, and what waits at the other end of a pipe notices nothing.
+std::optional<std::uint64_t> readable_size(const char* path);
+
+// The size of the file that a path names, or of the first in the order of names, without regard to letter
+// case, that it matches: its last name may have the wildcards * and ?. A folder matches too and has the size
+// 0, and so has nothing at all; "." and ".." come first, but a drive's root is without them.
+std::uint64_t first_match_size(const char* pattern);
+
+// Bytes that the user may still write on the volume that holds a folder; 0 when that can't be had.
+std::uint64_t free_space(const char* folder);
 
 // Replaces a file as a whole, or creates it: what is written goes to a temporary file in the same folder, and
 // Commit flushes it to disk and puts it in the place of the old one, with the old one's permissions. A link

@@ -8,8 +8,10 @@
 #include <fcntl.h>
 #include <limits.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <utility>
@@ -83,6 +85,35 @@ EntryKind entry_kind(const char* path) {
   struct stat status;
   if (stat(system_path(path).c_str(), &status) != 0) return EntryKind::kNone;
   return S_ISDIR(status.st_mode) ? EntryKind::kFolder : EntryKind::kFile;
+}
+
+std::optional<std::uint64_t> readable_size(const char* path) {
+  const KeptErrno kept;
+  const std::string name = system_path(path);
+  struct stat status;
+  if (stat(name.c_str(), &status) != 0 || S_ISDIR(status.st_mode) || S_ISSOCK(status.st_mode)) return {};
+  // Opening a pipe waits for its other end, or sets that going; opening a device may do anything.
+  if (!S_ISREG(status.st_mode)) {
+    if (faccessat(AT_FDCWD, name.c_str(), R_OK, AT_EACCESS) != 0) return {};
+    return 0;
+  }
+  constexpr int kFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  const Descriptor file(uninterrupted([&] { return open(name.c_str(), kFlags); }));
+  // A file that another process has taken a lease on can be opened as well, once it has been asked for.
+  if (!file.is_open() && errno != EWOULDBLOCK) return {};
+  if (file.is_open() && fstat(file, &status) != 0) return {};  // what a server says now
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::uint64_t free_space(const char* folder) {
+  const KeptErrno kept;
+  const std::string name = system_path(folder);
+  struct statvfs volume;
+  // The slash refuses what is no folder.
+  const auto ask = [&] { return statvfs((name + '/').c_str(), &volume); };
+  if (name.empty() || uninterrupted(ask) != 0 || volume.f_frsize == 0) return 0;
+  const std::uint64_t blocks = std::min<std::uint64_t>(volume.f_bavail, UINT64_MAX / volume.f_frsize);
+  return blocks * volume.f_frsize;
 }
 
 // All names are taken in the folder that was opened, wherever the process or the folder moves meanwhile.

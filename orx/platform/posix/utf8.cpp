@@ -51,16 +51,6 @@ bool is_continuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC
 
 bool is_code_point(std::uint32_t c) { return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF); }
 
-// Takes the first character off a valid text.
-wchar_t take_first(std::string_view& text) {
-  const auto lead = static_cast<unsigned char>(text.front());
-  const std::size_t more = kAfterLead[lead].bytes_left;
-  std::uint32_t c = more == 0 ? lead : lead & (0x3FU >> more);
-  for (const char byte : text.substr(1, more)) c = c << 6 | (static_cast<unsigned char>(byte) & 0x3FU);
-  text.remove_prefix(1 + more);
-  return static_cast<wchar_t>(c);
-}
-
 }  // namespace
 
 bool Validator::Feed(const unsigned char* bytes, std::size_t size) {
@@ -109,6 +99,15 @@ char* encode(std::uint32_t code_point, char* out) {
     put_tail(0);
   }
   return out;
+}
+
+wchar_t take_first(std::string_view& text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t more = kAfterLead[lead].bytes_left;
+  std::uint32_t c = more == 0 ? lead : lead & (0x3FU >> more);
+  for (const char byte : text.substr(1, more)) c = c << 6 | (static_cast<unsigned char>(byte) & 0x3FU);
+  text.remove_prefix(1 + more);
+  return static_cast<wchar_t>(c);
 }
 
 bool from_wide(const wchar_t* text, std::size_t length, std::string& out) {

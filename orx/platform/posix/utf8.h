@@ -33,6 +33,9 @@ class Validator {
 
 bool is_valid(std::string_view text);
 
+// Takes the first character off a valid text, which is not empty.
+wchar_t take_first(std::string_view& text);
+
 // Writes a code point, in at most four bytes; the result is behind them.
 char* encode(std::uint32_t code_point, char* out);
 

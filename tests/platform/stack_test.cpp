@@ -1,0 +1,92 @@
+#include <orx/platform/stack.h>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <vector>
+
+using orx::platform::stack_left;
+
+namespace {
+
+constexpr std::size_t kFrame = 10'000;
+constexpr std::size_t kMiB = 1 << 20;
+
+// What is left `depth` frames down.
+[[gnu::noinline]] std::size_t left_at(int depth) {
+  volatile char frame[kFrame] = {};
+  return depth == 0 ? stack_left() : left_at(depth - 1) + static_cast<std::size_t>(frame[depth]);
+}
+
+std::size_t expect_between(std::size_t smallest, std::size_t largest) {
+  errno = 77;
+  const std::size_t left = stack_left();
+  const std::size_t used = left - left_at(20);
+  EXPECT_TRUE(left >= smallest && left <= largest) << left;
+  EXPECT_TRUE(used > 20 * kFrame && used < 40 * kFrame) << used;
+  EXPECT_EQ(errno, 77);
+  return left;
+}
+
+void in_child(void (*run)()) {
+  const pid_t child = fork();
+  if (child == 0) {
+    run();
+    _exit(::testing::Test::HasFailure() ? 1 : 0);
+  }
+  int result = -1;
+  EXPECT_TRUE(waitpid(child, &result, 0) == child && result == 0);
+}
+
+TEST(Stack, OfTheFirstThreadGrowsAsFarAsTheLimit) {
+  in_child([] {
+    rlimit limit{};
+    getrlimit(RLIMIT_STACK, &limit);
+    std::vector<std::size_t> left;
+    for (const std::size_t size : {4 * kMiB, 3 * kMiB, std::size_t{RLIM_INFINITY}}) {
+      limit.rlim_cur = std::min(size, limit.rlim_max);
+      ASSERT_EQ(setrlimit(RLIMIT_STACK, &limit), 0);
+      left.push_back(expect_between(std::min(limit.rlim_cur - kMiB, 64 * kMiB), limit.rlim_cur));
+    }
+    EXPECT_EQ(left[0] - left[1], kMiB);
+  });
+}
+
+TEST(Stack, OfAnotherThreadIsItsOwn) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, kMiB / 2);
+  pthread_attr_setguardsize(&attributes, kMiB);
+  const auto run = [](void*) -> void* {
+    const auto expect_size = [] {
+      expect_between(kMiB / 4 + kMiB, kMiB / 2 + kMiB);
+    };  // with the guard pages
+    in_child(expect_size);
+    expect_size();
+    in_child(expect_size);
+    return nullptr;
+  };
+  pthread_t thread;
+  ASSERT_EQ(pthread_create(&thread, &attributes, run, nullptr), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+TEST(Stack, OfASignalHandlerIsNotKnown) {
+  static std::size_t left = 1;
+  std::vector<char> memory(kMiB);
+  stack_t others{}, before{};
+  others.ss_sp = memory.data();
+  others.ss_size = memory.size();
+  struct sigaction action {};
+  action.sa_handler = [](int) { left = stack_left(); };
+  action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
+  EXPECT_EQ(sigaltstack(&others, &before) | sigaction(SIGUSR1, &action, nullptr) | raise(SIGUSR1), 0);
+  EXPECT_EQ(sigaltstack(&before, nullptr), 0);
+  EXPECT_EQ(left, 0U);
+}
+
+}  // namespace
