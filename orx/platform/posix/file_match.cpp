@@ -10,125 +10,60 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <string>
 #include <string_view>
-#include <vector>
 
-// Wildcards as the suite's users know them from names of eight and three characters: the extension is a part
-// of its own, and what stands for one character may stand for none where a part ends. "pit?.dat" matches
-// pit.dat, "pit.*" matches pit, and "*." matches what has no extension.
 namespace orx::platform {
 namespace {
 
-constexpr char32_t kAnyText = 0x110000;     // *
-constexpr char32_t kAnyBase = 0x110001;     // * before a point: not beyond the name's last point
-constexpr char32_t kAnyOne = 0x110002;      // ?: none at a point or the end
-constexpr char32_t kPointOrEnd = 0x110003;  // . before a wildcard
+char capital(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-// Latin, Greek and Cyrillic: what names are written with where the suite is used.
-constexpr struct {
-  char32_t first, last;
-  unsigned step;
-  int to_capital;
-} kSmallLetters[] = {{'a', 'z', 1, -32},     {0xE0, 0xF6, 1, -32},   {0xF8, 0xFE, 1, -32},
-                     {0xFF, 0xFF, 1, 121},   {0x101, 0x12F, 2, -1},  {0x133, 0x137, 2, -1},
-                     {0x13A, 0x148, 2, -1},  {0x14B, 0x177, 2, -1},  {0x17A, 0x17E, 2, -1},
-                     {0x3B1, 0x3C1, 1, -32}, {0x3C3, 0x3CB, 1, -32}, {0x430, 0x44F, 1, -32},
-                     {0x450, 0x45F, 1, -80}};
-
-char32_t capital(char32_t c) {
-  for (const auto& [first, last, step, to_capital] : kSmallLetters) {
-    if (c < first) break;
-    if (c <= last && (c - first) % step == 0) return c + static_cast<char32_t>(to_capital);
-  }
-  return c;
-}
-
-// A name that is not UTF-8 is taken byte by byte.
-void put_capitals(std::string_view text, std::u32string& out) {
-  out.clear();
-  const bool is_valid = utf8::is_valid(text);
-  while (!text.empty()) {
-    const auto byte = static_cast<unsigned char>(text.front());
-    if (byte >= 0x80 && is_valid) {
-      out += capital(static_cast<char32_t>(utf8::take_first(text)));
-    } else {
-      out += capital(byte);
-      text.remove_prefix(1);
-    }
-  }
-}
-
-std::u32string compiled(std::string_view pattern) {
-  if (pattern == "*.*") return {kAnyText};
-  const std::size_t last = pattern.find_last_not_of('.');
-  const bool ends_in_point = last + 1 < pattern.size();
-  std::u32string result;
-  put_capitals(pattern.substr(0, last + 1), result);
-  for (std::size_t i = 0; i < result.size(); ++i) {
-    const bool is_last = i + 1 == result.size();
-    const char32_t next = is_last ? 0 : result[i + 1];
-    if (result[i] == '?') result[i] = kAnyOne;
-    if (result[i] == '*') result[i] = next == '.' || (is_last && ends_in_point) ? kAnyBase : kAnyText;
-    if (result[i] == '.' && (next == '*' || next == '?')) result[i] = kPointOrEnd;
-  }
+// Of a name that is not valid in the encoding, only what is ASCII.
+std::string capitals(std::string_view name) {
+  std::string result(name);
+  if (!utf8::to_upper(name, result)) std::ranges::transform(result, result.begin(), capital);
   return result;
 }
 
-class Matcher {
- public:
-  explicit Matcher(std::string_view pattern)
-      : pattern_(compiled(pattern)), matched_(pattern_.size() + 1), behind_(pattern_.size() + 1) {}
+// Behind the character at a place.
+std::size_t next(std::string_view text, std::size_t at) {
+  do ++at;
+  while (at < text.size() && utf8::is_continuation(text[at]));
+  return at;
+}
 
-  // Goes backwards through the name: matched_[i] tells whether the pattern from i on matches the name from
-  // the current place on, and behind_[i] from the next. So no pattern takes more than its length times the
-  // name's.
-  bool Matches(const std::u32string& name) {
-    std::ranges::fill(matched_, false);
-    std::ranges::fill(behind_, false);
-    std::size_t first = pattern_.size();  // what is before it has not matched anywhere yet
-    bool point_is_behind = false;
-    for (std::size_t at = name.size() + 1; at-- > 0;) {
-      const bool at_end = at == name.size();
-      const char32_t c = at_end ? 0 : name[at];
-      matched_.swap(behind_);
-      matched_.back() = at_end;
-      bool is_lost = !at_end;
-      for (std::size_t i = pattern_.size(); i-- > 0 && i + 1 >= first;) {
-        matched_[i] = MatchesFrom(i, c, at_end, point_is_behind);
-        if (matched_[i]) {
-          is_lost = false;
-          first = std::min(first, i);
-        }
-      }
-      if (is_lost) return false;
-      point_is_behind = point_is_behind || c == '.';
-    }
-    return matched_.front();
-  }
-
- private:
-  bool MatchesFrom(std::size_t i, char32_t c, bool at_end, bool point_is_behind) const {
-    const bool takes_none = matched_[i + 1];
-    const bool takes_one = !at_end && behind_[i + 1];
-    const bool takes_more = !at_end && behind_[i];
-    switch (pattern_[i]) {
-      case kAnyText:
-        return takes_none || takes_more;
-      case kAnyBase:
-        return takes_none || (takes_more && (c != '.' || point_is_behind));
-      case kAnyOne:
-        return at_end || c == '.' ? takes_none : takes_one;
-      case kPointOrEnd:
-        return at_end ? takes_none : takes_one && c == '.';
-      default:
-        return takes_one && c == pattern_[i];
+// "*" stands for any text, "?" for one character, but for none before a point and at the end.
+bool matches_as_it_is(std::string_view pattern, std::string_view name) {
+  std::size_t in_pattern = 0, at = 0;
+  std::size_t star = std::string_view::npos,
+              behind_star = 0;  // where the last star stands, and its text ends
+  while (at < name.size()) {
+    const char wanted = in_pattern < pattern.size() ? pattern[in_pattern] : '\0';
+    if (wanted == '*') {
+      star = in_pattern++;
+      behind_star = at;
+    } else if (wanted == '?') {
+      ++in_pattern;
+      if (name[at] != '.') at = next(name, at);
+    } else if (wanted == name[at]) {
+      ++in_pattern;
+      ++at;
+    } else if (star != std::string_view::npos) {
+      in_pattern = star + 1;
+      at = behind_star = next(name, behind_star);
+    } else {
+      return false;
     }
   }
+  return pattern.find_first_not_of("*?", in_pattern) == std::string_view::npos;
+}
 
-  const std::u32string pattern_;
-  std::vector<unsigned char> matched_;
-  std::vector<unsigned char> behind_;
-};
+// A name without a point has one at its end as well: "pit.*" and "pit." match pit.
+bool matches(std::string_view pattern, const std::string& name) {
+  return matches_as_it_is(pattern, name) ||
+         (name.find('.') == std::string::npos && matches_as_it_is(pattern, name + '.'));
+}
 
 struct Close {
   void operator()(DIR* folder) const { closedir(folder); }
@@ -141,21 +76,19 @@ bool is_in_root(std::string_view path) {
 }
 
 // The name of the first entry that matches; empty when there is none.
-std::string first_match(DIR* folder, std::string_view pattern, bool is_root) {
-  Matcher matcher(pattern);
-  std::u32string first, candidate;
-  std::string first_name;
+std::string first_match(DIR* folder, std::string_view wildcards, bool is_root) {
+  const std::string pattern = capitals(wildcards);
+  std::string first, first_name;
   while (const dirent* entry = readdir(folder)) {
-    const std::string_view name = entry->d_name;
+    const std::string name = entry->d_name;
     const bool is_dot = name == "." || name == "..";
     if (is_dot && is_root) continue;
-    put_capitals(name, candidate);
-    if (!matcher.Matches(candidate)) continue;
-    if (is_dot) return std::string(name);
+    const std::string candidate = capitals(name);
+    if (!matches(pattern, candidate)) continue;
+    if (is_dot) return name;
     // Names that differ in letter case alone keep an order as well.
-    const int order = first.compare(candidate);
-    if (!first_name.empty() && (order < 0 || (order == 0 && first_name < name))) continue;
-    first.swap(candidate);
+    if (!first_name.empty() && std::tie(first, first_name) < std::tie(candidate, name)) continue;
+    first = candidate;
     first_name = name;
   }
   return first_name;

@@ -2,11 +2,15 @@
 
 #include <orx/compat/atl_exception.h>
 
+#include <locale.h>
+#include <wctype.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace orx::platform::utf8 {
 
@@ -47,9 +51,17 @@ const unsigned char* skip_ascii(const unsigned char* bytes, const unsigned char*
   return std::find_if(bytes, end, [](unsigned char byte) { return byte >= 0x80; });
 }
 
-bool is_continuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
-
 bool is_code_point(std::uint32_t c) { return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF); }
+
+// Takes the first character off a valid text.
+wchar_t take_first(std::string_view& text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t more = kAfterLead[lead].bytes_left;
+  std::uint32_t c = more == 0 ? lead : lead & (0x3FU >> more);
+  for (const char byte : text.substr(1, more)) c = c << 6 | (static_cast<unsigned char>(byte) & 0x3FU);
+  text.remove_prefix(1 + more);
+  return static_cast<wchar_t>(c);
+}
 
 }  // namespace
 
@@ -101,13 +113,25 @@ char* encode(std::uint32_t code_point, char* out) {
   return out;
 }
 
-wchar_t take_first(std::string_view& text) {
-  const auto lead = static_cast<unsigned char>(text.front());
-  const std::size_t more = kAfterLead[lead].bytes_left;
-  std::uint32_t c = more == 0 ? lead : lead & (0x3FU >> more);
-  for (const char byte : text.substr(1, more)) c = c << 6 | (static_cast<unsigned char>(byte) & 0x3FU);
-  text.remove_prefix(1 + more);
-  return static_cast<wchar_t>(c);
+bool to_upper(std::string_view text, std::string& upper) {
+  // The host's locale may know no letters but ASCII's.
+  static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  if (!is_valid(text)) return false;
+  std::string capitals;
+  capitals.reserve(text.size());
+  while (!text.empty()) {
+    const char c = text.front();
+    if (static_cast<unsigned char>(c) < 0x80) {
+      capitals += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+      text.remove_prefix(1);
+    } else {
+      const auto letter = static_cast<wint_t>(take_first(text));
+      char bytes[4];
+      capitals.append(bytes, encode(unicode != nullptr ? towupper_l(letter, unicode) : letter, bytes));
+    }
+  }
+  upper = std::move(capitals);
+  return true;
 }
 
 bool from_wide(const wchar_t* text, std::size_t length, std::string& out) {

@@ -33,8 +33,12 @@ class Validator {
 
 bool is_valid(std::string_view text);
 
-// Takes the first character off a valid text, which is not empty.
-wchar_t take_first(std::string_view& text);
+// Whether a byte of a valid text belongs to the character before it.
+constexpr bool is_continuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+// In capitals, one for each letter, whatever the locale. False, with `upper` unchanged, for a text that is
+// not valid.
+bool to_upper(std::string_view text, std::string& upper);
 
 // Writes a code point, in at most four bytes; the result is behind them.
 char* encode(std::uint32_t code_point, char* out);
