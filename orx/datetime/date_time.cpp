@@ -31,11 +31,11 @@ bool has_time(const orxDateTime& dt) { return dt.kind == orxDateTimeFull || dt.k
 
 // February 29 of a year that only a simpler calendar takes for a leap year is told as a wrong month.
 Error diagnosed_date(const Fields& fields) {
-  constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   if (orx::datetime::is_date(fields.year, fields.month, fields.day)) return kNoError;
   if (fields.year < 100 || fields.year > 9999) return kInvalidYear;
   if (fields.month < 1 || fields.month > 12) return kInvalidMonth;
-  const int last = fields.month == 2 && fields.year % 4 == 0 ? 29 : kDays[fields.month - 1];
+  const int last =
+      fields.month == 2 && fields.year % 4 == 0 ? 29 : orx::datetime::kDaysOfMonths[fields.month - 1];
   return fields.day < 1 || fields.day > last ? kInvalidDay : kInvalidMonth;
 }
 

@@ -1,8 +1,10 @@
 #include <orx/datetime/date_time_format.h>
 
+#include <orx/datetime/calendar.h>
 #include <orx/datetime/static_defaults.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -10,16 +12,34 @@
 
 namespace {
 
-// Writes a text of at most 63 characters piece by piece. The C library's print would cost ten times as much.
+using orx::datetime::Fields;
+
+// "00" to "99", since a number of two digits is copied faster than it is divided.
+constexpr auto kPairs = [] {
+  std::array<char, 200> pairs{};
+  for (std::size_t i = 0; i < 100; ++i) {
+    pairs[2 * i] = static_cast<char>('0' + i / 10);
+    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  return pairs;
+}();
+
+// Writes a text piece by piece. The C library's print would cost ten times as much.
 class Writer {
  public:
   Writer& Put(char c) { return *end_++ = c, *this; }
 
   // At least two characters; a field that is no date is -1.
   Writer& Number(int number, char padding = '0') {
-    if (number >= 0 && number < 10) Put(padding);
-    end_ = std::to_chars(end_, text_ + sizeof text_, number).ptr;
-    return *this;
+    if (number < 0) return Put('-').Put('1');
+    if (number >= 1000) {
+      Pair(number / 100);
+    } else if (number >= 100) {
+      Put(static_cast<char>('0' + number / 100));
+    } else if (number < 10) {
+      return Put(padding).Put(static_cast<char>('0' + number));
+    }
+    return Pair(number % 100);
   }
 
   Writer& Numbers(int a, int b, int c, char separator) {
@@ -40,7 +60,13 @@ class Writer {
   }
 
  private:
-  char text_[64];
+  Writer& Pair(int number) {
+    std::memcpy(end_, kPairs.data() + 2 * number, 2);
+    end_ += 2;
+    return *this;
+  }
+
+  char text_[24];  // a number of 64 bits is the longest, then a date and time
   char* end_ = text_;
 };
 
@@ -70,8 +96,9 @@ void put_date(Writer& text, int year, int month, int day, int order) {
 
 int format(const orxDateTime* dt, char* buffer, int size, const Style& style) {
   if (dt == nullptr || buffer == nullptr || size < 1) return 0;
-  int year, month, day, hour, minute, second;
-  orxDateTime_GetYearMonthDayHourMinuteSecond(dt, &year, &month, &day, &hour, &minute, &second);
+  Fields fields{-1, -1, -1, -1, -1, -1};
+  orx::datetime::to_fields(dt->value, fields);
+  const auto& [year, month, day, hour, minute, second] = fields;
   Writer text;
   switch (dt->kind) {
     case orxDateTimeNumber:

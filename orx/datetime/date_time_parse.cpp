@@ -4,7 +4,6 @@
 #include <orx/platform/clock.h>
 #include <orx/platform/code_page.h>
 
-#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -13,35 +12,39 @@ namespace {
 constexpr int kNoNumberInDate = 7;
 constexpr int kNoBlankBetween = -1;
 
-struct Numbers {
-  int number[3] = {0, 0, 0};
-  int count = 0;
-};
+using Numbers = int[3];
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-// The next integer, behind white space and a sign; null when there is none. One too large for an int stays
-// large: it is for the calendar to refuse it.
+// The digits at a text. A number too large for every calendar stays so, whatever its digits: it is for the
+// calendar to refuse it.
+const char* read_digits(const char* text, int& number) {
+  while (*text == '0') ++text;
+  const char* const first = text;
+  unsigned magnitude = 0;
+  for (; is_digit(*text); ++text) magnitude = magnitude * 10 + static_cast<unsigned>(*text - '0');
+  number = text - first > 9 ? INT_MAX : static_cast<int>(magnitude);
+  return text;
+}
+
+// The next integer, behind white space and a sign; null when there is none.
 const char* read_integer(const char* text, int& number) {
+  if (is_digit(*text)) return read_digits(text, number);
   while (orx::platform::is_space(*text)) ++text;
   const bool is_negative = *text == '-';
   if (is_negative || *text == '+') ++text;
   if (!is_digit(*text)) return nullptr;
-  int magnitude = 0;
-  for (; is_digit(*text); ++text) {
-    const int digit = *text - '0';
-    magnitude = magnitude > (INT_MAX - digit) / 10 ? INT_MAX : magnitude * 10 + digit;
-  }
-  number = is_negative ? -magnitude : magnitude;
+  text = read_digits(text, number);
+  if (is_negative) number = -number;
   return text;
 }
 
-Numbers read_numbers(const char* text, char separator) {
-  Numbers numbers;
-  for (;;) {
-    text = read_integer(text, numbers.number[numbers.count]);
-    if (text == nullptr || ++numbers.count == 3 || *text != separator) return numbers;
-    ++text;
+// As many as there are.
+int read_numbers(const char* text, char separator, Numbers& numbers) {
+  for (int count = 0;;) {
+    text = read_integer(text, numbers[count]);
+    if (text == nullptr) return count;
+    if (++count == 3 || *text++ != separator) return count;
   }
 }
 
@@ -57,24 +60,34 @@ struct Parts {
   const char* time;
 };
 
-// Each is read only as far as its numbers reach, so it does no harm that one begins with the other.
-Parts split(const char* text) {
-  const char* colon = std::strchr(text, ':');
-  const char* slash = std::strchr(text, '/');
-  const char* blank = std::strchr(text, ' ');
-  if (blank == nullptr) return slash != nullptr ? Parts{text, nullptr} : Parts{nullptr, text};
-  const bool is_time_first = (colon == nullptr || colon < blank) && slash != nullptr && slash > blank;
-  return is_time_first ? Parts{blank, text} : Parts{text, blank};
+// Each is read only as far as its numbers reach, so it does no harm that one begins with the other. False
+// when "/" and ":" stand in a text without a blank.
+bool split(const char* text, Parts& parts) {
+  bool has_slash = false, has_colon = false;
+  const char* blank = text;
+  for (;; ++blank) {
+    if (is_digit(*blank)) continue;  // as most are
+    if (*blank == ' ' || *blank == '\0') break;
+    if (*blank == '/') has_slash = true;
+    if (*blank == ':') has_colon = true;
+  }
+  if (*blank == '\0') {
+    parts = has_slash ? Parts{text, nullptr} : Parts{nullptr, text};
+    return !has_slash || !has_colon;
+  }
+  const bool is_time_first =
+      !has_slash && std::strchr(blank, '/') != nullptr && (has_colon || std::strchr(blank, ':') == nullptr);
+  parts = is_time_first ? Parts{blank, text} : Parts{text, blank};
+  return true;
 }
 
 // What is missing of a date is today's.
-Date date_of(const Numbers& numbers, int order) {
-  const orx::platform::LocalTime today =
-      numbers.count < 3 ? orx::platform::local_time() : orx::platform::LocalTime{};
-  const auto& [a, b, c] = numbers.number;
-  if (numbers.count == 0) return {today.year, today.month, today.day};
-  if (numbers.count == 1) return {today.year, today.month, a};
-  if (numbers.count == 2) {
+Date date_of(const Numbers& numbers, int count, int order) {
+  const orx::platform::LocalTime today = count < 3 ? orx::platform::local_time() : orx::platform::LocalTime{};
+  const auto& [a, b, c] = numbers;
+  if (count == 0) return {today.year, today.month, today.day};
+  if (count == 1) return {today.year, today.month, a};
+  if (count == 2) {
     switch (order) {
       case orxDayMonthYear:
         return {today.year, b, a};
@@ -97,7 +110,7 @@ Date date_of(const Numbers& numbers, int order) {
   }
 }
 
-int store(orxDateTime& dt, const Date& date, const int (&time)[3]) {
+int store(orxDateTime& dt, const Date& date, const Numbers& time) {
   if (dt.kind == orxDateTimeTime) return orxDateTime_SetHourMinuteSecond(&dt, time[0], time[1], time[2]);
   return orxDateTime_SetYearMonthDayHourMinuteSecond(&dt, date.year, date.month, date.day, time[0], time[1],
                                                      time[2]);
@@ -106,7 +119,7 @@ int store(orxDateTime& dt, const Date& date, const int (&time)[3]) {
 int store_now(orxDateTime& dt) {
   const orx::platform::LocalTime now = orx::platform::local_time();
   const bool has_time = dt.kind == orxDateTimeFull || dt.kind == orxDateTimeTime;
-  const int time[3] = {has_time ? now.hour : 0, has_time ? now.minute : 0, has_time ? now.second : 0};
+  const Numbers time = {has_time ? now.hour : 0, has_time ? now.minute : 0, has_time ? now.second : 0};
   return store(dt, {now.year, now.month, now.day}, time);
 }
 
@@ -119,15 +132,16 @@ int orxDateTime_ParseString(orxDateTime* dt, const char* text) {
     dt->value = orx::compat::read_double(text);
     return 0;
   }
-  if (std::strcmp(text, "GETDATE()") == 0) return store_now(*dt);
+  if (*text == 'G' && std::strcmp(text, "GETDATE()") == 0) return store_now(*dt);
 
-  const bool has_blank = std::strchr(text, ' ') != nullptr;
-  if (!has_blank && std::strchr(text, ':') != nullptr && std::strchr(text, '/') != nullptr)
-    return kNoBlankBetween;
-  const Parts parts = split(text);
-  Numbers date, time;
-  if (parts.date != nullptr) date = read_numbers(parts.date, '/');
-  if (parts.date != nullptr && date.count == 0) return kNoNumberInDate;
-  if (parts.time != nullptr) time = read_numbers(parts.time, ':');
-  return store(*dt, date_of(date, dt->ymdFormat), time.number);
+  Parts parts;
+  if (!split(text, parts)) return kNoBlankBetween;
+  Numbers date{}, time{};
+  int count = 0;
+  if (parts.date != nullptr) {
+    count = read_numbers(parts.date, '/', date);
+    if (count == 0) return kNoNumberInDate;
+  }
+  if (parts.time != nullptr) read_numbers(parts.time, ':', time);
+  return store(*dt, date_of(date, count, dt->ymdFormat), time);
 }

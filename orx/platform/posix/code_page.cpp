@@ -14,8 +14,6 @@ int folded(char c) {
 
 }  // namespace
 
-bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 int compare_no_case(const char* left, const char* right) {
   if (left == nullptr) left = "";
   if (right == nullptr) right = "";
