@@ -36,8 +36,8 @@ std::size_t next(std::string_view text, std::size_t at) {
 // "*" stands for any text, "?" for one character, but for none before a point and at the end.
 bool matches_as_it_is(std::string_view pattern, std::string_view name) {
   std::size_t in_pattern = 0, at = 0;
-  std::size_t star = std::string_view::npos,
-              behind_star = 0;  // where the last star stands, and its text ends
+  std::size_t star = std::string_view::npos;  // the last one that was met
+  std::size_t behind_star = 0;                // where its text ends
   while (at < name.size()) {
     const char wanted = in_pattern < pattern.size() ? pattern[in_pattern] : '\0';
     if (wanted == '*') {
