@@ -17,4 +17,8 @@ std::string system_path(const char* path);
 // begins with a backslash or a drive) comes back unchanged; so does the empty one.
 std::string suite_path(const char* native);
 
+// The folder that all users of the machine share, as the system's variable for it has it; empty when that is
+// not set.
+std::string public_folder();
+
 }  // namespace orx::platform

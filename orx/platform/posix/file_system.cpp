@@ -51,6 +51,15 @@ auto uninterrupted(Call call) {
   return result;
 }
 
+bool write_all(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = uninterrupted([&] { return quiet_write(file, bytes.data(), bytes.size()); });
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
 bool failed(std::string& reason, std::string text = error_text(errno)) {
   reason = std::move(text);
   return false;
@@ -188,18 +197,12 @@ struct FileReplacement::State {
     return fchmod(file, old.st_mode & kPermissionBits) == 0 || failed(reason);
   }
 
-  bool WriteThrough(const char* bytes, std::size_t size, std::string& reason) const {
-    while (size > 0) {
-      const ssize_t written = uninterrupted([&] { return quiet_write(file, bytes, size); });
-      if (written < 0) return failed(reason);
-      bytes += written;
-      size -= static_cast<std::size_t>(written);
-    }
-    return true;
+  bool WriteThrough(std::string_view bytes, std::string& reason) const {
+    return write_all(file, bytes) || failed(reason);
   }
 
   bool Flush(std::string& reason) {
-    const bool written = WriteThrough(buffer.data(), buffer.size(), reason);
+    const bool written = WriteThrough(buffer, reason);
     buffer.clear();
     return written;
   }
@@ -217,7 +220,7 @@ struct FileReplacement::State {
 
   bool Write(const char* bytes, std::size_t size, std::string& reason) {
     if (buffer.size() + size > kBufferSize && !Flush(reason)) return false;
-    if (size > kBufferSize) return WriteThrough(bytes, size, reason);
+    if (size > kBufferSize) return WriteThrough({bytes, size}, reason);
     buffer.append(bytes, size);
     return true;
   }
@@ -264,5 +267,33 @@ bool FileReplacement::Commit(std::string& reason) {
   if (state == nullptr) return failed(reason, "No file is open");
   return state->Commit(reason);
 }
+
+bool create_folder(const char* path) {
+  const KeptErrno kept;
+  return mkdir(system_path(path).c_str(), 0777) == 0;
+}
+
+bool remove_file(const char* path) {
+  const KeptErrno kept;
+  return unlink(system_path(path).c_str()) == 0;
+}
+
+namespace {
+
+bool write_file(const char* path, int how, std::string_view bytes) {
+  const KeptErrno kept;
+  const std::string name = system_path(path);
+  const int flags = how | O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  const int file = uninterrupted([&] { return open(name.c_str(), flags, 0666); });
+  if (file < 0) return false;
+  const bool written = write_all(file, bytes);
+  // Some file systems tell only now that there was no room.
+  return close(file) == 0 && written;
+}
+
+}  // namespace
+
+bool clear_file(const char* path) { return write_file(path, O_TRUNC, ""); }
+bool append_to_file(const char* path, std::string_view bytes) { return write_file(path, O_APPEND, bytes); }
 
 }  // namespace orx::platform

@@ -77,4 +77,6 @@ std::string suite_path(const char* native) {
   return result;
 }
 
+std::string public_folder() { return variable("PUBLIC"); }
+
 }  // namespace orx::platform
