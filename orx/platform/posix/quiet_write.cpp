@@ -7,8 +7,10 @@
 namespace orx::platform {
 
 ssize_t quiet_write(int file, const void* bytes, std::size_t size) {
-  const SignalsHeld held;
-  return write(file, bytes, size);
+  SignalsHeld held;
+  const ssize_t written = write(file, bytes, size);
+  if (written == static_cast<ssize_t>(size)) held.NoneSent();
+  return written;
 }
 
 }  // namespace orx::platform

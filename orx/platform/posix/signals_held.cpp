@@ -25,14 +25,19 @@ SignalsHeld::SignalsHeld() {
   sigemptyset(&blocked);
   for (const int signal : kSignals) sigaddset(&blocked, signal);
   pthread_sigmask(SIG_BLOCK, &blocked, &mask_);
-  sigpending(&waiting_);
+  sigemptyset(&waiting_);
+  // A signal that was let through until now cannot have waited.
+  for (const int signal : kSignals) {
+    if (sigismember(&mask_, signal) == 1) sigpending(&waiting_);
+  }
 }
 
 // Both signals go to the thread that writes, so what waits now and did not before is ours.
 SignalsHeld::~SignalsHeld() {
   const KeptErrno kept;
   sigset_t waiting;
-  sigpending(&waiting);
+  sigemptyset(&waiting);
+  if (may_wait_) sigpending(&waiting);
   for (const int signal : kSignals) {
     if (sigismember(&waiting, signal) == 1 && sigismember(&waiting_, signal) == 0) consume(signal);
   }

@@ -15,9 +15,13 @@ class SignalsHeld {
   SignalsHeld& operator=(const SignalsHeld&) = delete;
   ~SignalsHeld();
 
+  // The caller knows that no signal was sent, and spares the look for one.
+  void NoneSent() { may_wait_ = false; }
+
  private:
   sigset_t mask_;
   sigset_t waiting_;
+  bool may_wait_ = true;
 };
 
 }  // namespace orx::platform
