@@ -1,0 +1,159 @@
+#include <orx/frame/debug_log.h>
+
+#include <orx/compat/text_format.h>
+#include <orx/datetime/date_time.h>
+#include <orx/datetime/date_time_format.h>
+#include <orx/frame/application_data.h>
+#include <orx/platform/debug_output.h>
+#include <orx/platform/file_system.h>
+#include <orx/platform/kept_errno.h>
+#include <orx/text/strings.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t kLongestName = 260;
+constexpr std::size_t kLongestHeader = 260;
+constexpr std::size_t kLongestFormatted = 4096;
+
+struct Log {
+  const char* file;
+  char name[kLongestName + 1];  // in full; empty until the first line or halvark_log_debug_init sets it
+};
+
+constinit Log main_log{"DEBUG.LOG", ""};
+constinit Log thread_log{"DEBUGThread.LOG", ""};
+
+// Shared by the logs, and so by their threads.
+constinit std::atomic<bool> started = false;  // a start or a line was tried, in either log
+constinit std::atomic<bool> echoes = false;
+
+// A null or empty folder: the application data folder. Where that is empty too, the name is in the root.
+void set_name(Log& log, const char* folder) {
+  char chosen[kLongestName + 1];
+  if (folder != nullptr && *folder != '\0') {
+    ORX_strncpy(chosen, folder, kLongestName);
+  } else {
+    GetApplicationDataPath(chosen, kLongestName);
+  }
+  const bool separated = std::string_view(chosen).ends_with('\\');
+  ORX_snprintf(log.name, kLongestName, separated ? "%s%s" : "%s\\%s", chosen, log.file);
+}
+
+// The text mode of the C runtime: a line feed becomes CR LF, also behind a CR.
+std::string line_of(std::string_view text) {
+  std::string line;
+  line.reserve(text.size() + static_cast<std::size_t>(std::ranges::count(text, '\n')) + 2);
+  for (;;) {
+    const std::size_t end = text.find('\n');
+    line.append(text.substr(0, end)).append("\r\n");
+    if (end == std::string_view::npos) return line;
+    text.remove_prefix(end + 1);
+  }
+}
+
+// False also when memory is exhausted.
+template <class Call>
+bool succeeds(Call call) {
+  try {
+    return call();
+  } catch (const std::exception&) {  // by name: a thread that is cancelled unwinds through here
+    return false;
+  }
+}
+
+int write(Log& log, const char* text) {
+  if (text == nullptr || *text == '\0') return -1;
+  const orx::platform::KeptErrno kept;
+  if (echoes) std::puts(text);
+  orx::platform::debug_output(text);
+  orx::platform::debug_output("\n");
+  started = true;
+  if (*log.name == '\0') set_name(log, nullptr);
+  return succeeds([&] { return orx::platform::append_to_file(log.name, line_of(text)); }) ? 0 : -1;
+}
+
+ORX_PRINTF(2, 0)
+int write_formatted(Log& log, const char* format, std::va_list arguments) {
+  if (format == nullptr) return -1;
+  // Filled, for a format that cannot be carried out: the line is what was written before that came out.
+  char text[kLongestFormatted + 1] = "";
+  orx::compat::format_text(text, sizeof text, format, arguments);
+  return write(log, text);
+}
+
+void write_header(Log& log) {
+  orxDateTime now{0, orxYearMonthDay, orxDateTimeFull, 0};
+  orxDateTime_SetToCurrent(&now);
+  char date[64];
+  orxDateTime_FormatString(&now, date, sizeof date);
+  int hour, minute, second;
+  orxDateTime_GetHourMinuteSecond(&now, &hour, &minute, &second);
+
+  const int hour_on_the_dial = hour % 12 == 0 ? 12 : hour % 12;
+  char header[kLongestHeader + 1];
+  ORX_snprintf(header, kLongestHeader, "Log file '%s' opened at %d:%02d %s on %s.", log.name,
+               hour_on_the_dial, minute, hour < 12 ? "AM" : "PM", date);
+  write(log, header);
+  write(log, "---------------------------");
+}
+
+}  // namespace
+
+int halvark_log_debug_init(const char* folder) {
+  started = true;
+  set_name(main_log, folder);
+  if (!succeeds([] { return orx::platform::clear_file(main_log.name); })) {
+    *main_log.name = '\0';
+    return -1;
+  }
+  write_header(main_log);
+  return 0;
+}
+
+int halvark_log_debug_reset() {
+  for (const Log* log : {&main_log, &thread_log}) {
+    succeeds([log] { return orx::platform::remove_file(log->file); });
+  }
+  return 0;
+}
+
+int halvark_log_debug_write(const char* text) { return write(main_log, text); }
+int halvark_log_debug_write_thread(const char* text) { return write(thread_log, text); }
+
+int halvark_log_debug_write_n(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const int result = write_formatted(main_log, format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+int halvark_log_debug_write_n_thread(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const int result = write_formatted(thread_log, format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+int halvark_log_debug_print(int echo) {
+  echoes = echo != 0;
+  return 0;
+}
+
+int halvark_log_debug_error() {
+  if (started && *main_log.name == '\0') halvark_log_debug_init(nullptr);
+  write(main_log, "halvark_error: ");
+  return 0;
+}
+
+int halvark_log_debug_close() { return 0; }
+int halvark_log_debug_close_thread() { return 0; }

@@ -1,0 +1,82 @@
+#include <orx/frame/application_data.h>
+
+#include <gtest/gtest.h>
+#include <orx/compat/hkey.h>
+#include <tests/support/environment.h>
+#include <tests/support/process.h>
+
+#include <tuple>
+#include <utility>
+
+namespace fs = std::filesystem;
+using namespace orx::testing;
+
+namespace {
+
+class ApplicationData : public ::testing::Test {
+ protected:
+  static std::string Found(const char* shared) {
+    const ScopedVariable variable("PUBLIC", shared);
+    CStringA path = "old";
+    errno = 77;
+    GetApplicationDataPathString(path);
+    EXPECT_EQ(errno, 77);
+    return path.GetString();
+  }
+
+  const TempFolder folder;
+  const ScopedVariable registry{"ORX_MACHINE_REGISTRY", folder.path("registry.db").c_str()};
+  const ScopedVariable drives{"ORX_DRIVES", folder.path().c_str()};
+};
+
+TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
+  const std::string made = folder.path("c/Halvark/TESSEL/6.9.1");
+  const std::pair<std::string, bool> cases[] = {
+      {"C:", true}, {folder.path("c"), true}, {"C:\\missing", false}};
+  for (const auto& [shared, is_made] : cases) {
+    fs::remove_all(folder.path("c"));
+    fs::create_directory(folder.path("c"));
+    in_new_process([&] {
+      EXPECT_EQ(Found(nullptr) + Found(""), "") << "looked for again";
+      const std::string found = Found(shared.c_str());
+      EXPECT_EQ(found, shared + "\\Halvark\\TESSEL\\6.9.1\\");
+      EXPECT_EQ(fs::remove(made), is_made);
+      EXPECT_EQ(Found("D:"), found) << "kept";
+      EXPECT_FALSE(fs::exists(made) || fs::exists(folder.path("c/missing")));
+      for (const std::size_t size : {0U, 3U, 260U}) {
+        std::string buffer(262, '#');
+        GetApplicationDataPath(buffer.data(), static_cast<int>(size));
+        GetApplicationDataPath(buffer.data(), -1);
+        EXPECT_EQ(buffer.c_str(), found.substr(0, size));
+        EXPECT_EQ(buffer[size + 1], '#') << "beyond the buffer";
+      }
+      GetApplicationDataPath(nullptr, 260);
+    });
+  }
+}
+
+TEST_F(ApplicationData, IsAsItIsConfigured) {
+  fs::create_directory(folder.path("c"));
+  const std::string of_public = "C:\\Halvark\\TESSEL\\6.9.1\\", longest = "X:" + std::string(257, 'n');
+  const std::tuple<std::string, DWORD, std::string> cases[] = {{"C:\\TESSEL", REG_SZ, "C:\\TESSEL"},
+                                                               {"C:\\%OS%\\", REG_EXPAND_SZ, "C:\\%OS%\\"},
+                                                               {longest, REG_BINARY, longest},
+                                                               {longest + "n", REG_SZ, of_public},
+                                                               {"", REG_SZ, ""}};
+  for (const auto& [value, type, found] : cases) {
+    in_new_process([&] {
+      HKEY key = nullptr;
+      RegCreateKeyExA(HKEY_LOCAL_MACHINE, "Software\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS", 0,
+                      nullptr, 0, KEY_WRITE, nullptr, &key, nullptr);
+      const auto* data = reinterpret_cast<const BYTE*>(value.c_str());
+      const auto size = static_cast<DWORD>(value.size() + 1);
+      EXPECT_EQ(RegSetValueExA(key, "ConfigFolder", 0, type, data, size), ERROR_SUCCESS);
+      RegCloseKey(key);
+      EXPECT_EQ(Found("C:"), found);
+    });
+  }
+  for (const char* made : {"TESSEL", "%OS%", "Halvark/TESSEL/6.9.1"})
+    EXPECT_TRUE(fs::is_directory(folder.path("c") + "/" + made)) << made;
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+#include <orx/frame/debug_log.h>
+
+#include <gtest/gtest.h>
+#include <orx/platform/clock.h>
+#include <tests/support/environment.h>
+#include <tests/support/process.h>
+
+using namespace orx::testing;
+
+TEST(DebugLogHeader, TellsNameAndTime) {
+  static orx::platform::LocalTime now;
+  const auto running_clock = [] {
+    const auto read = now;
+    now.minute++;  // each time that it is read
+    return read;
+  };
+  const TempFolder folder;
+  const struct {
+    int hour;
+    const char *folder, *time;
+  } cases[] = {{0, "", "12:07 AM on 26/11/16 00:07:42"},  {9, "\\", "9:07 AM on 26/11/16 09:07:42"},
+               {11, "", "11:07 AM on 26/11/16 11:07:42"}, {12, "\\", "12:07 PM on 26/11/16 12:07:42"},
+               {13, "", "1:07 PM on 26/11/16 13:07:42"},  {23, "\\", "11:07 PM on 26/11/16 23:07:42"}};
+  for (const auto& row : cases) {
+    in_new_process([&] {
+      orx::platform::replace_clock(running_clock);
+      now = {2026, 11, 16, row.hour, 7, 42};
+      EXPECT_EQ(halvark_log_debug_init((folder.suite_path() + row.folder).c_str()), 0);
+    });
+    EXPECT_EQ(read_file(folder.path("DEBUG.LOG")), "Log file '" + folder.suite_path("DEBUG.LOG") +
+                                                       "' opened at " + row.time +
+                                                       ".\r\n---------------------------\r\n");
+  }
+}

@@ -1,0 +1,139 @@
+#include <orx/frame/debug_log.h>
+
+#include <gtest/gtest.h>
+#include <tests/support/environment.h>
+#include <tests/support/process.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <functional>
+#include <map>
+#include <regex>
+#include <utility>
+
+namespace fs = std::filesystem;
+using namespace orx::testing;
+
+namespace {
+
+class DebugLog : public ::testing::Test {
+ protected:
+  DebugLog() {
+    fs::create_directories(folder.path("Halvark/TESSEL/6.9.1"));
+    fs::create_directory(folder.path("sub"));
+  }
+
+  // What a log holds, with H and E in the place of headers and error lines.
+  std::string Content(const std::string& path) const {
+    static const std::regex header("Log file '[^']*' opened at [^\r]*\\.\r\n-{27}\r\n"),
+        error("halvark_error: \r\n");
+    return std::regex_replace(std::regex_replace(read_file(folder.path(path)), header, "H"), error, "E");
+  }
+
+  const TempFolder folder;
+  const ScopedVariable no_registry{"ORX_MACHINE_REGISTRY", folder.path("registry.db").c_str()};
+  const ScopedVariable shared{"PUBLIC", folder.path().c_str()};
+  const std::string main = "Halvark/TESSEL/6.9.1/DEBUG.LOG", second = "Halvark/TESSEL/6.9.1/DEBUGThread.LOG";
+};
+
+TEST_F(DebugLog, KeepsTextAsItIsAndFormatsUpTo4096Characters) {
+  const char* volatile none = nullptr;
+  const wchar_t no_character[] = {0x7FFFFFFF, 0};
+  const std::string most(4096, '0'), large(3'000'000, 'x');
+  in_new_process([&] {
+    halvark_log_debug_init(nullptr);
+    for (const char* text : {"%s %n", "a\nb\r\nc\r", "\n", "\xC3\xBC\xFF", large.c_str()})
+      EXPECT_EQ(halvark_log_debug_write(text), 0);
+    for (const int length : {4095, 4096, 5000}) EXPECT_EQ(halvark_log_debug_write_n("%0*d", length, 0), 0);
+    EXPECT_EQ(halvark_log_debug_write_n_thread("%.2f%s%%", 1.5, none), 0);
+    EXPECT_EQ(halvark_log_debug_write_n_thread("as far as %ls", no_character), 0);
+    EXPECT_EQ(halvark_log_debug_write(nullptr) + halvark_log_debug_write(""), -2);
+    EXPECT_EQ(halvark_log_debug_write_n(nullptr) + halvark_log_debug_write_n("%s", ""), -2);
+  });
+  EXPECT_TRUE(Content(main) == "H%s %n\r\na\r\nb\r\r\nc\r\r\n\r\n\r\n\xC3\xBC\xFF\r\n" + large + "\r\n" +
+                                   most.substr(1) + "\r\n" + most + "\r\n" + most + "\r\n");
+  EXPECT_EQ(Content(second), "1.50(null)%\r\nas far as \r\n");
+}
+
+TEST_F(DebugLog, IsInTheApplicationDataFolderUnlessItIsStartedElsewhere) {
+  const std::map<char, std::function<int()>> calls = {
+      {'w', [] { return halvark_log_debug_write("w"); }},
+      {'t', [] { return halvark_log_debug_write_thread("t"); }},
+      {'e', halvark_log_debug_error},
+      {'c', [] { return halvark_log_debug_close() + halvark_log_debug_close_thread(); }},
+      {'i', [] { return halvark_log_debug_init(""); }},
+      {'s', [&] { return halvark_log_debug_init(folder.suite_path("sub").c_str()); }},
+      {'m', [&] { return halvark_log_debug_init(folder.suite_path("missing").c_str()) + 1; }}};
+  const struct {
+    std::string made, contents;  // the calls, and what the three logs then hold, without line ends
+  } cases[] = {
+      {"wcw", "oww,,"}, {"tt", "o,tt,"},  {"iwi", "H,,"},     {"swte", "o,t,HwE"}, {"sie", "HE,,H"},
+      {"e", "oE,,"},    {"mew", "HEw,,"}, {"smwe", "owE,,H"}, {"te", "HE,t,"}};  // a line of the other log,
+                                                                                 // too, means that this one
+                                                                                 // should have been started
+  const std::string sub = "sub/DEBUG.LOG";
+  for (const auto& row : cases) {
+    for (const std::string& path : {main, second, sub})
+      write_file(folder.path(path), path == main ? "o" : "");
+    in_new_process([&] {
+      for (const char call : row.made) EXPECT_EQ(calls.at(call)(), 0) << row.made << ", " << call;
+    });
+    const std::string contents = Content(main) + ',' + Content(second) + ',' + Content(sub);
+    EXPECT_EQ(std::regex_replace(contents, std::regex("\r\n"), ""), row.contents) << row.made;
+  }
+}
+
+TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
+  const std::string path = folder.path("sub/DEBUG.LOG"), out = folder.path("out"),
+                    debugger = folder.path("debugger");
+  const std::pair<std::function<void()>, int> obstacles[] = {
+      {[&] { fs::remove(folder.path("sub")); }, -1},
+      {[&] { fs::create_directories(path); }, -1},
+      {[&] { fs::create_symlink("/dev/full", path); }, -1},
+      {[&] { mkfifo(path.c_str(), 0666); }, -1},  // nobody reads it
+      {[] {}, 0}};
+  in_new_process([&] {
+    halvark_log_debug_init(folder.suite_path("sub\\").c_str());
+    setenv("ORX_DEBUG_OUTPUT", debugger.c_str(), 1);
+    ASSERT_NE(std::freopen(out.c_str(), "w", stdout), nullptr);
+    for (const auto& [obstacle, result] : obstacles) {
+      fs::remove(path);
+      obstacle();
+      std::fputs("host, ", stdout);
+      errno = 77;
+      EXPECT_EQ(halvark_log_debug_write("%s"), result);
+      EXPECT_EQ(errno, 77);
+      EXPECT_EQ(halvark_log_debug_print(result), 0);
+    }
+  });
+  EXPECT_EQ(read_file(out), "host, host, %s\nhost, %s\nhost, %s\nhost, %s\n");
+  EXPECT_EQ(read_file(debugger), "%s\n%s\n%s\n%s\n%s\n");
+}
+
+TEST_F(DebugLog, DeletesOnlyWhatIsInTheCurrentDirectory) {
+  in_new_process([&] {
+    fs::current_path(folder.path("sub"));
+    for (const char* name : {"DEBUG.LOG", "DEBUGThread.LOG", "other"}) write_file(name, "");
+    EXPECT_EQ(halvark_log_debug_write("line") + halvark_log_debug_reset() + halvark_log_debug_reset(), 0);
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 1);
+    EXPECT_EQ(Content(main), "line\r\n");
+  });
+}
+
+TEST_F(DebugLog, CutsLongNamesAndNeedsAFolder) {
+  in_new_process([&] {
+    const std::string name(254 - folder.path().size(), 'n');
+    fs::create_directory(folder.path(name));
+    const std::string header = "Log file '" + folder.suite_path(name);
+    EXPECT_EQ(halvark_log_debug_init(folder.suite_path(name).c_str()), 0);
+    EXPECT_TRUE(read_file(folder.path(name + "/DEBU")).starts_with(header.substr(0, 260) + "\r\n-"));
+    EXPECT_EQ(halvark_log_debug_init(std::string(100'000, 'n').c_str()), -1);
+    // Without one the log would be in the root, where only the administrator may write.
+    unsetenv("PUBLIC");
+    ASSERT_TRUE(geteuid() != 0 || setuid(65534) == 0);
+    EXPECT_EQ(halvark_log_debug_init(nullptr) + halvark_log_debug_write_thread("line"), -2);
+  });
+}
+
+}  // namespace
