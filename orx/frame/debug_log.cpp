@@ -9,7 +9,6 @@
 #include <orx/platform/kept_errno.h>
 #include <orx/text/strings.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
@@ -50,7 +49,7 @@ void set_name(Log& log, const char* folder) {
 // The text mode of the C runtime: a line feed becomes CR LF, also behind a CR.
 std::string line_of(std::string_view text) {
   std::string line;
-  line.reserve(text.size() + static_cast<std::size_t>(std::ranges::count(text, '\n')) + 2);
+  line.reserve(text.size() + 2);
   for (;;) {
     const std::size_t end = text.find('\n');
     line.append(text.substr(0, end)).append("\r\n");
@@ -74,7 +73,6 @@ int write(Log& log, const char* text) {
   const orx::platform::KeptErrno kept;
   if (echoes) std::puts(text);
   orx::platform::debug_output(text);
-  orx::platform::debug_output("\n");
   started = true;
   if (*log.name == '\0') set_name(log, nullptr);
   return succeeds([&] { return orx::platform::append_to_file(log.name, line_of(text)); }) ? 0 : -1;

@@ -44,10 +44,7 @@ int result_of(LSTATUS status) { return status == ERROR_SUCCESS ? 0 : -1; }
 
 void report_last_error() {
   try {
-    const std::string text = orx::platform::last_error_text();
-    if (text.empty()) return;
-    orx::platform::debug_output(text.c_str());
-    orx::platform::debug_output("\n");
+    orx::platform::debug_output(orx::platform::last_error_text().c_str());
   } catch (const std::exception&) {
   }
 }

@@ -11,9 +11,9 @@ TEST(DebugOutput, IsAppendedToTheFileButWaitsForNobody) {
   for (const char* name : {"log", "pipe"}) {
     const orx::testing::ScopedVariable file("ORX_DEBUG_OUTPUT", folder.path(name).c_str());
     errno = 77;
-    for (const char* text : {"a", static_cast<const char*>(nullptr), "%s\n"})
+    for (const char* text : {"a", static_cast<const char*>(nullptr), "", "%s\n"})
       orx::platform::debug_output(text);
     EXPECT_EQ(errno, 77) << name;
   }
-  EXPECT_EQ(orx::testing::read_file(folder.path("log")), "a%s\n");
+  EXPECT_EQ(orx::testing::read_file(folder.path("log")), "a\n%s\n\n");
 }

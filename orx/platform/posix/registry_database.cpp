@@ -211,7 +211,7 @@ LSTATUS RegistryDatabase::Fail(LSTATUS status, std::string_view reason) {
   if (failure_ == ERROR_SUCCESS) {
     failure_ = status;
     try {
-      debug_output(("Settings in " + path_ + ": " + std::string(reason) + "\n").c_str());
+      debug_output(("Settings in " + path_ + ": " + std::string(reason)).c_str());
     } catch (const std::bad_alloc&) {  // then without a word
     }
   }
