@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace orx::platform::utf8 {
@@ -113,9 +115,16 @@ char* encode(std::uint32_t code_point, char* out) {
   return out;
 }
 
+// The host's locale may know no letters but ASCII's. Null on a system without this one, and on no other
+// ground: what is kept by its capitals must be found again.
+static locale_t unicode_locale() {
+  const locale_t made = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  if (made == nullptr && errno == ENOMEM) throw std::bad_alloc();
+  return made;
+}
+
 bool to_upper(std::string_view text, std::string& upper) {
-  // The host's locale may know no letters but ASCII's.
-  static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  static const locale_t unicode = unicode_locale();
   if (!is_valid(text)) return false;
   std::string capitals;
   capitals.reserve(text.size());
