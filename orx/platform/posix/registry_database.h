@@ -26,6 +26,7 @@ enum class Sql : std::size_t {
   kRollback,
   kDataVersion,
   kSchema,
+  kStoreName,
   kKeyExists,
   kKeyDepth,
   kFindKey,
@@ -60,7 +61,7 @@ class RegistryDatabase {
 
   // ERROR_FILE_NOT_FOUND when there is no file yet.
   LSTATUS readable() const;
-  // Of the file that is open.
+  // Another number for another store.
   std::uint64_t generation() const { return generation_; }
   // Another number when a key that was found may be gone without a deletion through this connection.
   std::uint64_t epoch() const { return epoch_; }
@@ -83,12 +84,14 @@ class RegistryDatabase {
   LSTATUS Connect(bool is_made);
   LSTATUS Open();
   LSTATUS CheckSchema();
+  void Identify();
   bool HasMoved() const;
   LSTATUS Start(Sql begin);
 
   const RegistryPlace& place_;
   std::string path_;
-  Database database_;  // null: there is no file yet
+  std::string identity_;  // of the store that is or was there last
+  Database database_;     // null: there is no file yet
   std::array<Statement, static_cast<std::size_t>(Sql::kCount)> statements_;
   std::uint64_t generation_ = 0;
   std::uint64_t epoch_ = 0;
