@@ -144,9 +144,10 @@ LSTATUS RegistryDatabase::Start(Sql begin) {
   if (Do(begin) != ERROR_SUCCESS) return failure_;
   Run run(Prepared(Sql::kDataVersion));
   if (Found(run) != ERROR_SUCCESS) return failure_;
-  if (run.Integer(0) != data_version_) ++epoch_;
+  if (run.Integer(0) == data_version_) return failure_;
   data_version_ = run.Integer(0);
-  return failure_;
+  ++epoch_;
+  return CheckSchema();  // who wrote may be of a later version, and have made the file its own
 }
 
 LSTATUS RegistryDatabase::End() {
