@@ -133,7 +133,6 @@ void RegistryDatabase::Begin(RegistryTransaction::Intent intent) {
 LSTATUS RegistryDatabase::StartWriting() {
   if (is_writing_ || failure_ != ERROR_SUCCESS) return failure_;
   is_writing_ = true;
-  // The host is not to end by a limit on file sizes.
   signals_.emplace();
   const bool is_reading = database_ != nullptr && sqlite3_get_autocommit(database_.get()) == 0;
   const LSTATUS status = is_reading ? Do(Sql::kCommit) : Connect(/*is_made=*/true);
@@ -240,6 +239,7 @@ LSTATUS RegistryDatabase::Connect(bool is_made) {
 LSTATUS RegistryDatabase::Open() {
   constexpr int kFlags =
       SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE;
+  signals_.emplace();  // a new file is written to, and so is one that a killed process has left half written
   sqlite3* opened = nullptr;
   const int error = sqlite3_open_v2(path_.c_str(), &opened, kFlags, nullptr);
   database_.reset(opened);

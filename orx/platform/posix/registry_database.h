@@ -100,7 +100,7 @@ class RegistryDatabase {
   bool is_active_ = false;
   bool is_writing_ = false;
   LSTATUS failure_ = ERROR_SUCCESS;
-  std::optional<SignalsHeld> signals_;
+  std::optional<SignalsHeld> signals_;  // while it writes: the host is not to end by a limit on file sizes
 };
 
 }  // namespace orx::platform

@@ -19,23 +19,6 @@ HKEY handle_of(std::uintptr_t uses, std::size_t place) {
   return reinterpret_cast<HKEY>((uses & kUsesMask) << kUsesShift | (place + 1) << kPlaceShift);
 }
 
-// Is not destroyed with the library: what a host does after that still finds it.
-union Kept {
-  Kept() : value() {}
-  ~Kept() {}
-  Registry value;
-};
-
-struct Closer {
-  Registry& registry;
-  ~Closer() {
-    registry.user.Close();
-    registry.machine.Close();
-    registry.keys = {};
-    registry.free_places = {};
-  }
-};
-
 void lock_registry() { registry().mutex.lock(); }
 void unlock_registry() { registry().mutex.unlock(); }
 
@@ -47,13 +30,22 @@ void abandon_registry() {
   new (&registry().mutex) std::recursive_mutex;
 }
 
+// Is closed with the library, but not destroyed: what a host does after that still finds it.
+union Kept {
+  Kept() : value() { pthread_atfork(lock_registry, unlock_registry, abandon_registry); }
+  ~Kept() {
+    value.user.Close();
+    value.machine.Close();
+    value.keys = {};
+    value.free_places = {};
+  }
+  Registry value;
+};
+
 }  // namespace
 
 Registry& registry() {
   static Kept kept;
-  static const Closer closer{kept.value};
-  [[maybe_unused]] static const int ignored =
-      pthread_atfork(lock_registry, unlock_registry, abandon_registry);
   return kept.value;
 }
 
