@@ -10,7 +10,6 @@
 #include <cstring>
 #include <exception>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -18,10 +17,10 @@ namespace {
 using orx::platform::RegistryKey;
 using orx::platform::RegistryTransaction;
 
-constexpr char kProductKey[] = "Halvark Software\\TESSEL\\6.9.1";
+constexpr char kProductKey[] = "Software\\Halvark Software\\TESSEL\\6.9.1";
 
 // Level names, up to a null one.
-using Path = std::array<const char*, 5>;
+using Levels = std::array<const char*, 5>;
 
 struct Value {
   DWORD type;
@@ -42,56 +41,72 @@ Value number_value(DWORD type, const Number& number) {
 
 int result_of(LSTATUS status) { return status == ERROR_SUCCESS ? 0 : -1; }
 
-void report_last_error() {
+// What a flat function does, failing as any other when memory is exhausted.
+template <class Body>
+int guarded(Body body) {
   try {
-    orx::platform::debug_output(orx::platform::last_error_text().c_str());
+    return body();
   } catch (const std::exception&) {
+    return -1;
   }
 }
 
-// Opens the suite's key, made if it is missing, and goes on from there, a step for each level of the path.
-template <class Step>
-LSTATUS open(const Path& path, RegistryKey& key, REGSAM access, Step step) {
-  LSTATUS status = key.Open(HKEY_CURRENT_USER, "Software", access);
-  if (status == ERROR_SUCCESS) status = key.Create(key, kProductKey);
-  for (const char* const* level = path.data(); status == ERROR_SUCCESS && *level != nullptr; ++level) {
-    status = step(*level);
+void report_last_error() { orx::platform::debug_output(orx::platform::last_error_text().c_str()); }
+
+enum class EmptyLevel { kPassedOver, kFails };
+
+// A path from the root, as far as its levels can be names.
+struct Path {
+  std::string text = kProductKey;
+  bool is_whole = true;
+
+  Path(const Levels& levels, EmptyLevel empty) {
+    for (const char* const* level = levels.data(); *level != nullptr && is_whole; ++level) {
+      is_whole = **level != '\\' && (**level != '\0' || empty == EmptyLevel::kPassedOver);
+      if (is_whole && **level != '\0') text.append("\\").append(*level);
+    }
   }
+};
+
+// A key that is missing is not made to read it, but for the suite's own: it could not hold the value, and
+// would have to go again.
+LSTATUS open_existing(const Path& path, RegistryKey& key) {
+  const LSTATUS status = key.Open(HKEY_CURRENT_USER, path.text.c_str(), KEY_ALL_ACCESS);
+  RegistryKey product;
+  if (status == ERROR_FILE_NOT_FOUND) product.Create(HKEY_CURRENT_USER, kProductKey);
   return status;
 }
 
-constexpr LSTATUS kEmptyLevel = -1;  // no code of the system's
-
-// Keys that are missing are not made: they could not hold the value, and would have to go again.
-int read(const Path& path, const char* name, void* buffer, int size) {
-  if (size < 0) return -1;
-  RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
-  RegistryKey key;
-  LSTATUS status = open(path, key, KEY_READ, [&](const char* level) {
-    return *level != '\0' ? key.Open(key, level, KEY_ALL_ACCESS) : kEmptyLevel;
+int read(const Levels& levels, const char* name, void* buffer, int size) {
+  return guarded([&] {
+    const Path path(levels, EmptyLevel::kFails);
+    if (size < 0 || !path.is_whole) return -1;
+    RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
+    RegistryKey key;
+    LSTATUS status = open_existing(path, key);
+    if (status == ERROR_SUCCESS) status = key.Query(name, buffer, static_cast<DWORD>(size));
+    const LSTATUS end = transaction.End();
+    if (status != ERROR_SUCCESS) report_last_error();
+    return result_of(status == ERROR_SUCCESS ? end : status);
   });
-  if (status == ERROR_SUCCESS) status = key.Query(name, buffer, static_cast<DWORD>(size));
-  const LSTATUS end = transaction.End();
-  if (status != ERROR_SUCCESS && status != kEmptyLevel) report_last_error();
-  return status == ERROR_SUCCESS ? result_of(end) : -1;
 }
 
 bool exists(const Path& path, const char* name) {
   const RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
   RegistryKey key;
-  const auto step = [&](const char* level) { return key.Open(key, level, KEY_ALL_ACCESS); };
-  return open(path, key, KEY_QUERY_VALUE, step) == ERROR_SUCCESS && key.HasValue(name);
+  return path.is_whole && open_existing(path, key) == ERROR_SUCCESS && key.HasValue(name);
 }
 
-// Does something to a key, which is made if it is missing.
+// Does something to a key, which is made if it is missing. What was made on the way to a level that cannot be
+// stays.
 template <class Change>
-int change(const Path& path, REGSAM access, Change change_key) {
+LSTATUS change(const Path& path, Change change_key) {
   RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kWrite);
   RegistryKey key;
-  LSTATUS status = open(path, key, access, [&](const char* level) { return key.Create(key, level); });
-  if (status == ERROR_SUCCESS) status = change_key(key);
+  LSTATUS status = key.Create(HKEY_CURRENT_USER, path.text.c_str());
+  if (status == ERROR_SUCCESS) status = path.is_whole ? change_key(key) : LSTATUS{ERROR_BAD_PATHNAME};
   const LSTATUS end = transaction.End();
-  return result_of(status == ERROR_SUCCESS ? end : status);
+  return status == ERROR_SUCCESS ? end : status;
 }
 
 LSTATUS set(const RegistryKey& key, const char* name, const Value& value) {
@@ -99,57 +114,55 @@ LSTATUS set(const RegistryKey& key, const char* name, const Value& value) {
                          : LSTATUS{ERROR_INVALID_PARAMETER};
 }
 
-int write(const Path& path, const char* name, const Value& value) {
-  return change(path, KEY_READ, [&](const RegistryKey& key) { return set(key, name, value); });
+int write(const Levels& levels, const char* name, const Value& value) {
+  return guarded([&] {
+    const Path path(levels, EmptyLevel::kPassedOver);
+    return result_of(change(path, [&](const RegistryKey& key) { return set(key, name, value); }));
+  });
 }
 
-int initialise(const Path& path, const char* name, const Value& value) {
-  if (exists(path, name)) return 0;
-  // Another process may have been faster: nobody else writes from here on.
-  return change(path, KEY_QUERY_VALUE, [&](const RegistryKey& key) {
-    return key.HasValue(name) ? LSTATUS{ERROR_SUCCESS} : set(key, name, value);
+int initialise(const Levels& levels, const char* name, const Value& value) {
+  return guarded([&] {
+    const Path path(levels, EmptyLevel::kPassedOver);
+    if (exists(path, name)) return 0;
+    // Another process may have been faster: nobody else writes from here on.
+    return result_of(change(path, [&](const RegistryKey& key) {
+      return key.HasValue(name) ? LSTATUS{ERROR_SUCCESS} : set(key, name, value);
+    }));
   });
 }
 
 template <class Delete>
 int remove(const char* key1, const char* name, Delete delete_key) {
-  if (name == nullptr) return -1;
-  return change({key1}, KEY_WRITE, [&](const RegistryKey& key) { return delete_key(key, name); });
+  return guarded([&] {
+    if (name == nullptr) return -1;
+    const Path path({key1}, EmptyLevel::kPassedOver);
+    return result_of(change(path, [&](const RegistryKey& key) { return delete_key(key, name); }));
+  });
 }
 
-// Makes what is missing level by level, also within one that has several with backslashes between them.
-// `path` is what was gone through so far, `made` what was made of it.
-LSTATUS make_levels(const char* level, RegistryKey& key, std::string& path, std::vector<std::string>& made) {
-  LSTATUS status = *level != '\0' ? ERROR_SUCCESS : kEmptyLevel;
-  while (status == ERROR_SUCCESS && *level != '\0') {
-    const std::size_t length = std::max<std::size_t>(std::strcspn(level, "\\"), 1);
-    const std::string name(level, length);
+// Opens a path, and notes the keys that had to be made for it.
+LSTATUS make_levels(const Path& path, RegistryKey& key, std::vector<std::string>& made) {
+  LSTATUS status = ERROR_SUCCESS;
+  for (std::size_t end = std::strlen(kProductKey); status == ERROR_SUCCESS;
+       end = path.text.find('\\', end + 1)) {
     bool is_new = false;
-    status = key.Create(key, name.c_str(), &is_new);
-    path += path.empty() ? name : '\\' + name;
-    if (is_new) made.push_back(path);
-    level += length + std::strspn(level + length, "\\");
+    const std::string so_far = path.text.substr(0, end);
+    status = key.Create(HKEY_CURRENT_USER, so_far.c_str(), &is_new);
+    if (is_new && so_far != kProductKey) made.push_back(so_far);
+    if (end == std::string::npos) break;
   }
-  return status;
+  return status == ERROR_SUCCESS && !path.is_whole ? LSTATUS{ERROR_BAD_PATHNAME} : status;
 }
 
-void delete_levels(std::vector<std::string>&& made) {
-  RegistryKey product;
-  if (open({}, product, KEY_READ, [](const char*) { return LSTATUS{ERROR_SUCCESS}; }) != ERROR_SUCCESS)
-    return;
-  for (; !made.empty(); made.pop_back()) {
-    if (RegDeleteKeyA(product, made.back().c_str()) != ERROR_SUCCESS) report_last_error();
-  }
-}
-
-int open_key(const Path& levels, HKEY& opened) {
+int open_key(const Path& path, HKEY& opened) {
   RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
   RegistryKey key;
-  std::string path;
   std::vector<std::string> made;
-  const LSTATUS status =
-      open(levels, key, KEY_READ, [&](const char* level) { return make_levels(level, key, path, made); });
-  if (status != ERROR_SUCCESS) delete_levels(std::move(made));
+  const LSTATUS status = make_levels(path, key, made);
+  for (; status != ERROR_SUCCESS && !made.empty(); made.pop_back()) {
+    if (RegDeleteKeyA(HKEY_CURRENT_USER, made.back().c_str()) != ERROR_SUCCESS) report_last_error();
+  }
   if (transaction.End() != ERROR_SUCCESS || status != ERROR_SUCCESS) return -1;
   opened = key.Release();
   return 0;
@@ -229,11 +242,7 @@ int hvk_RegInitInt(const char* key1, const char* key2, const char* key3, const c
 
 int hvk_RegOpenKey(const char* key1, const char* key2, const char* key3, const char* key4, HKEY* key) {
   if (key == nullptr) return -1;
-  try {
-    return open_key({key1, key2, key3, key4}, *key);
-  } catch (const std::exception&) {
-    return -1;
-  }
+  return guarded([&] { return open_key(Path({key1, key2, key3, key4}, EmptyLevel::kFails), *key); });
 }
 
 int hvk_RegCloseKey(HKEY* key) { return key != nullptr ? result_of(RegCloseKey(*key)) : -1; }
