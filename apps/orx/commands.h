@@ -2,6 +2,7 @@
 // nothing is then saved.
 #pragma once
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -19,6 +20,17 @@ struct Arguments {
   bool overwrite = false;
   bool make_default = false;
   bool no_default = false;
+
+  std::string key;
+  std::optional<std::string> value;  // the name of a value
+  std::string data;
+  std::string type;
+  bool tree = false;
+
+  std::string text;
+  std::string order;
+  std::string kind;
+  bool full = false;
 };
 
 using Command = void (*)(const Arguments& arguments, std::ostream& out);
@@ -33,6 +45,17 @@ void list_show(const Arguments& arguments, std::ostream& out);
 void list_add(const Arguments& arguments, std::ostream& out);
 void list_remove(const Arguments& arguments, std::ostream& out);
 void list_default(const Arguments& arguments, std::ostream& out);
+
+void registry_get(const Arguments& arguments, std::ostream& out);
+void registry_set(const Arguments& arguments, std::ostream& out);
+void registry_list(const Arguments& arguments, std::ostream& out);
+void registry_delete(const Arguments& arguments, std::ostream& out);
+void registry_export(const Arguments& arguments, std::ostream& out);
+void registry_import(const Arguments& arguments, std::ostream& out);
+
+void date_parse(const Arguments& arguments, std::ostream& out);
+void date_format(const Arguments& arguments, std::ostream& out);
+void date_now(const Arguments& arguments, std::ostream& out);
 
 void platforms(const Arguments& arguments, std::ostream& out);
 

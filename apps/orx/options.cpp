@@ -13,6 +13,8 @@ class CommandLine {
     app_.require_subcommand(1);
     add_project_commands(group(&app_, "project", "One project file"));
     add_list_commands(group(&app_, "list", "The list of projects"));
+    add_registry_commands(group(&app_, "registry", "Settings of the user and of the machine"));
+    add_date_commands(group(&app_, "date", "Dates and times"));
     json(add(&app_, "platforms", "Show the database platforms", platforms));
   }
 
@@ -77,9 +79,67 @@ class CommandLine {
     json(standard);
   }
 
+  CLI::App* add_for_key(CLI::App* parent, const char* name, const char* help, Command command) {
+    CLI::App* added = add(parent, name, help, command);
+    key(added)->required();
+    return added;
+  }
+
+  CLI::Option* key(CLI::App* command) {
+    return command->add_option("KEY", arguments_.key, "HKCU\\... of the user, or HKLM\\... of the machine");
+  }
+
+  CLI::Option* value(CLI::App* command) {
+    return command->add_option_function<std::string>(
+        "VALUE", [this](const std::string& name) { arguments_.value = name; },
+        "The name of a value; '' is the key's default value");
+  }
+
+  void type(CLI::App* command, const char* help) {
+    command->add_option("--type", arguments_.type, help)
+        ->check(CLI::IsMember({"string", "dword", "double", "float", "binary"}));
+  }
+
+  void add_registry_commands(CLI::App* registry) {
+    CLI::App* get = add_for_key(registry, "get", "Show a value, or the default value", registry_get);
+    value(get);
+    type(get, "Read it as this, whatever the bytes were stored for");
+    json(get);
+    CLI::App* set = add_for_key(registry, "set", "Write a value, making its key", registry_set);
+    value(set)->required();
+    set->add_option("DATA", arguments_.data, "A text, a number, or hexadecimal digits")->required();
+    type(set, "What DATA is; else a string");
+    json(add_for_key(registry, "list", "Show a key with all below it", registry_list));
+    CLI::App* remove = add_for_key(registry, "delete", "Delete a value, or a key", registry_delete);
+    remove->add_flag("--tree", arguments_.tree, "Delete a key with all below it")->excludes(value(remove));
+    add_for_key(registry, "export", "Write a key with all below it as JSON", registry_export)
+        ->add_option("FILE", arguments_.file, "Else it is shown");
+    key(add_for_file(registry, "import", "Add what an export holds", registry_import))
+        ->description("Where to, else where it came from");
+  }
+
+  void date_style(CLI::App* command) {
+    command->add_option("--order", arguments_.order, "Of the date's fields; else ymd")
+        ->check(CLI::IsMember({"ymd", "mdy", "dmy"}));
+    command->add_option("--kind", arguments_.kind, "What it stands for; else datetime")
+        ->check(CLI::IsMember({"datetime", "date", "time", "number"}));
+    json(command);
+  }
+
+  void add_date_commands(CLI::App* date) {
+    CLI::App* parse = add(date, "parse", "Read a date or a time", date_parse);
+    parse->add_option("TEXT", arguments_.text, "Such as '2024/03/05 10:20:30'")->required();
+    date_style(parse);
+    CLI::App* format = add(date, "format", "Write a date or a time", date_format);
+    format->add_option("VALUE", arguments_.text, "Days since 1899-12-30")->required();
+    format->add_flag("--full", arguments_.full, "The year in full and first");
+    date_style(format);
+    date_style(add(date, "now", "Show the current date and time", date_now));
+  }
+
   Arguments& arguments_;
   Command& chosen_;
-  CLI::App app_{"Project files of the TESSEL suite", "orx"};
+  CLI::App app_{"Project files and settings of the TESSEL suite", "orx"};
 };
 
 }  // namespace

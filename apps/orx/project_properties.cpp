@@ -3,8 +3,9 @@
 #include <orx/projects/platform_catalogue.h>
 
 #include <algorithm>
-#include <charconv>
 #include <span>
+
+#include "numbers.h"
 
 namespace orx::cli {
 namespace {
@@ -60,15 +61,9 @@ bool set_text(std::span<char> field, const std::string& value, std::string& reas
 }
 
 bool set_number(int& field, const std::string& value, std::string& reason) {
-  int number = 0;
-  const char* const end = value.data() + value.size();
-  const auto [rest, error] = std::from_chars(value.data(), end, number);
-  if (error != std::errc{} || rest != end) {
-    reason = "takes a whole number, not '" + value + "'";
-    return false;
-  }
-  field = number;
-  return true;
+  if (read_number(value, field)) return true;
+  reason = "takes a whole number, not '" + value + "'";
+  return false;
 }
 
 bool set_platform(int& field, const std::string& value, std::string& reason) {

@@ -1,8 +1,10 @@
 #include "report.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <cmath>
 #include <nlohmann/json.hpp>
+
+#include "numbers.h"
 
 namespace orx::cli {
 namespace {
@@ -11,13 +13,14 @@ using Json = nlohmann::ordered_json;
 
 struct ToJson {
   Json operator()(std::monostate) const { return nullptr; }
+  Json operator()(double value) const { return std::isfinite(value) ? Json(value) : Json(shortest(value)); }
   Json operator()(const auto& value) const { return value; }
 };
 
 struct ToText {
   std::string operator()(std::monostate) const { return "-"; }
   std::string operator()(bool value) const { return value ? "*" : ""; }
-  std::string operator()(int value) const { return std::to_string(value); }
+  std::string operator()(auto number) const { return shortest(number); }
   std::string operator()(const std::string& value) const { return one_line(value); }
 };
 
@@ -27,36 +30,39 @@ void write_json(std::ostream& out, const Json& json) {
 
 bool continues_character(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
+constexpr std::size_t kWidestCell = 100;
+
+}  // namespace
+
 std::size_t width_of(const std::string& text) {
   return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, continues_character));
 }
-
-using Line = std::vector<std::string>;
 
 void write_aligned(std::ostream& out, const std::vector<Line>& lines) {
   std::vector<std::size_t> widths;
   for (const Line& line : lines) {
     widths.resize(std::max(widths.size(), line.size()));
-    for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], width_of(line[i]));
+    for (std::size_t i = 0; i < line.size(); ++i) {
+      const std::size_t width = width_of(line[i]);
+      if (width <= kWidestCell) widths[i] = std::max(widths[i], width);
+    }
   }
   for (const Line& line : lines) {
     std::string text;
     for (std::size_t i = 0; i < line.size(); ++i) {
-      text += line[i] + std::string(widths[i] - width_of(line[i]) + 2, ' ');
+      text += line[i] + std::string(widths[i] - std::min(widths[i], width_of(line[i])) + 2, ' ');
     }
     text.erase(text.find_last_not_of(' ') + 1);
     out << text << '\n';
   }
 }
 
-}  // namespace
-
 void write(std::ostream& out, const Record& record, Format format) {
   Json json = Json::object();
   std::vector<Line> lines;
   for (const auto& [name, value] : record) {
     json[name] = std::visit(ToJson{}, value);
-    lines.push_back({name, std::visit(ToText{}, value)});
+    lines.push_back({name, text_of(value)});
   }
   if (format == Format::kJson) return write_json(out, json);
   write_aligned(out, lines);
@@ -70,12 +76,16 @@ void write(std::ostream& out, const Table& table, Format format) {
     Line& line = lines.emplace_back();
     for (std::size_t i = 0; i < row.size(); ++i) {
       object[table.columns[i]] = std::visit(ToJson{}, row[i]);
-      line.push_back(std::visit(ToText{}, row[i]));
+      line.push_back(text_of(row[i]));
     }
   }
   if (format == Format::kJson) return write_json(out, json);
   write_aligned(out, lines);
 }
+
+std::string text_of(const Value& value) { return std::visit(ToText{}, value); }
+
+std::string json_of(const Value& value) { return std::visit(ToJson{}, value).dump(); }
 
 std::string one_line(std::string text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -90,13 +100,15 @@ std::string one_line(std::string text) {
   return text;
 }
 
-bool is_plain(const std::string& text) {
+bool is_utf8(const std::string& text) {
   try {
     (void)Json(text).dump();
   } catch (const Json::exception&) {
     return false;
   }
-  return one_line(text) == text;
+  return true;
 }
+
+bool is_plain(const std::string& text) { return is_utf8(text) && one_line(text) == text; }
 
 }  // namespace orx::cli

@@ -30,13 +30,17 @@ std::string suite_path(const std::string& file) {
   return path.data();
 }
 
-bool exists(const std::string& file) {
+std::string native_path(const std::string& file) {
   PathBuffer path{};
   if (orx_path_to_native(suite_path(file).c_str(), path.data(), path.size()) != 0) {
     throw Failure(file, "the path is too long, or its drive has no folder");
   }
+  return path.data();
+}
+
+bool exists(const std::string& file) {
   std::error_code ignored;
-  return std::filesystem::status(path.data(), ignored).type() != std::filesystem::file_type::not_found;
+  return std::filesystem::status(native_path(file), ignored).type() != std::filesystem::file_type::not_found;
 }
 
 void attach(CProjectFile& document, const std::string& file) {

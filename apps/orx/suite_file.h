@@ -10,6 +10,9 @@ namespace orx::cli {
 
 std::string suite_path(const std::string& file);
 
+// As the system takes it.
+std::string native_path(const std::string& file);
+
 // True also when it cannot be told.
 bool exists(const std::string& file);
 

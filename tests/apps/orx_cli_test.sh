@@ -7,7 +7,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/Süd Feld/Grube 1" "$work/c/Projects/Pit 2"
 cd "$work/Süd Feld/Grube 1" || exit 1
-export ORX_DRIVES=$work
+export ORX_DRIVES=$work ORX_USER_REGISTRY=$work/user.db ORX_MACHINE_REGISTRY=$work/machine.db USER=ann
 failures=0
 
 fail() {
@@ -29,9 +29,9 @@ row() {
 unchanged() { # FILE COMMAND...: the command leaves the file, or its absence, as it was
   local file=$1 before
   shift
-  before=$(cat "$file" 2>&1)
+  before=$(cat "$file" 2>&1 | cksum)
   "$@"
-  [[ $(cat "$file" 2>&1) == "$before" ]] || fail "orx changed $file: $*"
+  [[ $(cat "$file" 2>&1 | cksum) == "$before" ]] || fail "orx changed $file: $*"
 }
 
 jet=(SiteName='Süd Feld' SiteDatabase=site.mdb SiteDatabasePlatform='access 2007' ProjectName='Grube 1' DataGroupName=Alle)
@@ -121,12 +121,170 @@ Access 2016      ACCESS 2016  8   JET   \*          \*
 Jet 4            JET4         3   JET' '' platforms
 row 0 '\[*"Id": 8,*"Type": "JET",*"Creatable": true,*"Latest": true*\]' '' platforms --json
 
+# registry: NAME DATA TYPE as stored, as shown
+key='HKCU\Software\A b'
+stored() {
+  row 0 '' '' registry set 'hkey_current_user\SOFTWARE\\a B\' "$1" --type "$3" "$2"
+  row 0 "$4" '' registry get "$key" "$1" --type "$3"
+}
+while IFS='|' read -r name data type shown; do stored "$name" "$data" "$type" "${shown:-$data}"; done << 'TABLE'
+|the default value|string
+Name|Süd \ "1"|string|Süd \\ "1"
+list|set|string
+Empty||string
+Brackets|[a,b]|string|\[a,b\]
+Minus|-5|dword|4294967291
+Most|4294967295|dword
+Third|-0.3333333333333333|double
+Least|5e-324|double
+Float|0.1|float
+Raw|00fF7f|binary|00FF7F
+TABLE
+row 0 '' '' registry set "$key\Sub\\$(printf 'x%.0s' {1..100})" Long "$(printf '0a%.0s' {1..100})" --type binary
+row 0 '' '' registry set "$key" $'Two\nlines' $'of\ntext'
+row 0 'HKCU\\Software\\A b
+  (default)  string  the default value
+  Brackets   string  \[a,b\]
+  Empty      string
+  Float      binary  CDCCCC3D
+  Least      binary  0100000000000000
+  list       string  set
+  Minus      dword   4294967291 (-5)
+  Most       dword   4294967295 (-1)
+  Name       string  Süd \\ "1"
+  Raw        binary  00FF7F
+  Third      binary  555555555555D5BF
+  Two lines  string  of text
+  Sub\\
+    xx*x\\
+      Long  binary  0A0*0A... (100 bytes)' '' registry list "$key"
+row 0 '{*"Name": "Third",*"Type": "double",*"Data": -0.3333333333333333*}' '' registry get "$key" Third --type double --json
+row 0 '*"Data": "of\\ntext"*' '' registry get "$key" $'Two\nlines' --json
+
+refused() { local reason=$1; shift; unchanged "$work/user.db" row 1 '' "orx: HK??*: $reason" registry "$@"; }
+refused 'there is no such key' get "$key\None"
+refused 'there is no such key' delete "$key\None" Name
+refused "has no value 'None'" get "$key" None
+refused "has no value 'None'" delete "$key" None
+refused 'the key has no default value' get "$key\Sub"
+refused "'Float' is stored as binary of 4 bytes, which is no double" get "$key" Float --type double
+refused "'Name' is stored as string*" get "$key" Name --type dword
+refused '*-2147483648 to 4294967295*' set "$key" N --type dword 4294967296
+refused "*not '5x'" set "$key" N --type dword 5x
+refused "*not '1e400'" set "$key" N --type double 1e400
+refused "*not '0'" set "$key" N --type binary 0
+refused '*too long*' set "$key\\$(printf 'x%.0s' {1..256})" N 1
+refused 'the key has sub-keys (use --tree)' delete "$key"
+refused 'this key cannot be deleted' delete 'HKCU\software' --tree
+row 1 '' 'orx: HKXX\\A: a key begins with HKCU\\ or HKLM\\' registry list 'HKXX\A'
+row 2 '' 'orx: --tree excludes VALUE*' registry delete "$key" Name --tree
+row 2 '' 'orx: --type: long *' registry set "$key" N 1 --type long
+row 1 '' 'orx: HKLM\\SOFTWARE: there is no such key' registry list 'HKLM\SOFTWARE'
+ORX_MACHINE_REGISTRY=/sys/orx/registry.db \
+  row 1 '' 'orx: HKLM\\SOFTWARE\\X: ann may not write /sys/orx/registry.db' registry set 'HKLM\SOFTWARE\X' N 1
+ORX_USER_REGISTRY=$PWD/torn.qpr row 1 '' "orx: HKCU*: $PWD/torn.qpr is damaged, no registry, *" registry list "$key"
+
+# export and import: every type and byte, wherever it is written
+cat > all.json << 'JSON'
+{
+  "key": "HKLM\\Software\\B",
+  "values": {
+    "": {"type": "string", "data": "a\n\"ü\""},
+    "Cut": {"type": 1, "data": "6100620000"},
+    "Half": {"type": 4, "data": "0102"},
+    "Latin": {"type": 1, "data": "FC00"},
+    "Open": {"type": 1, "data": "61"},
+    "Später": {"type": 4294967295, "data": ""}
+  },
+  "keys": {
+    "Empty": {},
+    "Raw/ä": {
+      "values": {
+        "Bytes": {"type": "binary", "data": "00FF"},
+        "Number": {"type": "dword", "data": 4294967291}
+      }
+    }
+  }
+}
+JSON
+sed 's/4294967291/-5/' all.json > written.json
+row 0 '' '' registry import written.json
+row 0 "$(sed 's/[][\*?]/\\&/g' all.json)" '' registry export 'hklm\Software\B'
+row 0 '' '' registry export 'HKLM\Software\B' written.json
+cmp all.json written.json || fail 'an export differs'
+row 0 '' '' registry set "$key" Kept 1
+row 0 '' '' registry import written.json "$key"
+row 0 '*  Kept  *  Open  *  Raw/ä\\*' '' registry list "$key"
+row 0 '' '' registry export "$key" /dev/null
+row 1 '' 'orx: none/a.json: No such *' registry export "$key" none/a.json
+row 1 '' 'orx: none.json: No such *' registry import none.json
+
+before=$("$orx" registry export 'HKCU\Software')
+while IFS='|' read -r document reason; do
+  printf '%b' "$document" > bad.json
+  row 1 '' "orx: bad.json: $reason" registry import bad.json
+done << 'TABLE'
+|it is no JSON: parse error at line 1, *
+{"key": "HKCU\\\\Software",\n"values": {,}}|it is no JSON: parse error at line 2, column 12*
+{"values": {}}|at /key: *
+{"key": "HKCU\\\\Software", "keys": {"K": {"value": {}}}}|at /keys/K: 'value' is not expected
+{"key": "HKCU\\\\Software", "keys": {"K": []}}|at /keys/K: an object is expected
+{"key": "HKCU\\\\Software", "keys": {"A\\\\B": {}}}|at /keys/A*: the name of a key is one level
+{"key": "HKCU\\\\Software", "values": {"A": {"type": "dword", "data": 1}, "a": {"type": "dword", "data": 2}}}|the name 'a' stands twice*
+{"key": "HKCU\\\\Software", "values": {"A\\u0000B": {"type": "dword", "data": 1}}}|a name contains a NUL
+{"key": "HKCU\\\\Software", "values": {"A": {"type": "dword", "data": 1}, "N": {"type": "dword", "data": 1.5}}}|at /values/N/data: a whole number *
+{"key": "HKCU\\\\Software", "values": {"N": {"type": "double", "data": "1"}}}|at /values/N/type: *
+{"key": "HKCU\\\\Software", "values": {"N": {"type": "binary", "data": "0g"}}}|at /values/N/data: hexadecimal *
+{"key": "HKCU\\\\Software", "values": {"N": {"type": "string"}}}|at /values/N: both *
+TABLE
+deep() { printf '{"key": "HKCU\\\\Software", "keys": '; printf '{"K": {"keys": %.0s' $(seq "$1"); printf '{}'; printf '}}%.0s' $(seq "$1"); printf '}'; }
+deep 511 > bad.json
+row 1 '' 'orx: bad.json: * too deep in HKCU\\Software' registry import bad.json
+deep 100000 > bad.json
+row 1 '' 'orx: bad.json: it is nested too deeply' registry import bad.json
+[[ $("$orx" registry export 'HKCU\Software') == "$before" ]] || fail 'a refused import was written'
+row 0 '' '' registry delete "$key" ''
+row 1 '' 'orx: *: the key has no default value' registry get "$key"
+row 0 '' '' registry delete "$key" --tree
+row 0 'HKCU\\Software' '' registry list 'HKCU\Software'
+
+# dates: the arguments, the value, the text, the text in full; or what is wrong
+while IFS='|' read -r arguments value text full; do
+  eval "row 0 '*\"Value\": $value?(.0),*\"Text\": \"$text\",*\"FullText\": \"${full:-$text}\"*' '' date $arguments --json"
+done << 'TABLE'
+parse '2024/03/05 10:20:30'|45356.43090277778|24/03/05 10:20:30|2024/03/05 10:20:30
+parse 25/12/23 --order dmy --kind date|45285|25/12/23|2023/12/25
+parse 12/25/2031 --order mdy|48207|12/25/2031 00:00:00|2031/12/25 00:00:00
+parse 7:08 --kind time|0.2972222222222222|07:08:00| 7:08:00
+parse 3.25abc --kind number|3.25|3|3
+format -1.25|-1.25|1899/12/29 06:00:00
+TABLE
+row 0 'Value     45356*Text      24/03/05
+FullText  2024/03/05
+Year      2024
+Month     3
+Day       5' '' date parse 24/3/5 --kind date
+row 0 '24/03/05 12:00:00' '' date format 45356.5
+row 0 '2024/03/05' '' date format 45356.5 --kind date --full --order dmy
+row 0 '{*"Value": 4*.*"Year": 2*}' '' date now --json
+row 1 '' 'orx: 2023/02/29: Error: Invalid day.' date parse 2023/02/29
+row 1 '' 'orx: 5/5 25:00: it is no date and no time' date parse '5/5 25:00' --kind date
+row 1 '' 'orx: 2024/03/05T10:20: *blank between*' date parse 2024/03/05T10:20
+row 1 '' 'orx: a/b: the date has no number' date parse a/b
+row 1 '' 'orx: 1e9: it lies outside the years 100 to 9999' date format 1e9
+row 1 '' 'orx: nan: it *' date format nan
+row 1 '' 'orx: 1e19: it is too large' date format 1e19 --kind number
+row 1 '' 'orx: 1,5: it is no number' date format 1,5
+
 # a write that fails is told, whether in the commit or before, and leaves the file
 unlimited=$orx
 limited() (ulimit -Sf 1 && exec "$unlimited" "$@") # KiB
 for size in 2000 100000; do
   orx=limited unchanged all.qpl row 1 '' 'orx: all.qpl: File too large' list add all.qpl "$(printf "A%${size}s" B)" p.qpr
 done
+cp all.json kept.json
+"$orx" registry import <(printf '{"values": {"A": {"type": "string", "data": "%2000s"}}}' B) 'HKLM\Software\B'
+orx=limited unchanged kept.json row 1 '' 'orx: kept.json: File too large' registry export 'HKLM\Software\B' kept.json
 err=$("$orx" platforms 2>&1 > /dev/full)
 [[ $? == 1 && $err == 'orx: standard output: '* ]] || fail "a full disk: $err"
 { "$orx" platforms 2> "$work/err"; echo $? > "$work/status"; } | true

@@ -1,0 +1,118 @@
+#include <orx/datetime/date_defaults.h>
+#include <orx/datetime/date_time.h>
+#include <orx/datetime/date_time_format.h>
+#include <orx/datetime/date_time_parse.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <iterator>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "commands.h"
+#include "failure.h"
+#include "numbers.h"
+
+namespace orx::cli {
+namespace {
+
+struct FreeRecord {
+  void operator()(orxDateTime* record) const { orxDateTime_Free(record); }
+};
+
+using DateTime = std::unique_ptr<orxDateTime, FreeRecord>;
+
+struct Word {
+  const char* word;
+  int number;
+};
+
+constexpr Word kOrders[] = {{"mdy", orxMonthDayYear}, {"dmy", orxDayMonthYear}, {"ymd", orxYearMonthDay}};
+constexpr Word kKinds[] = {{"", orxDateTimeFull},
+                           {"datetime", orxDateTimeFull},
+                           {"date", orxDateTimeDate},
+                           {"time", orxDateTimeTime},
+                           {"number", orxDateTimeNumber}};
+
+DateTime new_record(const Arguments& arguments) {
+  const auto is = [](const std::string& word) { return [&](const Word& row) { return row.word == word; }; };
+  DateTime record(orxDateTime_New(std::ranges::find_if(kKinds, is(arguments.kind))->number));
+  if (record == nullptr) throw std::bad_alloc();
+  const Word* const order = std::ranges::find_if(kOrders, is(arguments.order));
+  if (order != std::end(kOrders)) orxDateTime_SetYMDFormat(record.get(), order->number);
+  return record;
+}
+
+using Formatter = int (*)(const orxDateTime* dt, char* buf, int size);
+
+std::string written(const DateTime& record, Formatter format) {
+  std::array<char, 64> text{};
+  format(record.get(), text.data(), static_cast<int>(text.size()));
+  return text.data();
+}
+
+// An error text of the library is "Error: Invalid day."; "No errors." of fields that it does not name.
+std::string reason_of(const DateTime& record, int result) {
+  if (result == 7) return "the date has no number";
+  if (result == -1) return "a date and a time need a blank between them";
+  std::array<char, 23> error{};
+  return orxDateTime_DiagnoseError(record.get(), error.data()) != 0 ? error.data()
+                                                                    : "it is no date and no time";
+}
+
+Record described(const DateTime& record) {
+  int year, month, day, hour, minute, second;
+  orxDateTime_GetYearMonthDayHourMinuteSecond(record.get(), &year, &month, &day, &hour, &minute, &second);
+  Record shown{{"Value", record->value},
+               {"Text", written(record, orxDateTime_FormatString)},
+               {"FullText", written(record, orxDateTime_FormatSpecialFullLengthString)}};
+  const Record date{{"Year", year}, {"Month", month}, {"Day", day}};
+  const Record time{{"Hour", hour}, {"Minute", minute}, {"Second", second}};
+  const int kind = record->kind;
+  if (kind == orxDateTimeFull || kind == orxDateTimeDate) shown.insert(shown.end(), date.begin(), date.end());
+  if (kind == orxDateTimeFull || kind == orxDateTimeTime) shown.insert(shown.end(), time.begin(), time.end());
+  return shown;
+}
+
+void require_in_range(const DateTime& record, const std::string& text) {
+  constexpr double kTooLarge = 9223372036854775808.0;  // for a whole number
+  if (record->kind == orxDateTimeNumber) {
+    if (!(std::abs(record->value) < kTooLarge)) throw Failure(text, "it is too large");
+    return;
+  }
+  int year;
+  orxDateTime_GetYearMonthDay(record.get(), &year, nullptr, nullptr);
+  if (year == -1) throw Failure(text, "it lies outside the years 100 to 9999");
+}
+
+}  // namespace
+
+void date_parse(const Arguments& arguments, std::ostream& out) {
+  const DateTime record = new_record(arguments);
+  const int result = orxDateTime_ParseString(record.get(), arguments.text.c_str());
+  if (result != 0) throw Failure(arguments.text, reason_of(record, result));
+  require_in_range(record, arguments.text);
+  write(out, described(record), arguments.format);
+}
+
+void date_format(const Arguments& arguments, std::ostream& out) {
+  const DateTime record = new_record(arguments);
+  double value = 0;
+  if (!read_number(arguments.text, value)) throw Failure(arguments.text, "it is no number");
+  orxDateTime_SetValue(record.get(), value);
+  require_in_range(record, arguments.text);
+  if (arguments.format == Format::kJson) return write(out, described(record), Format::kJson);
+  out << written(record,
+                 arguments.full ? orxDateTime_FormatSpecialFullLengthString : orxDateTime_FormatString)
+      << '\n';
+}
+
+void date_now(const Arguments& arguments, std::ostream& out) {
+  const DateTime record = new_record(arguments);
+  orxDateTime_SetToCurrent(record.get());
+  write(out, described(record), arguments.format);
+}
+
+}  // namespace orx::cli
