@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the library and the command-line host, then runs the host with the arguments given; without any, it shows the
-# sample suite.
+# Builds the library and the command-line host, then runs the host with the arguments given; without any, it shows its
+# commands and the sample suite.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$root/cmake/install_packages.sh"
@@ -13,6 +13,7 @@ cmake --build "$build" --target orx-cli -- --quiet | sed '/^ninja: no work to do
 orx=$build/apps/orx/orx
 [ $# = 0 ] || exec "$orx" "$@"
 
+"$orx" --help
 export ORX_DRIVES=$root/examples/suite/drives
 show() {
   printf '\n$ orx %s %s "%s"\n' "$@"

@@ -31,6 +31,10 @@ struct Arguments {
   std::string order;
   std::string kind;
   bool full = false;
+
+  int count = 0;
+  bool follow = false;
+  bool thread_log = false;
 };
 
 using Command = void (*)(const Arguments& arguments, std::ostream& out);
@@ -56,6 +60,12 @@ void registry_import(const Arguments& arguments, std::ostream& out);
 void date_parse(const Arguments& arguments, std::ostream& out);
 void date_format(const Arguments& arguments, std::ostream& out);
 void date_now(const Arguments& arguments, std::ostream& out);
+
+void log_path(const Arguments& arguments, std::ostream& out);
+// Following flushes `out` as lines come, and goes on until the process is asked to end.
+void log_tail(const Arguments& arguments, std::ostream& out);
+
+void key_new(const Arguments& arguments, std::ostream& out);
 
 void platforms(const Arguments& arguments, std::ostream& out);
 

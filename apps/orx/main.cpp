@@ -34,8 +34,20 @@ void print(const std::string& text) {
   }
 }
 
+// What a command shows goes out at its end, also when it fails, or as soon as it flushes.
+class Screen : public std::stringbuf {
+  int sync() override {
+    const std::string text = str();
+    str({});
+    print(text);
+    return 0;
+  }
+};
+
 void run(int argc, const char* const* argv) {
-  std::ostringstream out;
+  Screen screen;
+  std::ostream out(&screen);
+  out.exceptions(std::ios::badbit);
   orx::cli::Arguments arguments;
   const orx::cli::Command command = orx::cli::parse(argc, argv, arguments, out);
   std::optional<Failure> failure;
@@ -44,7 +56,7 @@ void run(int argc, const char* const* argv) {
   } catch (const Failure& caught) {
     failure = caught;
   }
-  print(out.str());
+  screen.pubsync();
   if (failure) throw Failure(*failure);
 }
 

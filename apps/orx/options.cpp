@@ -2,6 +2,9 @@
 #include "options.h"
 
 #include <CLI/CLI.hpp>
+#include <limits>
+#include <sstream>
+#include <string>
 
 namespace orx::cli {
 namespace {
@@ -15,7 +18,10 @@ class CommandLine {
     add_list_commands(group(&app_, "list", "The list of projects"));
     add_registry_commands(group(&app_, "registry", "Settings of the user and of the machine"));
     add_date_commands(group(&app_, "date", "Dates and times"));
+    add_log_commands(group(&app_, "log", "The debug log"));
+    add_key_commands(group(&app_, "key", "Unique keys"));
     json(add(&app_, "platforms", "Show the database platforms", platforms));
+    for (CLI::App* command : app_.get_subcommands({})) name_subcommands(command);
   }
 
   CLI::App& app() { return app_; }
@@ -23,6 +29,17 @@ class CommandLine {
  private:
   static CLI::App* group(CLI::App* parent, const char* name, const char* help) {
     return parent->add_subcommand(name, help)->require_subcommand(1);
+  }
+
+  // So that one page tells of every command.
+  static void name_subcommands(CLI::App* command) {
+    std::string help = command->get_description();
+    const char* separator = ": ";
+    for (const CLI::App* subcommand : command->get_subcommands({})) {
+      help += separator + subcommand->get_name();
+      separator = ", ";
+    }
+    command->description(help);
   }
 
   CLI::App* add(CLI::App* parent, const char* name, const char* help, Command command) {
@@ -37,8 +54,8 @@ class CommandLine {
     return added;
   }
 
-  void json(CLI::App* command) {
-    command->add_flag_callback(
+  CLI::Option* json(CLI::App* command) {
+    return command->add_flag_callback(
         "--json", [this] { arguments_.format = Format::kJson; }, "Show it as JSON");
   }
 
@@ -137,6 +154,33 @@ class CommandLine {
     date_style(add(date, "now", "Show the current date and time", date_now));
   }
 
+  CLI::Option* thread_log(CLI::App* command) {
+    return command->add_flag("--thread", arguments_.thread_log, "The log of second threads");
+  }
+
+  void count(CLI::App* command, int normal, int least, int most, const char* help) {
+    command->add_option("-n", arguments_.count, help + std::string("; else ") + std::to_string(normal))
+        ->check(CLI::Range(least, most));
+    command->preparse_callback([this, normal](std::size_t) { arguments_.count = normal; });
+  }
+
+  void add_log_commands(CLI::App* log) {
+    CLI::App* path = add(log, "path", "Show where the log is", log_path);
+    thread_log(path);
+    json(path);
+    CLI::App* tail = add(log, "tail", "Show the last lines of the log", log_tail);
+    count(tail, 10, 0, std::numeric_limits<int>::max(), "How many lines");
+    thread_log(tail);
+    CLI::Option* follow = tail->add_flag("-f", arguments_.follow, "Go on with the lines that come");
+    json(tail)->excludes(follow);
+  }
+
+  void add_key_commands(CLI::App* key) {
+    CLI::App* create = add(key, "new", "Make keys that are unique among themselves", key_new);
+    count(create, 1, 1, 999999, "How many");
+    json(create);
+  }
+
   Arguments& arguments_;
   Command& chosen_;
   CLI::App app_{"Project files and settings of the TESSEL suite", "orx"};
@@ -151,7 +195,11 @@ Command parse(int argc, const char* const* argv, Arguments& arguments, std::ostr
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (app.exit(error, out, out) == 0) return nullptr;
+    std::ostringstream told;
+    if (app.exit(error, told, told) == 0) {
+      out << told.str();
+      return nullptr;
+    }
     // What nobody asked for says more than what is missing in its place.
     const std::vector<std::string> extras = app.remaining(/*recurse=*/true);
     throw UsageError(extras.empty() ? error.what() : "'" + extras.front() + "' is not expected");

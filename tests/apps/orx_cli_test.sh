@@ -7,7 +7,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/Süd Feld/Grube 1" "$work/c/Projects/Pit 2"
 cd "$work/Süd Feld/Grube 1" || exit 1
-export ORX_DRIVES=$work ORX_USER_REGISTRY=$work/user.db ORX_MACHINE_REGISTRY=$work/machine.db USER=ann
+export ORX_DRIVES=$work ORX_USER_REGISTRY=$work/user.db ORX_MACHINE_REGISTRY=$work/machine.db PUBLIC=$work/public USER=ann
 failures=0
 
 fail() {
@@ -275,6 +275,54 @@ row 1 '' 'orx: 1e9: it lies outside the years 100 to 9999' date format 1e9
 row 1 '' 'orx: nan: it *' date format nan
 row 1 '' 'orx: 1e19: it is too large' date format 1e19 --kind number
 row 1 '' 'orx: 1,5: it is no number' date format 1,5
+
+# the log, read from its end, and followed through whatever happens to it
+log="$work/public/Halvark/TESSEL/6.9.1/DEBUG.LOG"
+PUBLIC='' row 1 '' 'orx: the log: there is no folder*' log path
+row 1 '' "orx: $log: No such file or directory" log tail
+mkdir "$work/public"
+row 0 "$log" '' log path
+row 0 '{*"Path": "*/DEBUGThread.LOG"*}' '' log path --thread --json
+seq -f $'line %.0f\r' 30000 > "$log"
+row 0 "$(seq -f 'line %.0f' 29991 30000)" '' log tail
+row 0 "$(seq -f 'line %.0f' 10000 30000)" '' log tail -n 20001
+row 0 "$(seq -f 'line %.0f' 30000)" '' log tail -n 30001
+row 0 '' '' log tail -n 0
+printf 'a\tb\r\n\r\nopen' > "$log"
+row 0 $'a b\n\nopen' '' log tail
+row 0 '\[*{*"Line": ""*},*{*"Line": "open"*}*\]' '' log tail -n 2 --json
+row 2 '' 'orx: -n: *' log tail -n -1
+row 2 '' 'orx: -f excludes --json*' log tail -f --json
+
+shown() { # LINES: waits for what the follower shows
+  for ((i = 0; i < 300; ++i)); do
+    [[ $(cat "$work/shown") == "$1" ]] && return
+    sleep 0.1
+  done
+  fail "log tail -f: $(cat "$work/shown")" "  expected: $1"
+}
+for signal in INT TERM; do
+  printf 'one\r\ntwo\r\nhal' > "$log"
+  "$orx" log tail -n 2 -f > "$work/shown" &
+  shown $'two'
+  printf 'f\r\nthree\r\n' >> "$log"
+  shown $'two\nhalf\nthree'
+  printf 'four\r\n' > "$log"
+  shown $'two\nhalf\nthree\nfour'
+  printf 'another that is longer\r\n' > "$log"
+  shown $'two\nhalf\nthree\nfour\nanother that is longer'
+  kill -s "$signal" $!
+  wait $! || fail "log tail -f: status $? after $signal"
+done
+(while sleep 0.1; do echo more >> "$log"; done) &
+{ "$orx" log tail -f 2> "$work/err"; echo $? > "$work/status"; } | true
+kill $!
+[[ $(cat "$work/status" "$work/err") == $'1\norx: standard output: '* ]] || fail "a reader that left: $(cat "$work/err")"
+
+keys=$("$orx" key new -n 20000)
+[[ $(sort -u <<< "$keys" | grep -cE '^[0-9]{12}0[0-9]{5}$') == 20000 ]] || fail "key new: $(head -3 <<< "$keys")..."
+row 0 '\[*{*"Key": "*000001"*}*\]' '' key new --json
+row 2 '' 'orx: -n: *' key new -n 0
 
 # a write that fails is told, whether in the commit or before, and leaves the file
 unlimited=$orx

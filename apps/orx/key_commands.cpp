@@ -1,0 +1,23 @@
+#include <orx/text/unique_key.h>
+
+#include "commands.h"
+
+namespace orx::cli {
+
+void key_new(const Arguments& arguments, std::ostream& out) {
+  Table table{{"Key"}, {}};
+  char key[64];
+  char stamp[32] = "";
+  int counter = 0;
+  for (int i = 0; i < arguments.count; ++i) {
+    GenerateKey(key, sizeof key, stamp, &counter);
+    if (arguments.format == Format::kText) {
+      out << key << '\n';
+    } else {
+      table.rows.push_back({std::string(key)});
+    }
+  }
+  if (arguments.format == Format::kJson) write(out, table, Format::kJson);
+}
+
+}  // namespace orx::cli
