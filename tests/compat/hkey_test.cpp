@@ -118,6 +118,8 @@ TEST_F(RegistryKeyTest, QueriesTellSizeAndTypeBeforeTheyGiveBytes) {
   EXPECT_EQ(RegSetValueExA(key_, "x", 0, REG_SZ, nullptr, 1), ERROR_NOACCESS);
   EXPECT_EQ(Set(key_, "X", "new"), ERROR_SUCCESS);
   EXPECT_EQ(values(key_), Names{"x"});
+  EXPECT_EQ(Set(key_, "a", "before the one that was listed"), ERROR_SUCCESS);
+  EXPECT_EQ(values(key_), (Names{"a", "x"}));
   EXPECT_EQ(RegDeleteValueA(key_, "X"), ERROR_SUCCESS);
   EXPECT_EQ(RegDeleteValueA(key_, "X"), ERROR_FILE_NOT_FOUND);
 }

@@ -211,7 +211,9 @@ template <class Deliver>
 LSTATUS RegistryStore::ListItem(Sql sql, Listing& listing, KeyId key, DWORD index, Deliver deliver) {
   if (const LSTATUS status = database_.readable(); status != ERROR_SUCCESS) return status;
   const std::uint64_t generation = database_.generation();
-  const bool goes_on = listing.key == key && listing.generation == generation && index >= listing.index;
+  // A listing that begins anew finds what was made meanwhile before the place where the last one was.
+  const bool goes_on =
+      index > 0 && listing.key == key && listing.generation == generation && index >= listing.index;
   if (!goes_on) listing = {key, generation, 0, {}};
   LSTATUS status;
   {
