@@ -75,48 +75,66 @@ void put(Members& members, const Tree& tree) {
   members.Close();
 }
 
-// Two names that the registry takes for one, and a name that ends before its end, would silently lose a
-// value.
-class NameCheck {
+constexpr std::size_t kLongestReason = 300;  // the parser repeats what it read
+constexpr std::size_t kDeepestNesting = 2 * kDeepestLevel + 4;
+
+// Refuses what a parsed document does not tell any more: two names in an object that the registry takes for
+// one, and a name that goes on behind a NUL, would silently lose a value.
+class NameCheck : public nlohmann::json_sax<Json> {
  public:
   explicit NameCheck(std::string file) : file_(std::move(file)) {}
 
-  bool operator()(int depth, Json::parse_event_t event, const Json& json) {
-    if (event == Json::parse_event_t::object_start) objects_.emplace_back();
-    if (event == Json::parse_event_t::object_end) objects_.pop_back();
-    if (static_cast<std::size_t>(depth) > 2 * kDeepestLevel + 4)
-      throw Failure(file_, "it is nested too deeply");
-    if (event == Json::parse_event_t::key) {
-      const auto& name = json.get_ref<const std::string&>();
-      if (name.find('\0') != std::string::npos) throw Failure(file_, "a name contains a NUL");
-      if (!objects_.back().insert(name.c_str()).second) {
-        throw Failure(file_, "the name '" + name + "' stands twice in one object");
-      }
-    }
+  bool key(string_t& name) override {
+    Require(name.find('\0') == string_t::npos, "a name contains a NUL");
+    Require(objects_.back().insert(name.c_str()).second,
+            "the name '" + name + "' stands twice in one object");
     return true;
   }
+  bool start_object(std::size_t /*size*/) override { return Enter(); }
+  bool end_object() override { return Leave(); }
+  bool start_array(std::size_t /*size*/) override { return Enter(); }
+  bool end_array() override { return Leave(); }
+
+  bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
+                   const nlohmann::detail::exception& error) override {
+    const std::string what = error.what();  // "[its number] what and where"
+    throw Failure(file_, "it is no JSON: " + what.substr(what.find(']') + 2, kLongestReason));
+  }
+
+  bool null() override { return true; }
+  bool boolean(bool /*value*/) override { return true; }
+  bool number_integer(number_integer_t /*value*/) override { return true; }
+  bool number_unsigned(number_unsigned_t /*value*/) override { return true; }
+  bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
+  bool string(string_t& /*value*/) override { return true; }
+  bool binary(binary_t& /*value*/) override { return true; }
 
  private:
   struct Less {
     bool operator()(const CStringA& a, const CStringA& b) const { return a.CompareNoCase(b) < 0; }
   };
 
+  void Require(bool holds, const std::string& reason) const {
+    if (!holds) throw Failure(file_, reason);
+  }
+  bool Enter() {
+    Require(objects_.size() < kDeepestNesting, "it is nested too deeply");
+    objects_.emplace_back();
+    return true;
+  }
+  bool Leave() {
+    objects_.pop_back();
+    return true;
+  }
+
   std::string file_;
-  std::vector<std::set<CStringA, Less>> objects_;
+  std::vector<std::set<CStringA, Less>> objects_;  // the names of those that are open, and none of an array
 };
 
-constexpr std::size_t kLongestReason = 300;  // the parser repeats what it read
-
 Json parse(const std::string& text, const std::string& file) {
-  try {
-    return Json::parse(text,
-                       [check = NameCheck(file)](int depth, Json::parse_event_t event, Json& json) mutable {
-                         return check(depth, event, json);
-                       });
-  } catch (const Json::parse_error& error) {
-    const std::string what = error.what();  // "[its number] what and where"
-    throw Failure(file, "it is no JSON: " + what.substr(what.find(']') + 2, kLongestReason));
-  }
+  NameCheck check(file);
+  Json::sax_parse(text, &check);
+  return Json::parse(text);
 }
 
 class Reader {
