@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <exception>
 #include <iterator>
 #include <utility>
 
@@ -206,6 +207,25 @@ Tree read_tree(const KeyName& key) {
   return tree;
 }
 
-void write_tree(const KeyName& key, const Tree& tree) { write_below(OpenKey(key, Use::kWrite), key, tree); }
+void write_tree(const KeyName& key, const Tree& tree) {
+  struct Change {
+    const KeyName& key;
+    const Tree& tree;
+    std::exception_ptr failure;
+  } change{key, tree, nullptr};
+  const auto write = [](void* context) -> LSTATUS {
+    auto& [name, below_it, failure] = *static_cast<Change*>(context);
+    try {
+      write_below(OpenKey(name, Use::kWrite), name, below_it);
+      return ERROR_SUCCESS;
+    } catch (...) {  // through the library goes only that it failed
+      failure = std::current_exception();
+      return ERROR_INVALID_PARAMETER;
+    }
+  };
+  const LSTATUS status = orx_registry_change(key.root, write, &change);
+  if (change.failure) std::rethrow_exception(change.failure);
+  check(key, status, Use::kWrite);
+}
 
 }  // namespace orx::cli

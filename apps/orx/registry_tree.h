@@ -44,7 +44,7 @@ void delete_value(const KeyName& key, const std::string& name);
 
 bool has_sub_keys(const KeyName& key);
 Tree read_tree(const KeyName& key);
-// Adds to what is there, and replaces the values of the same name.
+// Adds to what is there, and replaces the values of the same name; all or nothing.
 void write_tree(const KeyName& key, const Tree& tree);
 
 }  // namespace orx::cli

@@ -42,7 +42,7 @@ class RegistryKey {
 };
 
 // While it lives, what the thread does below a root is one transaction where the system has such, and keys
-// cost less to open. Transactions do not nest.
+// cost less to open. One within another is a part of it, and ends with it.
 class RegistryTransaction {
  public:
   enum Intent { kRead, kWrite };  // one begun for reading may write all the same, if it must
@@ -52,11 +52,13 @@ class RegistryTransaction {
   RegistryTransaction& operator=(const RegistryTransaction&) = delete;
   ~RegistryTransaction();  // ends it, if that is not done yet
 
-  // What was written stays written only if this succeeds, whatever became of the rest.
-  LSTATUS End();
+  enum Outcome { kKept, kUndone };
+
+  // What was written stays written only if it is kept and this succeeds, whatever became of the rest.
+  LSTATUS End(Outcome outcome = kKept);
 
  private:
-  HKEY root_;
+  HKEY root_;  // null: nothing to end
 };
 
 // The file that holds what is below a root; empty where the system keeps that elsewhere, and when there is no

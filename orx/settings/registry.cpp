@@ -276,3 +276,13 @@ int orx_registry_file(HKEY root, char* path, size_t size) {
   std::memcpy(path, file.c_str(), file.size() + 1);
   return fits ? 0 : -1;
 }
+
+LSTATUS orx_registry_change(HKEY root, LSTATUS (*change)(void* context), void* context) {
+  if (change == nullptr) return ERROR_INVALID_PARAMETER;
+  if (root != HKEY_CURRENT_USER && root != HKEY_LOCAL_MACHINE) return ERROR_INVALID_HANDLE;
+  RegistryTransaction transaction(root, RegistryTransaction::kWrite);
+  const LSTATUS status = change(context);
+  const LSTATUS end =
+      transaction.End(status == ERROR_SUCCESS ? RegistryTransaction::kKept : RegistryTransaction::kUndone);
+  return status == ERROR_SUCCESS ? end : status;
+}

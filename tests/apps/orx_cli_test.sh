@@ -332,6 +332,10 @@ for size in 2000 100000; do
 done
 cp all.json kept.json
 "$orx" registry import <(printf '{"values": {"A": {"type": "string", "data": "%2000s"}}}' B) 'HKLM\Software\B'
+printf '{"keys": {"Z": {"values": {"A": {"type": "dword", "data": 1}, "L": {"type": "string", "data": "%99999s"}}}}}' B > large.json
+before=$("$orx" registry export 'HKLM\Software\B')
+orx=limited row 1 '' 'orx: HKLM\\Software\\B*: *' registry import large.json 'HKLM\Software\B'
+[[ $("$orx" registry export 'HKLM\Software\B') == "$before" ]] || fail 'an import that failed was written in part'
 orx=limited unchanged kept.json row 1 '' 'orx: kept.json: File too large' registry export 'HKLM\Software\B' kept.json
 err=$("$orx" platforms 2>&1 > /dev/full)
 [[ $? == 1 && $err == 'orx: standard output: '* ]] || fail "a full disk: $err"

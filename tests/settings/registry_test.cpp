@@ -239,6 +239,37 @@ TEST_F(SettingsTest, ThePlottingProductIsFoundByItsFolder) {
   RegCloseKey(key);
 }
 
+struct Change {
+  HKEY key;
+  LSTATUS result;
+};
+
+TEST_F(SettingsTest, AChangeIsKeptAsAWholeOrNotAtAll) {
+  const auto change = [](void* context) {
+    const auto& [key, result] = *static_cast<Change*>(context);
+    const BYTE data[] = {1, 2};
+    EXPECT_EQ(RegSetValueExA(key, "raw", 0, REG_BINARY, data, sizeof data), ERROR_SUCCESS);
+    EXPECT_EQ(hvk_RegWriteInt("A", "B", nullptr, nullptr, "number", 7), 0);
+    EXPECT_EQ(hvk_RegSHDeleteKey(nullptr, "old"), 0);
+    int number = 0;
+    EXPECT_EQ(hvk_RegReadInt("A", "B", nullptr, nullptr, "number", &number), 0);
+    EXPECT_EQ(number, 7);
+    return result;
+  };
+  ASSERT_EQ(hvk_RegWriteInt("old", nullptr, nullptr, nullptr, "x", 1), 0);
+  Change context{Key(), ERROR_BUSY};
+  EXPECT_EQ(orx_registry_change(HKEY_CURRENT_USER, change, &context), ERROR_BUSY);
+  EXPECT_EQ(sub_keys(context.key), Names{"old"});
+  EXPECT_EQ(values(context.key), Names{});
+  context.result = ERROR_SUCCESS;
+  EXPECT_EQ(orx_registry_change(HKEY_CURRENT_USER, change, &context), ERROR_SUCCESS);
+  EXPECT_EQ(sub_keys(context.key), Names{"A"});
+  EXPECT_EQ(Stored("A\\B", "number"), "4:07000000");
+  EXPECT_EQ(Stored("", "raw"), "3:0102");
+  EXPECT_EQ(orx_registry_change(HKEY_CURRENT_USER, nullptr, nullptr), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(orx_registry_change(nullptr, change, &context), ERROR_INVALID_HANDLE);
+}
+
 mode_t mode_of(const std::string& path) {
   struct stat status {};
   return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;

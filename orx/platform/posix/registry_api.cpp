@@ -31,7 +31,7 @@ LSTATUS in_transaction(const OpenKey& key, Intent intent, Operation operation) {
   } catch (const std::bad_alloc&) {
     status = ERROR_NOT_ENOUGH_MEMORY;
   }
-  const LSTATUS end = is_own ? database.End() : LSTATUS{ERROR_SUCCESS};
+  const LSTATUS end = is_own ? database.End(RegistryTransaction::kKept) : LSTATUS{ERROR_SUCCESS};
   return end != ERROR_SUCCESS ? end : status;
 }
 
@@ -93,15 +93,21 @@ constexpr struct {
 RegistryTransaction::RegistryTransaction(HKEY root, Intent intent) : root_(root) {
   const KeptErrno kept;
   registry().mutex.lock();
-  registry().StoreOf(root).database().Begin(intent);
+  RegistryDatabase& database = registry().StoreOf(root).database();
+  if (!database.is_active()) {
+    database.Begin(intent);
+  } else {
+    root_ = nullptr;
+    registry().mutex.unlock();
+  }
 }
 
 RegistryTransaction::~RegistryTransaction() { End(); }
 
-LSTATUS RegistryTransaction::End() {
+LSTATUS RegistryTransaction::End(Outcome outcome) {
   if (root_ == nullptr) return ERROR_SUCCESS;
   const KeptErrno kept;
-  const LSTATUS status = registry().StoreOf(root_).database().End();
+  const LSTATUS status = registry().StoreOf(root_).database().End(outcome);
   root_ = nullptr;
   registry().mutex.unlock();
   if (status != ERROR_SUCCESS) last_error = status;

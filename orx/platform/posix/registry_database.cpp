@@ -149,12 +149,12 @@ LSTATUS RegistryDatabase::Start(Sql begin) {
   return CheckSchema();  // who wrote may be of a later version, and have made the file its own
 }
 
-LSTATUS RegistryDatabase::End() {
+LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
   is_active_ = false;
   const auto is_open = [this] {
     return database_ != nullptr && sqlite3_get_autocommit(database_.get()) == 0;
   };
-  if (is_open() && failure_ == ERROR_SUCCESS) Do(Sql::kCommit);
+  if (is_open() && failure_ == ERROR_SUCCESS && outcome == RegistryTransaction::kKept) Do(Sql::kCommit);
   if (is_open()) {
     Run rollback(Prepared(Sql::kRollback));
     rollback.Step();

@@ -56,7 +56,7 @@ class RegistryDatabase {
   void Begin(RegistryTransaction::Intent intent);
   // Goes on with a transaction that may write; what was read before may have changed.
   LSTATUS StartWriting();
-  LSTATUS End();
+  LSTATUS End(RegistryTransaction::Outcome outcome);
   bool is_active() const { return is_active_; }
 
   // ERROR_FILE_NOT_FOUND when there is no file yet.
