@@ -29,9 +29,9 @@ row() {
 unchanged() { # FILE COMMAND...: the command leaves the file, or its absence, as it was
   local file=$1 before
   shift
-  before=$(cat "$file" 2>&1 | cksum)
+  before=$(cksum "$file" 2>&1)
   "$@"
-  [[ $(cat "$file" 2>&1 | cksum) == "$before" ]] || fail "orx changed $file: $*"
+  [[ $(cksum "$file" 2>&1) == "$before" ]] || fail "orx changed $file: $*"
 }
 
 jet=(SiteName='Süd Feld' SiteDatabase=site.mdb SiteDatabasePlatform='access 2007' ProjectName='Grube 1' DataGroupName=Alle)
@@ -161,21 +161,21 @@ row 0 'HKCU\\Software\\A b
 row 0 '{*"Name": "Third",*"Type": "double",*"Data": -0.3333333333333333*}' '' registry get "$key" Third --type double --json
 row 0 '*"Data": "of\\ntext"*' '' registry get "$key" $'Two\nlines' --json
 
-refused() { local reason=$1; shift; unchanged "$work/user.db" row 1 '' "orx: HK??*: $reason" registry "$@"; }
-refused 'there is no such key' get "$key\None"
-refused 'there is no such key' delete "$key\None" Name
-refused "has no value 'None'" get "$key" None
-refused "has no value 'None'" delete "$key" None
-refused 'the key has no default value' get "$key\Sub"
-refused "'Float' is stored as binary of 4 bytes, which is no double" get "$key" Float --type double
-refused "'Name' is stored as string*" get "$key" Name --type dword
-refused '*-2147483648 to 4294967295*' set "$key" N --type dword 4294967296
-refused "*not '5x'" set "$key" N --type dword 5x
-refused "*not '1e400'" set "$key" N --type double 1e400
-refused "*not '0'" set "$key" N --type binary 0
-refused '*too long*' set "$key\\$(printf 'x%.0s' {1..256})" N 1
-refused 'the key has sub-keys (use --tree)' delete "$key"
-refused 'this key cannot be deleted' delete 'HKCU\software' --tree
+rejected() { local reason=$1; shift; unchanged "$work/user.db" row 1 '' "orx: HK??*: $reason" registry "$@"; }
+rejected 'there is no such key' get "$key\None"
+rejected 'there is no such key' delete "$key\None" Name
+rejected "has no value 'None'" get "$key" None
+rejected "has no value 'None'" delete "$key" None
+rejected 'the key has no default value' get "$key\Sub"
+rejected "'Float' is stored as binary of 4 bytes, which is no double" get "$key" Float --type double
+rejected "'Name' is stored as string*" get "$key" Name --type dword
+rejected '*-2147483648 to 4294967295*' set "$key" N --type dword 4294967296
+rejected "*not '5x'" set "$key" N --type dword 5x
+rejected "*not '1e400'" set "$key" N --type double 1e400
+rejected "*not '0'" set "$key" N --type binary 0
+rejected '*too long*' set "$key\\$(printf 'x%.0s' {1..256})" N 1
+rejected 'the key has sub-keys (use --tree)' delete "$key"
+rejected 'this key cannot be deleted' delete 'HKCU\software' --tree
 row 1 '' 'orx: HKXX\\A: a key begins with HKCU\\ or HKLM\\' registry list 'HKXX\A'
 row 2 '' 'orx: --tree excludes VALUE*' registry delete "$key" Name --tree
 row 2 '' 'orx: --type: long *' registry set "$key" N 1 --type long
