@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <vector>
 
 using orx::platform::stack_left;
@@ -73,20 +72,6 @@ TEST(Stack, OfAnotherThreadIsItsOwn) {
   ASSERT_EQ(pthread_create(&thread, &attributes, run, nullptr), 0);
   pthread_join(thread, nullptr);
   pthread_attr_destroy(&attributes);
-}
-
-TEST(Stack, OfASignalHandlerIsNotKnown) {
-  static std::size_t left = 1;
-  std::vector<char> memory(kMiB);
-  stack_t others{}, before{};
-  others.ss_sp = memory.data();
-  others.ss_size = memory.size();
-  struct sigaction action {};
-  action.sa_handler = [](int) { left = stack_left(); };
-  action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
-  EXPECT_EQ(sigaltstack(&others, &before) | sigaction(SIGUSR1, &action, nullptr) | raise(SIGUSR1), 0);
-  EXPECT_EQ(sigaltstack(&before, nullptr), 0);
-  EXPECT_EQ(left, 0U);
 }
 
 }  // namespace
