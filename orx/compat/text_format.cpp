@@ -6,11 +6,21 @@
 #include <locale.h>
 
 namespace orx::compat {
+namespace {
+
+// Numbers and all else as in C, but wide text has all its characters, where the system has such a locale.
+locale_t made_locale() {
+  const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  return unicode != nullptr ? unicode : newlocale(LC_ALL_MASK, "C", nullptr);
+}
+
+}  // namespace
 
 int format_text(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
-  static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
   const int host_errno = errno;
-  const locale_t host_locale = uselocale(c_locale);
+  static const locale_t own_locale = made_locale();
+  const locale_t host_locale = uselocale(own_locale);
+  errno = host_errno;  // for %m
   const int length = std::vsnprintf(buffer, size, format, arguments);
   uselocale(host_locale);
   errno = host_errno;

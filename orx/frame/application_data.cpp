@@ -1,6 +1,7 @@
 #include <orx/frame/application_data.h>
 
 #include <orx/platform/file_system.h>
+#include <orx/platform/kept_errno.h>
 #include <orx/platform/paths.h>
 #include <orx/platform/registry_key.h>
 #include <orx/text/strings.h>
@@ -72,6 +73,7 @@ void GetApplicationDataPath(char* buffer, int size) {
 }
 
 void GetApplicationDataPathString(CStringA& path) {
+  const orx::platform::KeptErrno kept;
   path.Empty();
   try {
     path = application_data_folder();

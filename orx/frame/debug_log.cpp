@@ -34,7 +34,8 @@ constinit Log thread_log{"DEBUGThread.LOG", ""};
 constinit std::atomic<bool> started = false;  // a start or a line was tried, in either log
 constinit std::atomic<bool> echoes = false;
 
-// A null or empty folder: the application data folder. Where that is empty too, the name is in the root.
+// A null or empty folder: the application data folder. Where that is empty too there is no name, and no log
+// until it is found.
 void set_name(Log& log, const char* folder) {
   char chosen[kLongestName + 1];
   if (folder != nullptr && *folder != '\0') {
@@ -43,7 +44,8 @@ void set_name(Log& log, const char* folder) {
     GetApplicationDataPath(chosen, kLongestName);
   }
   const bool separated = std::string_view(chosen).ends_with('\\');
-  ORX_snprintf(log.name, kLongestName, separated ? "%s%s" : "%s\\%s", chosen, log.file);
+  *log.name = '\0';
+  if (*chosen != '\0') ORX_snprintf(log.name, kLongestName, separated ? "%s%s" : "%s\\%s", chosen, log.file);
 }
 
 // The text mode of the C runtime: a line feed becomes CR LF, also behind a CR.

@@ -27,8 +27,8 @@ ORX_API int halvark_log_debug_reset(void);
 ORX_API int halvark_log_debug_write(const char* text);
 ORX_API int halvark_log_debug_write_thread(const char* text);
 
-// One line by the printf conventions of the C runtime, cut at 4096 characters; numbers are written alike in
-// every locale. A null format, and one that comes to nothing, gives -1.
+// One line by the printf conventions of the C runtime, cut at 4096 characters; numbers and wide text are
+// written alike in every locale. A null format, and one that comes to nothing, gives -1.
 ORX_API int halvark_log_debug_write_n(const char* format, ...) ORX_PRINTF(1, 2);
 ORX_API int halvark_log_debug_write_n_thread(const char* format, ...) ORX_PRINTF(1, 2);
 
