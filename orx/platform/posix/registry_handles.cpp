@@ -2,6 +2,8 @@
 
 #include <pthread.h>
 
+#include <cstddef>
+#include <memory>
 #include <new>
 
 namespace orx::platform {
@@ -30,23 +32,39 @@ void abandon_registry() {
   new (&registry().mutex) std::recursive_mutex;
 }
 
-// Is closed with the library, but not destroyed: what a host does after that still finds it.
-union Kept {
-  Kept() : value() { pthread_atfork(lock_registry, unlock_registry, abandon_registry); }
-  ~Kept() {
-    value.user.Close();
-    value.machine.Close();
-    value.keys = {};
-    value.free_places = {};
+alignas(Registry) std::byte place_of_registry[sizeof(Registry)];
+
+// The registry is closed with the library, but not destroyed: what a host does after that still finds it.
+struct Life {
+  Life() {
+    new (place_of_registry) Registry;
+    pthread_atfork(lock_registry, unlock_registry, abandon_registry);
   }
-  Registry value;
+  ~Life() { registry().Close(); }
 };
+
+void renew(RegistryStore& store, const RegistryPlace& place) {
+  std::destroy_at(&store);
+  std::construct_at(&store, place);
+}
 
 }  // namespace
 
 Registry& registry() {
-  static Kept kept;
-  return kept.value;
+  static const Life life;
+  return *std::launder(reinterpret_cast<Registry*>(place_of_registry));
+}
+
+// Other threads may still be at it.
+void Registry::Close() {
+  const std::lock_guard lock(mutex);
+  user.database().Disconnect();
+  machine.database().Disconnect();
+  if (free_places.size() != keys.size()) return;
+  renew(user, kUserRegistry);
+  renew(machine, kMachineRegistry);
+  keys = std::vector<OpenKey>();
+  free_places = std::vector<std::uint32_t>();
 }
 
 const OpenKey* Registry::Find(HKEY handle) const {

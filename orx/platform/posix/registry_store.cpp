@@ -143,14 +143,6 @@ LSTATUS RegistryStore::ListValue(KeyId key, DWORD index, const NameOutput& outpu
   });
 }
 
-void RegistryStore::Close() {
-  database_.Disconnect();
-  known_ = {};
-  known_name_ = {};
-  keys_ = {};
-  values_ = {};
-}
-
 LSTATUS RegistryStore::Exists(KeyId key) {
   if (key == kRootKey) return database_.readable();
   Run run(database_.Prepared(Sql::kKeyExists));

@@ -44,9 +44,6 @@ class RegistryStore {
   LSTATUS ListKey(KeyId key, DWORD index, const NameOutput& output);
   LSTATUS ListValue(KeyId key, DWORD index, const NameOutput& output, const ValueOutput& value);
 
-  // Keeps nothing in memory but what keys need that are still open.
-  void Close();
-
  private:
   // Where a listing stands, so that the next item need not be counted from the first.
   struct Listing {
