@@ -83,6 +83,7 @@ TEST_F(RegistryKeyTest, PathsNameLevels) {
       << "kept as first written, sorted without case";
   EXPECT_EQ(Open("none"), ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(Open("A", HKEY_LOCAL_MACHINE), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(Open("\\A", HKEY_LOCAL_MACHINE), ERROR_BAD_PATHNAME) << "also without a file";
 }
 
 TEST_F(RegistryKeyTest, QueriesTellSizeAndTypeBeforeTheyGiveBytes) {
@@ -206,6 +207,10 @@ TEST_F(RegistryKeyTest, ListingsGoOnWhereTheyWere) {
     EXPECT_EQ(RegEnumValueA(key_, index, name, &name_size, nullptr, &type, data, &size), status) << index;
     EXPECT_STREQ(name, expected) << index;
   }
+  DWORD size = sizeof name;
+  EXPECT_EQ(RegEnumKeyExA(HKEY_LOCAL_MACHINE, 0, name, &size, nullptr, nullptr, nullptr, nullptr),
+            ERROR_NO_MORE_ITEMS)
+      << "also without a file";
   DWORD none = 1;
   EXPECT_EQ(RegEnumValueA(key_, 1, name, &none, nullptr, nullptr, nullptr, nullptr), ERROR_MORE_DATA);
 }

@@ -334,6 +334,12 @@ TEST_F(SettingsTest, AStoreThatWasReplacedIsOpenedAnew) {
   std::filesystem::rename(folder_.path("saved.db"), folder_.path("config/user.db"));
   EXPECT_EQ(hvk_RegReadInt(nullptr, nullptr, nullptr, nullptr, "x", &number), 0);
   EXPECT_EQ(number, 1);
+
+  HKEY machine = nullptr;
+  RegCreateKeyExA(HKEY_LOCAL_MACHINE, "A", 0, nullptr, 0, KEY_READ, nullptr, &machine, nullptr);
+  std::filesystem::remove(folder_.path("etc/machine.db"));
+  EXPECT_EQ(RegQueryValueExA(machine, "x", nullptr, nullptr, nullptr, nullptr), ERROR_KEY_DELETED);
+  RegCloseKey(machine);
 }
 
 TEST_F(SettingsTest, LargeValuesComeBackWhole) {

@@ -223,7 +223,10 @@ LSTATUS RegistryDatabase::Fail(LSTATUS status, std::string_view reason) {
 LSTATUS RegistryDatabase::Connect(bool is_made) {
   std::string path = registry_path(place_);
   if (database_ != nullptr && path == path_ && !HasMoved()) return ERROR_SUCCESS;
-  if (database_ != nullptr || path != path_) identity_.clear();
+  if (database_ != nullptr || path != path_) {
+    identity_.clear();
+    ++generation_;  // even if no other store is there
+  }
   Disconnect();
   path_ = std::move(path);
   if (path_.empty()) return Fail(ERROR_BAD_PATHNAME, "the user has no home");

@@ -40,8 +40,8 @@ bool fold_value_name(std::string_view name, std::string& folded) {
 }  // namespace
 
 LSTATUS RegistryStore::Find(KeyId from, std::string_view path, KeyId& found) {
-  if (const LSTATUS status = database_.readable(); status != ERROR_SUCCESS) return status;
   if (path.starts_with('\\')) return ERROR_BAD_PATHNAME;
+  if (const LSTATUS status = database_.readable(); status != ERROR_SUCCESS) return status;
   if (FindKnown(from, path, found)) return ERROR_SUCCESS;
   if (const LSTATUS status = Exists(from); status != ERROR_SUCCESS) return status;
   KeyId key = from;
@@ -201,13 +201,13 @@ void RegistryStore::Know(KeyId from, std::string_view path, KeyId found) {
 
 template <class Deliver>
 LSTATUS RegistryStore::ListItem(Sql sql, Listing& listing, KeyId key, DWORD index, Deliver deliver) {
-  if (const LSTATUS status = database_.readable(); status != ERROR_SUCCESS) return status;
+  LSTATUS status = database_.readable();
+  if (status != ERROR_SUCCESS) return status == ERROR_FILE_NOT_FOUND ? LSTATUS{ERROR_NO_MORE_ITEMS} : status;
   const std::uint64_t generation = database_.generation();
   // A listing that begins anew finds what was made meanwhile before the place where the last one was.
   const bool goes_on =
       index > 0 && listing.key == key && listing.generation == generation && index >= listing.index;
   if (!goes_on) listing = {key, generation, 0, {}};
-  LSTATUS status;
   {
     Run run(database_.Prepared(sql));
     status = database_.Found(run.Bind(key).Bind(listing.folded).Bind(index - listing.index));
