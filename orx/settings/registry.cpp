@@ -91,10 +91,11 @@ int read(const Levels& levels, const char* name, void* buffer, int size) {
   });
 }
 
-bool exists(const Path& path, const char* name) {
-  const RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
+LSTATUS look_for(const Path& path, const char* name, bool& is_there) {
+  RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
   RegistryKey key;
-  return path.is_whole && open_existing(path, key) == ERROR_SUCCESS && key.HasValue(name);
+  is_there = path.is_whole && open_existing(path, key) == ERROR_SUCCESS && key.HasValue(name);
+  return transaction.End();
 }
 
 // Does something to a key, which is made if it is missing. What was made on the way to a level that cannot be
@@ -124,7 +125,9 @@ int write(const Levels& levels, const char* name, const Value& value) {
 int initialise(const Levels& levels, const char* name, const Value& value) {
   return guarded([&] {
     const Path path(levels, EmptyLevel::kPassedOver);
-    if (exists(path, name)) return 0;
+    bool is_there = false;
+    if (look_for(path, name, is_there) != ERROR_SUCCESS) return -1;
+    if (is_there) return 0;
     // Another process may have been faster: nobody else writes from here on.
     return result_of(change(path, [&](const RegistryKey& key) {
       return key.HasValue(name) ? LSTATUS{ERROR_SUCCESS} : set(key, name, value);

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <iterator>
 #include <new>
 #include <thread>
@@ -103,11 +102,11 @@ LSTATUS status_of_system_error(int error) {
 }
 
 // Many short waits of unequal length, so that each of several writers gets its turn.
-int wait_for_others(void* /*unused*/, int count) {
+int wait_for_others(void* pointer, int /*count*/) {
   using std::chrono::steady_clock;
-  static thread_local steady_clock::time_point deadline;
+  auto& deadline = *static_cast<steady_clock::time_point*>(pointer);
   const auto now = steady_clock::now();
-  if (count == 0) deadline = now + std::chrono::milliseconds(registry_patience);
+  if (deadline == steady_clock::time_point()) deadline = now + std::chrono::milliseconds(registry_patience);
   if (now >= deadline) return 0;
   std::this_thread::sleep_for(std::chrono::microseconds(200 + now.time_since_epoch().count() / 64 % 2048));
   return 1;
@@ -119,6 +118,7 @@ void RegistryDatabase::Begin(RegistryTransaction::Intent intent) {
   is_active_ = true;
   is_writing_ = false;
   failure_ = ERROR_SUCCESS;
+  deadline_ = {};
   try {
     if (intent == RegistryTransaction::kWrite) {
       StartWriting();
@@ -247,7 +247,7 @@ LSTATUS RegistryDatabase::Open() {
   const int error = sqlite3_open_v2(path_.c_str(), &opened, kFlags, nullptr);
   database_.reset(opened);
   ++epoch_;
-  if (error == SQLITE_OK) sqlite3_busy_handler(opened, wait_for_others, nullptr);
+  if (error == SQLITE_OK) sqlite3_busy_handler(opened, wait_for_others, &deadline_);
   if (error != SQLITE_OK) Fail(error);
   if (failure_ == ERROR_SUCCESS && CheckSchema() == ERROR_SUCCESS && Execute(kSettings) == ERROR_SUCCESS)
     Identify();

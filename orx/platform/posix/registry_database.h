@@ -8,6 +8,7 @@
 #include <orx/platform/registry_key.h>
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -16,7 +17,7 @@
 
 namespace orx::platform {
 
-// How long a call waits for other processes, in milliseconds; tests shorten it.
+// How long a transaction waits for other processes, in milliseconds; tests shorten it.
 extern int registry_patience;
 
 enum class Sql : std::size_t {
@@ -100,6 +101,7 @@ class RegistryDatabase {
   bool is_active_ = false;
   bool is_writing_ = false;
   LSTATUS failure_ = ERROR_SUCCESS;
+  std::chrono::steady_clock::time_point deadline_;  // from the first wait of a transaction on
   std::optional<SignalsHeld> signals_;  // while it writes: the host is not to end by a limit on file sizes
 };
 
