@@ -50,7 +50,7 @@ class RegistryTransaction {
   RegistryTransaction(HKEY root, Intent intent);
   RegistryTransaction(const RegistryTransaction&) = delete;
   RegistryTransaction& operator=(const RegistryTransaction&) = delete;
-  ~RegistryTransaction();  // ends it, if that is not done yet
+  ~RegistryTransaction();  // undoes it, if it has not ended
 
   enum Outcome { kKept, kUndone };
 

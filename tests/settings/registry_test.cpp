@@ -266,6 +266,11 @@ TEST_F(SettingsTest, AChangeIsKeptAsAWholeOrNotAtAll) {
   EXPECT_EQ(sub_keys(context.key), Names{"A"});
   EXPECT_EQ(Stored("A\\B", "number"), "4:07000000");
   EXPECT_EQ(Stored("", "raw"), "3:0102");
+  const auto throws = [](void*) -> LSTATUS {
+    throw hvk_RegWriteInt("thrown", nullptr, nullptr, nullptr, "x", 1);
+  };
+  EXPECT_THROW(orx_registry_change(HKEY_CURRENT_USER, throws, nullptr), int);
+  EXPECT_EQ(sub_keys(Key()), Names{"A"});
   EXPECT_EQ(orx_registry_change(HKEY_CURRENT_USER, nullptr, nullptr), ERROR_INVALID_PARAMETER);
   EXPECT_EQ(orx_registry_change(nullptr, change, &context), ERROR_INVALID_HANDLE);
 }

@@ -102,7 +102,7 @@ RegistryTransaction::RegistryTransaction(HKEY root, Intent intent) : root_(root)
   }
 }
 
-RegistryTransaction::~RegistryTransaction() { End(); }
+RegistryTransaction::~RegistryTransaction() { End(kUndone); }
 
 LSTATUS RegistryTransaction::End(Outcome outcome) {
   if (root_ == nullptr) return ERROR_SUCCESS;

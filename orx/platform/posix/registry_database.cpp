@@ -160,8 +160,9 @@ LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
     rollback.Step();
     ++epoch_;
   }
-  // One that may have been mended meanwhile deserves another look.
-  if (failure_ != ERROR_SUCCESS && failure_ != ERROR_BUSY && failure_ != ERROR_DISK_FULL) Disconnect();
+  // One that may have been mended meanwhile deserves another look; and SQLite may have undone by itself what
+  // was found here.
+  if (failure_ != ERROR_SUCCESS && failure_ != ERROR_BUSY) Disconnect();
   signals_.reset();
   return failure_;
 }
@@ -294,6 +295,7 @@ void RegistryDatabase::Disconnect() {
 void RegistryDatabase::Abandon() {
   for (Statement& statement : statements_) (void)statement.release();
   (void)database_.release();
+  failure_ = ERROR_BUSY;  // with what its parent has begun
 }
 
 }  // namespace orx::platform
