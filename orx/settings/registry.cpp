@@ -10,6 +10,7 @@
 #include <cstring>
 #include <exception>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -260,10 +261,11 @@ int hvk_RegSHDeleteKey(const char* key1, const char* name) {
 
 int hvk_GetChartwrightInstallFolder(char* buffer, int size) {
   if (buffer == nullptr || size < 1) return -1;
-  *buffer = '\0';  // as it stays if the value has no bytes
+  const char first = std::exchange(*buffer, '\0');  // as it stays if the value has no bytes
   RegistryKey key;
   LSTATUS status = key.Open(HKEY_LOCAL_MACHINE, "Software\\Halvark Software\\Chartwright", KEY_QUERY_VALUE);
   if (status == ERROR_SUCCESS) status = key.Query("InstallFolder", buffer, static_cast<DWORD>(size));
+  if (status != ERROR_SUCCESS) *buffer = first;
   return status == ERROR_SUCCESS && *buffer != '\0' ? 0 : -1;
 }
 

@@ -66,7 +66,8 @@ ORX_API int hvk_RegCloseKey(HKEY* key);
 ORX_API int hvk_RegDeleteKey(const char* key1, const char* name);
 ORX_API int hvk_RegSHDeleteKey(const char* key1, const char* name);
 
-// The folder in which the plotting product is installed on this machine; an empty one is a failure.
+// The folder in which the plotting product is installed on this machine; an empty one is a failure, and a
+// buffer that it does not fit into stays as it is, as it does without such a folder.
 ORX_API int hvk_GetChartwrightInstallFolder(char* buffer, int size);
 
 // The file that holds the settings of HKEY_CURRENT_USER or HKEY_LOCAL_MACHINE, as a path of the system with

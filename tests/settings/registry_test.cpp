@@ -215,6 +215,7 @@ TEST_F(SettingsTest, AnOpenedKeyIsTheCallersToClose) {
 TEST_F(SettingsTest, ThePlottingProductIsFoundByItsFolder) {
   char folder[8] = "before";
   EXPECT_EQ(hvk_GetChartwrightInstallFolder(folder, sizeof folder), -1);
+  EXPECT_STREQ(folder, "before") << "a default stays";
   EXPECT_FALSE(std::filesystem::exists(folder_.path("etc"))) << "asking makes nothing";
   HKEY key = nullptr;
   ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvark Software\\Chartwright", 0, nullptr, 0,
