@@ -77,9 +77,10 @@ ORX_API int orx_registry_file(HKEY root, char* path, size_t size);
 // Calls `change` with `context`, and makes all that the thread writes below a root meanwhile, with the
 // functions above or through open keys, one transaction where the system has such: it is kept as a whole if
 // `change` returns ERROR_SUCCESS, and not at all if it returns anything else, throws, or the store fails; and
-// many writes take about as long as one. What other threads and processes write waits for it. Returns what
-// `change` returned, or why its writes could not be kept. A key that was made and is undone can only be
-// closed. A process that is forked within cannot use the store.
+// many writes take about as long as one. Every call of other threads waits for it, and so does what other
+// processes write. Returns what `change` returned, or why its writes could not be kept. A key that was made
+// and is undone can only be closed. A process that is forked within cannot use the store, and the thread gets
+// no SIGPIPE or SIGXFSZ there.
 ORX_API LSTATUS orx_registry_change(HKEY root, LSTATUS (*change)(void* context), void* context);
 
 ORX_C_END
