@@ -101,6 +101,7 @@ class Reader {
     std::string head(kHead, '\0');
     file.read(head.data(), kHead);
     head.resize(static_cast<std::size_t>(file.gcount()));
+    if (file.bad()) return file;  // a folder, for one
     file.clear();
     if (size_of(file) < at_ || !head.starts_with(head_)) at_ = 0;
     head_ = head;
@@ -133,7 +134,7 @@ void log_path(const Arguments& arguments, std::ostream& out) {
 void log_tail(const Arguments& arguments, std::ostream& out) {
   const std::string path = log_file(arguments);
   Reader reader(path);
-  if (!reader.Skip(arguments.count) && !arguments.follow) {
+  if (!reader.Skip(arguments.count) && !(arguments.follow && errno == ENOENT)) {
     throw Failure(path, std::generic_category().message(errno));
   }
   if (arguments.follow) return follow(reader, out);

@@ -2,9 +2,11 @@
 #include "options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <limits>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 namespace orx::cli {
 namespace {
@@ -41,6 +43,9 @@ class CommandLine {
     }
     command->description(help);
   }
+
+  // An argument that may be left out is not left out by mistake, as with a variable that is not set.
+  static std::string not_empty(const std::string& text) { return text.empty() ? "it is empty" : ""; }
 
   CLI::App* add(CLI::App* parent, const char* name, const char* help, Command command) {
     CLI::App* added = parent->add_subcommand(name, help);
@@ -89,7 +94,6 @@ class CommandLine {
         ->add_option("NAME", arguments_.name, "The name of the project")
         ->required();
     CLI::App* standard = add_for_file(list, "default", "Show or set the default project", list_default);
-    const auto not_empty = [](const std::string& name) { return name.empty() ? "it is empty" : ""; };
     CLI::Option* name = standard->add_option("NAME", arguments_.name, "The project to make the default");
     name->check(not_empty);
     standard->add_flag("--none", arguments_.no_default, "Have no default project")->excludes(name);
@@ -130,9 +134,11 @@ class CommandLine {
     CLI::App* remove = add_for_key(registry, "delete", "Delete a value, or a key", registry_delete);
     remove->add_flag("--tree", arguments_.tree, "Delete a key with all below it")->excludes(value(remove));
     add_for_key(registry, "export", "Write a key with all below it as JSON", registry_export)
-        ->add_option("FILE", arguments_.file, "Else it is shown");
+        ->add_option("FILE", arguments_.file, "Else it is shown")
+        ->check(not_empty);
     key(add_for_file(registry, "import", "Add what an export holds", registry_import))
-        ->description("Where to, else where it came from");
+        ->description("Where to, else where it came from")
+        ->check(not_empty);
   }
 
   void date_style(CLI::App* command) {
@@ -192,6 +198,10 @@ Command parse(int argc, const char* const* argv, Arguments& arguments, std::ostr
   Command chosen = nullptr;
   CommandLine command_line(arguments, chosen);
   CLI::App& app = command_line.app();
+  // CLI11 would pass over it without a word: to delete a value of that name would be to delete its key.
+  const auto* const end = std::find(argv, argv + argc, std::string_view("--"));
+  if (std::find(argv, end, std::string_view("++")) != end)
+    throw UsageError("'++' is not expected before '--'");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

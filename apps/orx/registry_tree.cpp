@@ -75,6 +75,20 @@ void require_value(const KeyName& key, const std::string& name, LSTATUS status, 
   throw Failure(key.full, name.empty() ? "the key has no default value" : "has no value '" + name + "'");
 }
 
+StoredValue read(HKEY opened, const KeyName& key, const std::string& name) {
+  StoredValue value{name, REG_NONE, {}};
+  DWORD size = 256;
+  LSTATUS status = ERROR_MORE_DATA;
+  while (status == ERROR_MORE_DATA) {  // another program may replace it meanwhile
+    value.bytes.resize(size);
+    status = RegQueryValueExA(opened, name.c_str(), nullptr, &value.type,
+                              reinterpret_cast<BYTE*>(value.bytes.data()), &size);
+  }
+  require_value(key, name, status, Use::kRead);
+  value.bytes.resize(size);
+  return value;
+}
+
 using NameBuffer = std::vector<char>;
 
 NameBuffer name_buffer() { return NameBuffer(4 * kLongestValueName + 1); }
@@ -138,6 +152,19 @@ void write_below(HKEY opened, const KeyName& key, const Tree& tree) {
   }
 }
 
+// Names that the registry takes for one would silently lose a value.
+void require_below(HKEY opened, const KeyName& key, const Tree& tree) {
+  for (const StoredValue& value : tree.values) {
+    const StoredValue kept = read(opened, key, value.name);
+    if (kept.type == value.type && kept.bytes == value.bytes) continue;
+    throw Failure(key.full, "another value is to have the name '" + value.name + "'");
+  }
+  for (const Tree& sub_key : tree.keys) {
+    const KeyName name = below(key, sub_key.name);
+    require_below(OpenKey(opened, sub_key.name, name, Use::kRead), name, sub_key);
+  }
+}
+
 }  // namespace
 
 KeyName key_named(const std::string& text) {
@@ -170,18 +197,7 @@ Failure refusal(const KeyName& key, LSTATUS status, Use use) {
 }
 
 StoredValue read_value(const KeyName& key, const std::string& name) {
-  const OpenKey opened(key, Use::kRead);
-  StoredValue value{name, REG_NONE, {}};
-  DWORD size = 256;
-  LSTATUS status = ERROR_MORE_DATA;
-  while (status == ERROR_MORE_DATA) {  // another program may replace it meanwhile
-    value.bytes.resize(size);
-    status = RegQueryValueExA(opened, name.c_str(), nullptr, &value.type,
-                              reinterpret_cast<BYTE*>(value.bytes.data()), &size);
-  }
-  require_value(key, name, status, Use::kRead);
-  value.bytes.resize(size);
-  return value;
+  return read(OpenKey(key, Use::kRead), key, name);
 }
 
 void write_value(const KeyName& key, const StoredValue& value) { set(OpenKey(key, Use::kWrite), key, value); }
@@ -216,7 +232,9 @@ void write_tree(const KeyName& key, const Tree& tree) {
   const auto write = [](void* context) -> LSTATUS {
     auto& [name, below_it, failure] = *static_cast<Change*>(context);
     try {
-      write_below(OpenKey(name, Use::kWrite), name, below_it);
+      const OpenKey opened(name, Use::kWrite);
+      write_below(opened, name, below_it);
+      require_below(opened, name, below_it);
       return ERROR_SUCCESS;
     } catch (...) {  // through the library goes only that it failed
       failure = std::current_exception();

@@ -178,6 +178,9 @@ rejected 'the key has sub-keys (use --tree)' delete "$key"
 rejected 'this key cannot be deleted' delete 'HKCU\software' --tree
 row 1 '' 'orx: HKXX\\A: a key begins with HKCU\\ or HKLM\\' registry list 'HKXX\A'
 row 2 '' 'orx: --tree excludes VALUE*' registry delete "$key" Name --tree
+row 2 '' "orx: '++' is not expected*" registry delete "$key\\Sub" ++
+row 2 '' 'orx: *it is empty*' registry export "$key" ''
+row 2 '' 'orx: *it is empty*' registry import /dev/null ''
 row 2 '' 'orx: --type: long *' registry set "$key" N 1 --type long
 row 1 '' 'orx: HKLM\\SOFTWARE: there is no such key' registry list 'HKLM\SOFTWARE'
 ORX_MACHINE_REGISTRY=/sys/orx/registry.db \
@@ -237,6 +240,8 @@ done << 'TABLE'
 {"key": "HKCU\\\\Software", "values": {"N": {"type": "binary", "data": "0g"}}}|at /values/N/data: hexadecimal *
 {"key": "HKCU\\\\Software", "values": {"N": {"type": "string"}}}|at /values/N: both *
 TABLE
+echo '{"values": {"Ä": {"type": "dword", "data": 1}, "ä": {"type": "dword", "data": 2}}}' > bad.json
+row 1 '' "orx: HKCU*: another value is to have the name 'Ä'" registry import bad.json 'HKCU\Software'
 deep() { printf '{"key": "HKCU\\\\Software", "keys": '; printf '{"K": {"keys": %.0s' $(seq "$1"); printf '{}'; printf '}}%.0s' $(seq "$1"); printf '}'; }
 deep 511 > bad.json
 row 1 '' 'orx: bad.json: * too deep in HKCU\\Software' registry import bad.json
