@@ -19,7 +19,7 @@ using Json = nlohmann::json;
 
 std::string quoted(const std::string& text, const KeyName& key) {
   if (!is_utf8(text)) throw Failure(key.full, "a name is not UTF-8 text: '" + text + "'");
-  return Json(text).dump();
+  return json_of(text);
 }
 
 std::string value_json(const StoredValue& value) {

@@ -24,11 +24,27 @@ struct ToText {
   std::string operator()(const std::string& value) const { return one_line(value); }
 };
 
-void write_json(std::ostream& out, const Json& json) {
-  out << json.dump(2, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace) << '\n';
+bool continues_character(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+// JSON may hold U+007F to U+009F as they are, but terminals obey them.
+std::string escaped(const std::string& json) {
+  std::string text;
+  for (const char c : json) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool is_second = text.ends_with('\xC2') && continues_character(c) && byte < 0xA0;
+    if (is_second) text.pop_back();
+    if (byte == 0x7F || is_second) {
+      text.append("\\u00").append(1, "789"[byte / 16 - 7]).append(1, "0123456789abcdef"[byte % 16]);
+    } else {
+      text += c;
+    }
+  }
+  return text;
 }
 
-bool continues_character(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+void write_json(std::ostream& out, const Json& json) {
+  out << escaped(json.dump(2, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace)) << '\n';
+}
 
 constexpr std::size_t kWidestCell = 100;
 
@@ -85,7 +101,7 @@ void write(std::ostream& out, const Table& table, Format format) {
 
 std::string text_of(const Value& value) { return std::visit(ToText{}, value); }
 
-std::string json_of(const Value& value) { return std::visit(ToJson{}, value).dump(); }
+std::string json_of(const Value& value) { return escaped(std::visit(ToJson{}, value).dump()); }
 
 std::string one_line(std::string text) {
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -159,6 +159,9 @@ row 0 'HKCU\\Software\\A b
     xx*x\\
       Long  binary  0A0*0A... (100 bytes)' '' registry list "$key"
 row 0 '{*"Name": "Third",*"Type": "double",*"Data": -0.3333333333333333*}' '' registry get "$key" Third --type double --json
+row 0 '' '' registry set "$key\\C1" '' $'\xc2\x9b31m\x7f\xc2\xa0'
+row 0 $'*"data": "\\\\u009b31m\\\\u007f\xc2\xa0"*' '' registry export "$key\\C1"
+row 0 '' '' registry delete "$key\\C1"
 row 0 '*"Data": "of\\ntext"*' '' registry get "$key" $'Two\nlines' --json
 
 rejected() { local reason=$1; shift; unchanged "$work/user.db" row 1 '' "orx: HK??*: $reason" registry "$@"; }
