@@ -109,7 +109,7 @@ class Stores {
     connection.Run(
         ("BEGIN; WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT " +
          std::to_string(values / 100) +
-         ") INSERT INTO key (parent, name, folded) SELECT 2, 'k' || i, 'K' || i FROM n;"
+         ") INSERT INTO key (parent, name, folded) SELECT 1, 'k' || i, 'K' || i FROM n;"
          "WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT 100)"
          " INSERT INTO value (key, name, folded, type, data)"
          " SELECT id, 'v' || i, 'V' || i, 4, x'01020304' FROM key, n WHERE folded GLOB 'K[0-9]*'; COMMIT")

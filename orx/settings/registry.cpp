@@ -81,12 +81,13 @@ LSTATUS open_existing(const Path& path, RegistryKey& key) {
 int read(const Levels& levels, const char* name, void* buffer, int size) {
   return guarded([&] {
     const Path path(levels, EmptyLevel::kFails);
-    if (size < 0 || !path.is_whole) return -1;
+    if (size < 0) return -1;
     RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
     RegistryKey key;
     LSTATUS status = open_existing(path, key);
-    if (status == ERROR_SUCCESS) status = key.Query(name, buffer, static_cast<DWORD>(size));
+    if (status == ERROR_SUCCESS && path.is_whole) status = key.Query(name, buffer, static_cast<DWORD>(size));
     const LSTATUS end = transaction.End();
+    if (!path.is_whole) return -1;
     if (status != ERROR_SUCCESS) report_last_error();
     return result_of(status == ERROR_SUCCESS ? end : status);
   });

@@ -84,6 +84,7 @@ TEST_F(RegistryKeyTest, PathsNameLevels) {
   EXPECT_EQ(Open("none"), ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(Open("A", HKEY_LOCAL_MACHINE), ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(Open("\\A", HKEY_LOCAL_MACHINE), ERROR_BAD_PATHNAME) << "also without a file";
+  EXPECT_EQ(Open("", HKEY_LOCAL_MACHINE), ERROR_SUCCESS);
 }
 
 TEST_F(RegistryKeyTest, QueriesTellSizeAndTypeBeforeTheyGiveBytes) {
@@ -211,6 +212,16 @@ TEST_F(RegistryKeyTest, ListingsGoOnWhereTheyWere) {
   EXPECT_EQ(RegEnumKeyExA(HKEY_LOCAL_MACHINE, 0, name, &size, nullptr, nullptr, nullptr, nullptr),
             ERROR_NO_MORE_ITEMS)
       << "also without a file";
+  // What is deleted when it was listed takes nothing else with it.
+  std::string listed;
+  size = sizeof name;
+  for (DWORD index = 0;
+       RegEnumValueA(key_, index, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+       ++index, size = sizeof name) {
+    listed += name;
+    if (index == 1) RegDeleteValueA(key_, name);
+  }
+  EXPECT_EQ(listed, "Abc");
   DWORD none = 1;
   EXPECT_EQ(RegEnumValueA(key_, 1, name, &none, nullptr, nullptr, nullptr, nullptr), ERROR_MORE_DATA);
 }

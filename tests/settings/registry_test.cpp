@@ -267,10 +267,14 @@ TEST_F(SettingsTest, AChangeIsKeptAsAWholeOrNotAtAll) {
   EXPECT_EQ(sub_keys(context.key), Names{"A"});
   EXPECT_EQ(Stored("A\\B", "number"), "4:07000000");
   EXPECT_EQ(Stored("", "raw"), "3:0102");
-  const auto throws = [](void*) -> LSTATUS {
-    throw hvk_RegWriteInt("thrown", nullptr, nullptr, nullptr, "x", 1);
+  HKEY undone = nullptr;
+  const auto throws = [](void* key) -> LSTATUS {
+    throw hvk_RegOpenKey("thrown", nullptr, nullptr, nullptr, static_cast<HKEY*>(key));
   };
-  EXPECT_THROW(orx_registry_change(HKEY_CURRENT_USER, throws, nullptr), int);
+  EXPECT_THROW(orx_registry_change(HKEY_CURRENT_USER, throws, &undone), int);
+  EXPECT_EQ(hvk_RegOpenKey("A", "new", nullptr, nullptr, &context.key), 0);
+  EXPECT_EQ(RegSetValueExA(undone, "x", 0, REG_SZ, nullptr, 0), ERROR_KEY_DELETED) << "not the next one made";
+  for (const HKEY key : {undone, context.key}) EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
   EXPECT_EQ(sub_keys(Key()), Names{"A"});
   EXPECT_EQ(orx_registry_change(HKEY_CURRENT_USER, nullptr, nullptr), ERROR_INVALID_PARAMETER);
   EXPECT_EQ(orx_registry_change(nullptr, change, &context), ERROR_INVALID_HANDLE);

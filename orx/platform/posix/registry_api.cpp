@@ -24,9 +24,9 @@ LSTATUS in_transaction(const OpenKey& key, Intent intent, Operation operation) {
   RegistryDatabase& database = key.store->database();
   const bool is_own = !database.is_active();
   if (is_own) database.Begin(intent);
-  LSTATUS status = ERROR_KEY_DELETED;  // with the file in which it was
+  LSTATUS status = ERROR_KEY_DELETED;  // if the file in which it was is gone
   try {
-    if (key.generation == 0 || key.generation == database.generation())
+    if (key.id == kRootKey || database.readable() != ERROR_FILE_NOT_FOUND)
       status = operation(*key.store, key.id);
   } catch (const std::bad_alloc&) {
     status = ERROR_NOT_ENOUGH_MEMORY;
@@ -56,9 +56,7 @@ LSTATUS refused() {
   return ERROR_INVALID_PARAMETER;
 }
 
-HKEY added(RegistryStore& store, KeyId id, REGSAM access) {
-  return registry().Add({&store, id, store.database().generation(), access, 0});
-}
+HKEY added(RegistryStore& store, KeyId id, REGSAM access) { return registry().Add({&store, id, access, 0}); }
 
 // A key that was opened by a transaction that failed in the end is none.
 LSTATUS checked(LSTATUS status, HKEY* opened) {

@@ -21,10 +21,11 @@ constexpr int kApplicationId = 0x4F525852;  // "ORXR"
 constexpr int kSchemaVersion = 1;
 
 // Names are kept as they were written, and found by a form without letter case. A value goes with its key, a
-// key with its parent. The name of the root is that of the store.
+// key with its parent. The number of a key is random, so that no other key ever gets it: not after it was
+// deleted, not after the transaction that made it was undone, and not in another store.
 constexpr char kMakeSchema[] = R"(
 CREATE TABLE key (
-  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  id INTEGER PRIMARY KEY,
   parent INTEGER REFERENCES key ON DELETE CASCADE,
   name TEXT NOT NULL,
   folded TEXT NOT NULL,
@@ -36,7 +37,7 @@ CREATE TABLE value (
   type INTEGER NOT NULL,
   data BLOB NOT NULL,
   PRIMARY KEY (key, folded)) WITHOUT ROWID;
-INSERT INTO key VALUES (1, NULL, hex(randomblob(16)), ''), (2, 1, 'Software', 'SOFTWARE');
+INSERT INTO key VALUES (1, NULL, '', ''), (random() & 0x7FFFFFFFFFFFFFFF, 1, 'Software', 'SOFTWARE');
 PRAGMA application_id = 0x4F525852;
 PRAGMA user_version = 1;
 )";
@@ -56,13 +57,12 @@ constexpr const char* kSql[] = {
     "PRAGMA data_version",
     "SELECT application_id, user_version, (SELECT count(*) FROM sqlite_schema)"
     " FROM pragma_application_id, pragma_user_version",
-    "SELECT name FROM key WHERE id = 1",
     "SELECT 1 FROM key WHERE id = ?",
     "WITH RECURSIVE up (id) AS (SELECT ?1 UNION ALL SELECT parent FROM key JOIN up USING (id) WHERE parent "
     "IS NOT NULL)"
     " SELECT count(*) FROM (SELECT 1 FROM up LIMIT ?2)",
     "SELECT id FROM key WHERE parent = ? AND folded = ?",
-    "INSERT INTO key (parent, name, folded) VALUES (?, ?, ?) RETURNING id",
+    "INSERT INTO key VALUES (random() & 0x7FFFFFFFFFFFFFFF, ?, ?, ?) RETURNING id",
     "SELECT 1 FROM key WHERE parent = ? LIMIT 1",
     "DELETE FROM key WHERE id = ?",
     "DELETE FROM key WHERE parent = ?",
@@ -224,10 +224,6 @@ LSTATUS RegistryDatabase::Fail(LSTATUS status, std::string_view reason) {
 LSTATUS RegistryDatabase::Connect(bool is_made) {
   std::string path = registry_path(place_);
   if (database_ != nullptr && path == path_ && !HasMoved()) return ERROR_SUCCESS;
-  if (database_ != nullptr || path != path_) {
-    identity_.clear();
-    ++generation_;  // even if no other store is there
-  }
   Disconnect();
   path_ = std::move(path);
   if (path_.empty()) return Fail(ERROR_BAD_PATHNAME, "the user has no home");
@@ -250,8 +246,7 @@ LSTATUS RegistryDatabase::Open() {
   ++epoch_;
   if (error == SQLITE_OK) sqlite3_busy_handler(opened, wait_for_others, &deadline_);
   if (error != SQLITE_OK) Fail(error);
-  if (failure_ == ERROR_SUCCESS && CheckSchema() == ERROR_SUCCESS && Execute(kSettings) == ERROR_SUCCESS)
-    Identify();
+  if (failure_ == ERROR_SUCCESS && CheckSchema() == ERROR_SUCCESS) Execute(kSettings);
   if (failure_ != ERROR_SUCCESS) Disconnect();
   return failure_;
 }
@@ -271,14 +266,6 @@ LSTATUS RegistryDatabase::CheckSchema() {
   if (Execute("BEGIN IMMEDIATE") != ERROR_SUCCESS) return failure_;
   if (is_empty()) Execute(kMakeSchema);  // another process may have been first
   return Execute(failure_ == ERROR_SUCCESS ? "COMMIT" : "ROLLBACK");
-}
-
-// Keys that are open stay so when the file had to be opened again after a failure, or in a new process.
-void RegistryDatabase::Identify() {
-  Run run(Prepared(Sql::kStoreName));
-  const std::string_view name = Found(run) == ERROR_SUCCESS ? run.Bytes(0) : "";
-  if (name.empty() || name != identity_) ++generation_;
-  identity_ = name;
 }
 
 bool RegistryDatabase::HasMoved() const {

@@ -27,7 +27,6 @@ enum class Sql : std::size_t {
   kRollback,
   kDataVersion,
   kSchema,
-  kStoreName,
   kKeyExists,
   kKeyDepth,
   kFindKey,
@@ -43,9 +42,7 @@ enum class Sql : std::size_t {
   kCount
 };
 
-// The root, and the key "Software" that is in every root and cannot be deleted.
 inline constexpr std::int64_t kRootKey = 1;
-inline constexpr std::int64_t kSoftwareKey = 2;
 
 // A failure is told on the debugger output; from then to the End everything fails with it, and nothing is
 // written. The file is opened when it is first needed, again when another has taken its place, and by no
@@ -62,8 +59,6 @@ class RegistryDatabase {
 
   // ERROR_FILE_NOT_FOUND when there is no file yet.
   LSTATUS readable() const;
-  // Another number for another store.
-  std::uint64_t generation() const { return generation_; }
   // Another number when a key that was found may be gone without a deletion through this connection.
   std::uint64_t epoch() const { return epoch_; }
 
@@ -85,16 +80,13 @@ class RegistryDatabase {
   LSTATUS Connect(bool is_made);
   LSTATUS Open();
   LSTATUS CheckSchema();
-  void Identify();
   bool HasMoved() const;
   LSTATUS Start(Sql begin);
 
   const RegistryPlace& place_;
   std::string path_;
-  std::string identity_;  // of the store that is or was there last
-  Database database_;     // null: there is no file yet
+  Database database_;  // null: there is no file yet
   std::array<Statement, static_cast<std::size_t>(Sql::kCount)> statements_;
-  std::uint64_t generation_ = 0;
   std::uint64_t epoch_ = 0;
   std::int64_t data_version_ = 0;
 

@@ -68,8 +68,8 @@ void Registry::Close() {
 }
 
 const OpenKey* Registry::Find(HKEY handle) const {
-  static const OpenKey kUserRoot{&registry().user, kRootKey, 0, KEY_ALL_ACCESS, 0};
-  static const OpenKey kMachineRoot{&registry().machine, kRootKey, 0, KEY_ALL_ACCESS, 0};
+  static const OpenKey kUserRoot{&registry().user, kRootKey, KEY_ALL_ACCESS, 0};
+  static const OpenKey kMachineRoot{&registry().machine, kRootKey, KEY_ALL_ACCESS, 0};
   if (handle == HKEY_CURRENT_USER) return &kUserRoot;
   if (handle == HKEY_LOCAL_MACHINE) return &kMachineRoot;
   const std::size_t place = (reinterpret_cast<std::uintptr_t>(handle) >> kPlaceShift & kPlaceMask) - 1;

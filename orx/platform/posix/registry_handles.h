@@ -13,7 +13,6 @@ namespace orx::platform {
 struct OpenKey {
   RegistryStore* store = nullptr;  // null: closed
   KeyId id = 0;
-  std::uint64_t generation = 0;  // of the store's database; 0: a root, which every database has
   REGSAM access = 0;
   std::uintptr_t uses = 0;  // of this place in the table, so that a handle that was closed stays so
 };

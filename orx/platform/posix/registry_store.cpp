@@ -41,7 +41,13 @@ bool fold_value_name(std::string_view name, std::string& folded) {
 
 LSTATUS RegistryStore::Find(KeyId from, std::string_view path, KeyId& found) {
   if (path.starts_with('\\')) return ERROR_BAD_PATHNAME;
-  if (const LSTATUS status = database_.readable(); status != ERROR_SUCCESS) return status;
+  const LSTATUS readable = database_.readable();
+  if (readable == ERROR_FILE_NOT_FOUND && from == kRootKey &&
+      path.empty()) {  // a root is there without a file
+    found = from;
+    return ERROR_SUCCESS;
+  }
+  if (readable != ERROR_SUCCESS) return readable;
   if (FindKnown(from, path, found)) return ERROR_SUCCESS;
   if (const LSTATUS status = Exists(from); status != ERROR_SUCCESS) return status;
   KeyId key = from;
@@ -97,18 +103,20 @@ LSTATUS RegistryStore::DeleteTree(KeyId from, std::string_view path) {
 }
 
 LSTATUS RegistryStore::Query(KeyId key, std::string_view name, const ValueOutput& output) {
-  if (const LSTATUS status = database_.readable(); status != ERROR_SUCCESS) return status;
+  LSTATUS status = database_.readable();
   std::string folded;
-  LSTATUS status = ERROR_FILE_NOT_FOUND;
-  if (fold_value_name(name, folded)) {
+  if (status == ERROR_SUCCESS)
+    status = fold_value_name(name, folded) ? status : LSTATUS{ERROR_FILE_NOT_FOUND};
+  if (status == ERROR_SUCCESS) {
     Run run(database_.Prepared(Sql::kFindValue));
     status = database_.Found(run.Bind(key).Bind(folded));
     if (status == ERROR_SUCCESS) return deliver_value(run.Integer(0), run.Bytes(1), output);
   }
-  if (status != ERROR_FILE_NOT_FOUND) return status;
-  const LSTATUS exists = Exists(key);
-  if (exists == ERROR_SUCCESS && output.type != nullptr) *output.type = REG_NONE;
-  return exists == ERROR_SUCCESS ? status : exists;
+  if (status == ERROR_FILE_NOT_FOUND && key != kRootKey) {
+    if (const LSTATUS exists = Exists(key); exists != ERROR_SUCCESS) return exists;
+  }
+  if (status == ERROR_FILE_NOT_FOUND && output.type != nullptr) *output.type = REG_NONE;
+  return status;
 }
 
 LSTATUS RegistryStore::Set(KeyId key, std::string_view name, DWORD type, const void* data, DWORD size) {
@@ -173,7 +181,10 @@ LSTATUS RegistryStore::AddLevel(KeyId parent, std::string_view level, std::strin
 
 LSTATUS RegistryStore::FindDeletable(KeyId from, std::string_view path, KeyId& found) {
   if (const LSTATUS status = Find(from, path, found); status != ERROR_SUCCESS) return status;
-  if (found == kRootKey || found == kSoftwareKey) return ERROR_ACCESS_DENIED;
+  KeyId software = 0;
+  if (found == kRootKey || (Find(kRootKey, "Software", software) == ERROR_SUCCESS && found == software)) {
+    return ERROR_ACCESS_DENIED;
+  }
   if (const LSTATUS status = database_.StartWriting(); status != ERROR_SUCCESS) return status;
   return Find(from, path, found);
 }
@@ -203,18 +214,18 @@ template <class Deliver>
 LSTATUS RegistryStore::ListItem(Sql sql, Listing& listing, KeyId key, DWORD index, Deliver deliver) {
   LSTATUS status = database_.readable();
   if (status != ERROR_SUCCESS) return status == ERROR_FILE_NOT_FOUND ? LSTATUS{ERROR_NO_MORE_ITEMS} : status;
-  const std::uint64_t generation = database_.generation();
-  // A listing that begins anew finds what was made meanwhile before the place where the last one was.
-  const bool goes_on =
-      index > 0 && listing.key == key && listing.generation == generation && index >= listing.index;
-  if (!goes_on) listing = {key, generation, 0, {}};
+  // Goes on behind the item before, which may be gone by now. A listing that begins anew finds what was made
+  // meanwhile.
+  const bool goes_on = listing.key == key && index > listing.index;
+  if (!goes_on) listing = {};
+  const std::string least = goes_on ? listing.folded + '\0' : "";
+  const DWORD offset = goes_on ? index - listing.index - 1 : index;
   {
     Run run(database_.Prepared(sql));
-    status = database_.Found(run.Bind(key).Bind(listing.folded).Bind(index - listing.index));
+    status = database_.Found(run.Bind(key).Bind(least).Bind(offset));
     if (status == ERROR_SUCCESS) {
       status = deliver(run);
-      listing.folded = run.Bytes(1);
-      listing.index = index;
+      listing = {key, index, std::string(run.Bytes(1))};
       return status;
     }
   }

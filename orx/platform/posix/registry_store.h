@@ -48,7 +48,6 @@ class RegistryStore {
   // Where a listing stands, so that the next item need not be counted from the first.
   struct Listing {
     KeyId key = 0;
-    std::uint64_t generation = 0;
     DWORD index = 0;
     std::string folded;
   };
