@@ -9,8 +9,9 @@
 #pragma once
 
 #if defined(_WIN32)
+// The second needs the first.
 #include <windows.h>
-// After windows.h.
+
 #include <shlwapi.h>
 #else
 
@@ -71,8 +72,7 @@ enum {
 ORX_C_BEGIN
 
 // Opens the key at `path` below `key`; a null or empty path opens the same key once more. `options` is
-// ignored.
-// `*opened` is null after a failure.
+// ignored, `*opened` null after a failure.
 ORX_API LSTATUS RegOpenKeyExA(HKEY key, const char* path, DWORD options, REGSAM access, HKEY* opened);
 
 // The same, making the levels that are missing; those made before a failure stay. `reserved`, `class_name`,

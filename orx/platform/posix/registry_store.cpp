@@ -42,11 +42,9 @@ bool fold_value_name(std::string_view name, std::string& folded) {
 LSTATUS RegistryStore::Find(KeyId from, std::string_view path, KeyId& found) {
   if (path.starts_with('\\')) return ERROR_BAD_PATHNAME;
   const LSTATUS readable = database_.readable();
-  if (readable == ERROR_FILE_NOT_FOUND && from == kRootKey &&
-      path.empty()) {  // a root is there without a file
-    found = from;
-    return ERROR_SUCCESS;
-  }
+  const bool is_root = from == kRootKey && path.empty();
+  if (is_root) found = from;
+  if (is_root && readable == ERROR_FILE_NOT_FOUND) return ERROR_SUCCESS;  // it is there without a file
   if (readable != ERROR_SUCCESS) return readable;
   if (FindKnown(from, path, found)) return ERROR_SUCCESS;
   if (const LSTATUS status = Exists(from); status != ERROR_SUCCESS) return status;
@@ -103,19 +101,17 @@ LSTATUS RegistryStore::DeleteTree(KeyId from, std::string_view path) {
 }
 
 LSTATUS RegistryStore::Query(KeyId key, std::string_view name, const ValueOutput& output) {
-  LSTATUS status = database_.readable();
   std::string folded;
-  if (status == ERROR_SUCCESS)
-    status = fold_value_name(name, folded) ? status : LSTATUS{ERROR_FILE_NOT_FOUND};
+  LSTATUS status = fold_value_name(name, folded) ? database_.readable() : LSTATUS{ERROR_FILE_NOT_FOUND};
   if (status == ERROR_SUCCESS) {
     Run run(database_.Prepared(Sql::kFindValue));
     status = database_.Found(run.Bind(key).Bind(folded));
     if (status == ERROR_SUCCESS) return deliver_value(run.Integer(0), run.Bytes(1), output);
   }
-  if (status == ERROR_FILE_NOT_FOUND && key != kRootKey) {
-    if (const LSTATUS exists = Exists(key); exists != ERROR_SUCCESS) return exists;
-  }
-  if (status == ERROR_FILE_NOT_FOUND && output.type != nullptr) *output.type = REG_NONE;
+  if (status != ERROR_FILE_NOT_FOUND) return status;
+  const LSTATUS exists = key != kRootKey ? Exists(key) : LSTATUS{ERROR_SUCCESS};
+  if (exists != ERROR_SUCCESS) return exists;
+  if (output.type != nullptr) *output.type = REG_NONE;
   return status;
 }
 
