@@ -15,9 +15,10 @@
 
 ORX_C_BEGIN
 
-// Reading makes no keys, and fails for a level with the empty name, for a value that does not exist and for
-// one of more than `size` bytes. A smaller one fills only so many; how many is not told. What is in the
-// buffer after a failure is undefined. A text that was stored without its NUL gets one if there is room.
+// Reading makes no keys below the suite's, and fails for a level with the empty name, for a value that does
+// not exist and for one of more than `size` bytes. A smaller one fills only so many; how many is not told.
+// What is in the buffer after a failure is undefined. A text that was stored without its NUL gets one if
+// there is room.
 ORX_API int hvk_RegReadString(const char* key1, const char* key2, const char* key3, const char* key4,
                               const char* valueName, char* buffer, int size);
 ORX_API int hvk_RegReadInt(const char* key1, const char* key2, const char* key3, const char* key4,
@@ -79,7 +80,7 @@ ORX_API int orx_registry_file(HKEY root, char* path, size_t size);
 // `change` returns ERROR_SUCCESS, and not at all if it returns anything else, throws, or the store fails; and
 // many writes take about as long as one. Every call of other threads waits for it, and so does what other
 // processes write. Returns what `change` returned, or why its writes could not be kept. A key that was made
-// and is undone can only be closed. A process that is forked within cannot use the store, and the thread gets
+// and is undone is a deleted one. A process that is forked within cannot use the store, and the thread gets
 // no SIGPIPE or SIGXFSZ there.
 ORX_API LSTATUS orx_registry_change(HKEY root, LSTATUS (*change)(void* context), void* context);
 
