@@ -1,6 +1,7 @@
 #include <orx/settings/registry.h>
 
 #include <gtest/gtest.h>
+#include <tests/support/process.h>
 #include <tests/support/registry.h>
 
 #include <sys/stat.h>
@@ -350,6 +351,17 @@ TEST_F(SettingsTest, AStoreThatWasReplacedIsOpenedAnew) {
   std::filesystem::remove(folder_.path("etc/machine.db"));
   EXPECT_EQ(RegQueryValueExA(machine, "x", nullptr, nullptr, nullptr, nullptr), ERROR_KEY_DELETED);
   RegCloseKey(machine);
+}
+
+TEST_F(SettingsTest, AForkedProcessGoesOnWithTheKeysOfItsParent) {
+  ASSERT_EQ(hvk_RegWriteInt(nullptr, nullptr, nullptr, nullptr, "x", 1), 0);
+  const HKEY key = Key();
+  orx::testing::in_new_process([key] {
+    EXPECT_EQ(RegSetValueExA(key, "y", 0, REG_SZ, nullptr, 0), ERROR_SUCCESS);
+    EXPECT_EQ(hvk_RegWriteInt(nullptr, nullptr, nullptr, nullptr, "x", 2), 0);
+  });
+  EXPECT_EQ(RegDeleteValueA(key, "y"), ERROR_SUCCESS);
+  EXPECT_EQ(Stored("", "x"), "4:02000000");
 }
 
 TEST_F(SettingsTest, LargeValuesComeBackWhole) {
