@@ -281,7 +281,7 @@ void RegistryDatabase::Disconnect() {
 
 void RegistryDatabase::Abandon() {
   for (Statement& statement : statements_) (void)statement.release();
-  (void)database_.release();
+  inherited_ = database_.release();
   failure_ = ERROR_BUSY;  // with what its parent has begun
 }
 

@@ -85,7 +85,8 @@ class RegistryDatabase {
 
   const RegistryPlace& place_;
   std::string path_;
-  Database database_;  // null: there is no file yet
+  Database database_;             // null: there is no file yet
+  sqlite3* inherited_ = nullptr;  // a parent's: neither used nor freed
   std::array<Statement, static_cast<std::size_t>(Sql::kCount)> statements_;
   std::uint64_t epoch_ = 0;
   std::int64_t data_version_ = 0;
