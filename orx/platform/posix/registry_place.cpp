@@ -23,11 +23,13 @@ bool make_folder(const std::string& path, mode_t mode) {
 }  // namespace
 
 std::string registry_path(const RegistryPlace& place) {
-  if (std::string path = variable(place.variable); !path.empty())
-    return path.front() == '/' ? path : "./" + path;
+  std::string path = variable(place.variable);
+  if (!path.empty() && path.front() != '/') path.insert(0, "./");
+  if (!path.empty()) return path;
   if (place.file[0] == '/') return place.file;
-  const std::string folder = user_folder("XDG_CONFIG_HOME", ".config");
-  return folder.empty() ? folder : folder + '/' + place.file;
+  path = user_folder("XDG_CONFIG_HOME", ".config");
+  if (!path.empty()) path.append("/").append(place.file);
+  return path;
 }
 
 int make_registry_file(const RegistryPlace& place, const std::string& path) {
