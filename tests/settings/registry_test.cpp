@@ -331,7 +331,7 @@ TEST_F(SettingsTest, FailedReadsAreToldToTheDebugger) {
   const ScopedVariable output("ORX_DEBUG_OUTPUT", folder_.path("debug.txt").c_str());
   int number;
   hvk_RegReadInt("A", nullptr, nullptr, nullptr, "x", &number);
-  EXPECT_EQ(read_file(folder_.path("debug.txt")), "The system cannot find the file specified.\r\n\n");
+  EXPECT_EQ(read_file(folder_.path("debug.txt")), "File not found.\r\n\n");
 }
 
 TEST_F(SettingsTest, AStoreThatWasReplacedIsOpenedAnew) {

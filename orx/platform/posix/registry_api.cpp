@@ -70,20 +70,20 @@ constexpr struct {
   LSTATUS status;
   const char* text;
 } kErrorTexts[] = {
-    {ERROR_FILE_NOT_FOUND, "The system cannot find the file specified."},
-    {ERROR_ACCESS_DENIED, "Access is denied."},
-    {ERROR_INVALID_HANDLE, "The handle is invalid."},
-    {ERROR_NOT_ENOUGH_MEMORY, "Not enough memory resources are available to process this command."},
-    {ERROR_INVALID_PARAMETER, "The parameter is incorrect."},
-    {ERROR_DISK_FULL, "There is not enough space on the disk."},
-    {ERROR_BAD_PATHNAME, "The specified path is invalid."},
-    {ERROR_BUSY, "The requested resource is in use."},
-    {ERROR_MORE_DATA, "More data is available."},
-    {ERROR_NO_MORE_ITEMS, "No more data is available."},
-    {ERROR_NOACCESS, "Invalid access to memory location."},
-    {ERROR_BADDB, "The configuration registry database is corrupt."},
-    {ERROR_REGISTRY_IO_FAILED, "An I/O operation initiated by the registry failed unrecoverably."},
-    {ERROR_KEY_DELETED, "Illegal operation attempted on a registry key that has been marked for deletion."},
+    {ERROR_FILE_NOT_FOUND, "File not found."},
+    {ERROR_ACCESS_DENIED, "Access denied."},
+    {ERROR_INVALID_HANDLE, "Invalid handle."},
+    {ERROR_NOT_ENOUGH_MEMORY, "Not enough memory."},
+    {ERROR_INVALID_PARAMETER, "Invalid parameter."},
+    {ERROR_DISK_FULL, "Disk full."},
+    {ERROR_BAD_PATHNAME, "Path is invalid."},
+    {ERROR_BUSY, "Resource is in use."},
+    {ERROR_MORE_DATA, "More data available."},
+    {ERROR_NO_MORE_ITEMS, "No more data available."},
+    {ERROR_NOACCESS, "No access to memory location."},
+    {ERROR_BADDB, "Registry is corrupt."},
+    {ERROR_REGISTRY_IO_FAILED, "Registry input or output failed."},
+    {ERROR_KEY_DELETED, "Key deleted."},
 };
 
 }  // namespace
