@@ -63,8 +63,7 @@ LSTATUS RegistryStore::Make(KeyId from, std::string_view path, KeyId& made, bool
   is_new = false;
   LSTATUS status = Find(from, path, made);
   if (status != ERROR_FILE_NOT_FOUND) return status;
-  status = database_.StartWriting();
-  if (status == ERROR_SUCCESS) status = Exists(from);
+  status = StartWriting(from);
   KeyId key = from;
   std::string folded;
   for (std::string_view rest = path; status == ERROR_SUCCESS && !rest.empty();) {
@@ -90,14 +89,11 @@ LSTATUS RegistryStore::Delete(KeyId from, std::string_view path) {
 }
 
 LSTATUS RegistryStore::DeleteTree(KeyId from, std::string_view path) {
-  KeyId key = 0;
-  const bool is_whole = !path.empty();
-  const LSTATUS status = is_whole ? FindDeletable(from, path, key) : database_.StartWriting();
+  if (path.empty() && from == kRootKey) return ERROR_ACCESS_DENIED;
+  KeyId key = from;
+  const LSTATUS status = path.empty() ? StartWriting(from) : FindDeletable(from, path, key);
   if (status != ERROR_SUCCESS) return status;
-  if (is_whole) return Remove(Sql::kDeleteKey, key);
-  if (from == kRootKey) return ERROR_ACCESS_DENIED;
-  const LSTATUS exists = Exists(from);
-  return exists == ERROR_SUCCESS ? Remove(Sql::kDeleteChildren, from) : exists;
+  return Remove(path.empty() ? Sql::kDeleteChildren : Sql::kDeleteKey, key);
 }
 
 LSTATUS RegistryStore::Query(KeyId key, std::string_view name, const ValueOutput& output) {
@@ -118,9 +114,7 @@ LSTATUS RegistryStore::Query(KeyId key, std::string_view name, const ValueOutput
 LSTATUS RegistryStore::Set(KeyId key, std::string_view name, DWORD type, const void* data, DWORD size) {
   std::string folded;
   if (!fold_value_name(name, folded)) return ERROR_INVALID_PARAMETER;
-  LSTATUS status = database_.StartWriting();
-  if (status == ERROR_SUCCESS) status = Exists(key);
-  if (status != ERROR_SUCCESS) return status;
+  if (const LSTATUS status = StartWriting(key); status != ERROR_SUCCESS) return status;
   Run run(database_.Prepared(Sql::kSetValue));
   return database_.Done(run.Bind(key).Bind(name).Bind(folded).Bind(type).Bind(data, size));
 }
@@ -128,9 +122,7 @@ LSTATUS RegistryStore::Set(KeyId key, std::string_view name, DWORD type, const v
 LSTATUS RegistryStore::DeleteValue(KeyId key, std::string_view name) {
   std::string folded;
   if (!fold_value_name(name, folded)) return ERROR_FILE_NOT_FOUND;
-  LSTATUS status = database_.StartWriting();
-  if (status == ERROR_SUCCESS) status = Exists(key);
-  if (status != ERROR_SUCCESS) return status;
+  if (const LSTATUS status = StartWriting(key); status != ERROR_SUCCESS) return status;
   Run run(database_.Prepared(Sql::kDeleteValue));
   return database_.Found(run.Bind(key).Bind(folded));
 }
@@ -145,6 +137,11 @@ LSTATUS RegistryStore::ListValue(KeyId key, DWORD index, const NameOutput& outpu
     const LSTATUS status = deliver_name(run.Bytes(0), output);
     return status == ERROR_SUCCESS ? deliver_value(run.Integer(2), run.Bytes(3), value) : status;
   });
+}
+
+LSTATUS RegistryStore::StartWriting(KeyId key) {
+  const LSTATUS status = database_.StartWriting();
+  return status == ERROR_SUCCESS ? Exists(key) : status;
 }
 
 LSTATUS RegistryStore::Exists(KeyId key) {

@@ -52,6 +52,8 @@ class RegistryStore {
     std::string folded;
   };
 
+  // ERROR_KEY_DELETED for a key that is gone.
+  LSTATUS StartWriting(KeyId key);
   LSTATUS Exists(KeyId key);
   LSTATUS FindLevel(KeyId parent, std::string_view level, std::string& folded, KeyId& found);
   LSTATUS AddLevel(KeyId parent, std::string_view level, std::string_view folded, KeyId& made);

@@ -4,6 +4,8 @@
 
 #include <time.h>
 
+#include <algorithm>
+
 namespace orx::platform {
 namespace {
 
@@ -26,10 +28,9 @@ SignalsHeld::SignalsHeld() {
   for (const int signal : kSignals) sigaddset(&blocked, signal);
   pthread_sigmask(SIG_BLOCK, &blocked, &mask_);
   sigemptyset(&waiting_);
-  // A signal that was let through until now cannot have waited.
-  for (const int signal : kSignals) {
-    if (sigismember(&mask_, signal) == 1) sigpending(&waiting_);
-  }
+  // Signals that were let through until now cannot have waited.
+  const auto was_blocked = [this](int signal) { return sigismember(&mask_, signal) == 1; };
+  if (std::ranges::any_of(kSignals, was_blocked)) sigpending(&waiting_);
 }
 
 // Both signals go to the thread that writes, so what waits now and did not before is ours.
