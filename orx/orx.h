@@ -17,7 +17,9 @@
 #include <orx/projects/current_project.h>
 #include <orx/projects/qpr_file.h>
 #include <orx/settings/registry.h>
+#include <orx/text/angle_text.h>
 #include <orx/text/strings.h>
+#include <orx/text/token_parser.h>
 #include <orx/text/unique_key.h>
 
 #if defined(__cplusplus)

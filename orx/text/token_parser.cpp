@@ -1,0 +1,83 @@
+#include <orx/text/token_parser.h>
+
+#include <orx/platform/kept_errno.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t kMostTokens = 25;
+
+using Tokens = std::array<std::string_view, kMostTokens>;
+
+// The characters that end a token, the NUL among them.
+class DelimiterSet {
+ public:
+  explicit DelimiterSet(const char* delimiters) {
+    is_member_[0] = true;
+    for (; *delimiters != '\0'; ++delimiters) is_member_[static_cast<unsigned char>(*delimiters)] = true;
+  }
+  const char* FindIn(const char* text) const {
+    while (!is_member_[static_cast<unsigned char>(*text)]) ++text;
+    return text;
+  }
+
+ private:
+  std::array<bool, 256> is_member_{};
+};
+
+std::size_t split(const char* text, const DelimiterSet& delimiters, Tokens& tokens) {
+  for (std::size_t count = 0; count < kMostTokens; ++text) {
+    const char* const first = text;
+    text = delimiters.FindIn(text);
+    tokens[count++] = {first, static_cast<std::size_t>(text - first)};
+    if (*text == '\0') return count;
+  }
+  return kMostTokens;
+}
+
+char* copied(std::string_view token) {
+  auto* const copy = static_cast<char*>(std::malloc(token.size() + 1));
+  if (copy == nullptr) return nullptr;
+  std::memcpy(copy, token.data(), token.size());
+  copy[token.size()] = '\0';
+  return copy;
+}
+
+// Null when memory runs out.
+char** copied(std::span<const std::string_view> tokens) {
+  auto** const copies = static_cast<char**>(std::malloc(tokens.size() * sizeof(char*)));
+  if (copies == nullptr) return nullptr;
+  for (std::size_t i = 0; i < tokens.size(); ++i) {
+    copies[i] = copied(tokens[i]);
+    if (copies[i] == nullptr) {
+      orx_token_release(copies, static_cast<int>(i));
+      return nullptr;
+    }
+  }
+  return copies;
+}
+
+}  // namespace
+
+char** orx_token_parser(const char* text, const char* delimiters, int* count) {
+  if (text == nullptr || *text == '\0' || count == nullptr) return nullptr;
+  const orx::platform::KeptErrno kept_errno;
+  Tokens tokens;
+  const std::size_t found = split(text, DelimiterSet(delimiters != nullptr ? delimiters : ""), tokens);
+  char** const copies = copied(std::span(tokens).first(found));
+  *count = copies != nullptr ? static_cast<int>(found) : 0;
+  return copies;
+}
+
+int orx_token_release(char** tokens, int count) {
+  if (tokens == nullptr) return 0;
+  for (int i = 0; i < count; ++i) std::free(tokens[i]);
+  std::free(static_cast<void*>(tokens));
+  return 0;
+}
