@@ -5,6 +5,7 @@
 #include <orx/compat/export.h>
 #include <orx/compat/hkey.h>
 #include <orx/compat/variant.h>
+#include <orx/containers/generic_list.h>
 #include <orx/datetime/date_defaults.h>
 #include <orx/datetime/date_time.h>
 #include <orx/datetime/date_time_format.h>
@@ -18,6 +19,7 @@
 #include <orx/projects/qpr_file.h>
 #include <orx/settings/registry.h>
 #include <orx/text/angle_text.h>
+#include <orx/text/sorting.h>
 #include <orx/text/strings.h>
 #include <orx/text/token_parser.h>
 #include <orx/text/unique_key.h>

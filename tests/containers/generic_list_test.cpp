@@ -1,0 +1,249 @@
+#include <orx/containers/generic_list.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <deque>
+#include <new>
+#include <random>
+#include <utility>
+#include <vector>
+
+static int allocations_left;
+
+void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
+  if (allocations_left-- > 0) return ::operator new(size);
+  errno = ENOMEM;
+  return nullptr;
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& nothrow) noexcept {
+  return ::operator new(size, nothrow);
+}
+
+namespace {
+
+constexpr int kEnough = 1000000;
+
+struct Item {
+  int key;
+};
+using Items = std::vector<Item*>;
+
+std::vector<std::pair<void*, void*>> calls;  // a release is called with an item and null
+
+int order(void* a, void* b) {
+  calls.emplace_back(a, b);
+  return static_cast<Item*>(a)->key - static_cast<Item*>(b)->key;
+}
+
+int swap(void* a, void* b) {
+  std::swap(*static_cast<Item*>(a), *static_cast<Item*>(b));
+  return -1;
+}
+
+void release(void* item) { calls.emplace_back(item, nullptr); }
+
+// What a list should hold and do; `order` and `release` note the calls that it should make.
+struct Model {
+  Items items;
+  Item* current = nullptr;
+
+  Item* At(std::size_t i) const { return i < items.size() ? items[i] : nullptr; }
+  std::size_t Find(Item* key) const {
+    std::size_t i = 0;
+    while (i < items.size() && order(items[i], key) != 0) ++i;
+    return i;
+  }
+  Item* Next() const {
+    const auto place = std::find(items.begin(), items.end(), current);
+    return current == nullptr || place + 1 == items.end() ? nullptr : place[1];
+  }
+  Item* Neighbour(Item* key, std::size_t step, bool wrap) const {
+    const std::size_t found = Find(key), next = found + step, n = items.size();
+    if (found == n) return nullptr;
+    return next < n || !wrap ? At(next) : items[(next + n) % n];
+  }
+  void Insert(Item* item) {
+    std::size_t place = 0;
+    if (!items.empty() && order(item, items[0]) > 0) place = items.size();
+    while (place > 1 && order(item, items[place - 1]) < 0) --place;
+    items.insert(items.begin() + static_cast<std::ptrdiff_t>(place), item);
+  }
+  void Remove(std::size_t place) {
+    if (place >= items.size()) return;
+    release(items[place]);
+    if (current == items[place]) current = Next();
+    items.erase(items.begin() + static_cast<std::ptrdiff_t>(place));
+  }
+};
+
+using Result = const void*;
+
+Result number(std::uintptr_t n) { return reinterpret_cast<Result>(n); }
+
+// What is done to the list and what should come of it. `item` is on neither; its key is in use by some.
+constexpr struct {
+  const char* name;
+  Result (*list)(genlist* list, Item* item, int n);
+  Result (*model)(Model& model, Item* item, int n);
+} kSteps[] = {
+    {"add", [](genlist* l, Item* i, int) { return number(genlist_add(l, i) != 0); },
+     [](Model& m, Item* i, int) { return m.items.push_back(i), number(0); }},
+    {"insert", [](genlist* l, Item* i, int) { return number(genlist_insert(l, i) != 0); },
+     [](Model& m, Item* i, int) { return m.Insert(i), number(0); }},
+    {"find", [](genlist* l, Item* i, int) -> Result { return genlist_find(l, i); },
+     [](Model& m, Item* i, int) -> Result { return m.At(m.Find(i)); }},
+    {"delete", [](genlist* l, Item* i, int) { return number(genlist_delete(l, i) != 0); },
+     [](Model& m, Item* i, int) {
+       const bool empty = m.items.empty();
+       return m.Remove(m.Find(i)), number(empty);
+     }},
+    {"first", [](genlist* l, Item*, int) -> Result { return genlist_get_first_node(l); },
+     [](Model& m, Item*, int) -> Result { return m.current = m.At(0); }},
+    {"next", [](genlist* l, Item*, int) -> Result { return genlist_get_next_node(l); },
+     [](Model& m, Item*, int) -> Result { return m.current = m.Next(); }},
+    {"index", [](genlist* l, Item*, int n) -> Result { return genlist_get_node_by_index(l, n); },
+     [](Model& m, Item*, int n) -> Result {
+       m.current = m.At(static_cast<std::size_t>(std::max(n, 0)));
+       return n < 0 ? nullptr : m.current;
+     }},
+    {"following",
+     [](genlist* l, Item* i, int n) -> Result { return genlist_get_following_node(l, i, n & 2); },
+     [](Model& m, Item* i, int n) -> Result { return m.Neighbour(i, 1, (n & 2) != 0); }},
+    {"preceding",
+     [](genlist* l, Item* i, int n) -> Result { return genlist_get_preceeding_node(l, i, n & 2); },
+     [](Model& m, Item* i, int n) -> Result { return m.Neighbour(i, std::size_t(-1), (n & 2) != 0); }},
+    {"count", [](genlist* l, Item*, int) { return number(genlist_get_num_nodes(l)); },
+     [](Model& m, Item*, int) { return number(m.items.size()); }},
+};
+
+TEST(GenericList, DoesWhatItsModelDoes) {
+  constexpr unsigned kSeed = 20240305;
+  std::mt19937 random(kSeed);
+  allocations_left = kEnough;
+  std::deque<Item> pool;
+  Model model;
+  genlist* const list = genlist_new(order, swap, release);
+  for (int round = 0; round < 40000; ++round) {
+    const auto choice = random() % 400;
+    const auto& step = kSteps[choice % std::size(kSteps)];
+    Item* const item = &pool.emplace_back(Item{static_cast<int>(random() % 40)});
+    const int n = static_cast<int>(random() % (model.items.size() + 3)) - 1;
+    calls.clear();
+    if (choice == 0) {
+      EXPECT_EQ(genlist_delete_nodes(list), list);
+      const auto made = std::exchange(calls, {});
+      while (!model.items.empty()) model.Remove(0);
+      ASSERT_EQ(made, calls);
+      model.current = nullptr;
+    } else if (choice < 5) {
+      std::vector<int> keys;
+      for (const Item* i : model.items) keys.push_back(i->key);
+      std::sort(keys.begin(), keys.end());
+      ASSERT_EQ(genlist_sort(list), keys.size() < 2);
+      for (std::size_t i = 0; i < keys.size(); ++i) ASSERT_EQ(model.items[i]->key, keys[i]);
+    } else {
+      const Result result = step.list(list, item, n);
+      const auto made = std::exchange(calls, {});
+      ASSERT_EQ(result, step.model(model, item, n)) << step.name << ", seed " << kSeed << ", round " << round;
+      ASSERT_EQ(made, calls) << step.name << ", seed " << kSeed << ", round " << round;
+    }
+  }
+  calls.clear();
+  EXPECT_EQ(genlist_free(list), nullptr);
+  const auto made = std::exchange(calls, {});
+  for (Item* item : model.items) release(item);
+  EXPECT_EQ(made, calls);
+}
+
+TEST(GenericList, StaysAsItWasWhenMemoryRunsOut) {
+  allocations_left = 0;
+  errno = 0;
+  EXPECT_EQ(genlist_new(order, swap, release), nullptr);
+  for (const auto grow : {genlist_add, genlist_insert}) {
+    for (int n = 1; n < 12; ++n) {
+      allocations_left = n;
+      std::deque<Item> pool{{0}};
+      genlist* const list = genlist_new(order, swap, nullptr);
+      while (grow(list, &pool.back()) == 0) pool.push_back({static_cast<int>(pool.size()) * 7 % 5});
+      calls.clear();
+      EXPECT_EQ(grow(list, &pool.back()), 1);
+      Items items;
+      for (void* i = genlist_get_first_node(list); i != nullptr; i = genlist_get_next_node(list))
+        items.push_back(static_cast<Item*>(i));
+      EXPECT_EQ(items.size(), pool.size() - 1);
+      EXPECT_EQ(genlist_get_num_nodes(list), items.size());
+      EXPECT_EQ(genlist_sort(list), 1);
+      EXPECT_TRUE(calls.empty());
+
+      genlist_delete_nodes(list);  // and its memory is there for as many again
+      for (Item* item : items) EXPECT_EQ(grow(list, item), 0);
+      EXPECT_EQ(genlist_get_num_nodes(list), items.size());
+      EXPECT_EQ(grow(list, &pool.back()), 1);
+      genlist_free(list);
+    }
+  }
+  EXPECT_EQ(errno, 0);
+}
+
+TEST(GenericList, AllocatesForManyItemsAtOnce) {
+  allocations_left = kEnough;
+  Item item{1};
+  genlist* const list = genlist_new(order, swap, nullptr);
+  for (int i = 0; i < 100000; ++i) genlist_add(list, &item);
+  EXPECT_LT(kEnough - allocations_left, 100);
+  genlist_free(list);
+}
+
+// A comparison that sorts another list first.
+int sort_and_order(void* a, void* b) {
+  Item items[] = {{3}, {1}, {2}};
+  genlist* const list = genlist_new(order, swap, nullptr);
+  for (Item& item : items) genlist_add(list, &item);
+  EXPECT_EQ(genlist_sort(list), 0);
+  EXPECT_TRUE(items[0].key == 1 && items[1].key == 2 && items[2].key == 3);
+  genlist_free(list);
+  return order(a, b);
+}
+
+TEST(GenericList, CallbacksMaySort) {
+  allocations_left = kEnough;
+  Item items[] = {{5}, {4}, {3}, {2}, {1}};
+  genlist* const list = genlist_new(sort_and_order, swap, nullptr);
+  for (Item& item : items) genlist_add(list, &item);
+  EXPECT_EQ(genlist_sort(list), 0);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(items[i].key, i + 1);
+  genlist_free(list);
+}
+
+TEST(GenericList, WithoutAHandleOrACallbackDoesNothing) {
+  allocations_left = kEnough;
+  Item item{1};
+  genlist* const bare = genlist_new(nullptr, nullptr, nullptr);
+  genlist* const no_swap = genlist_new(order, nullptr, nullptr);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(genlist_add(bare, &item) + genlist_add(no_swap, &item), 0);
+  for (genlist* list : {bare, static_cast<genlist*>(nullptr)}) {
+    EXPECT_EQ(genlist_insert(list, &item), 1);
+    EXPECT_EQ(genlist_find(list, &item), nullptr);
+    EXPECT_EQ(genlist_delete(list, &item), 0);
+    EXPECT_EQ(genlist_get_following_node(list, &item, 1), nullptr);
+    EXPECT_EQ(genlist_get_preceeding_node(list, &item, 1), nullptr);
+    EXPECT_EQ(genlist_sort(list), 1);
+  }
+  EXPECT_EQ(genlist_sort(no_swap), 1);
+  EXPECT_EQ(genlist_get_num_nodes(bare), 2U);
+  EXPECT_EQ(genlist_add(nullptr, &item), 1);
+  EXPECT_EQ(genlist_delete_nodes(nullptr), nullptr);
+  EXPECT_EQ(genlist_get_first_node(nullptr), nullptr);
+  EXPECT_EQ(genlist_get_next_node(nullptr), nullptr);
+  EXPECT_EQ(genlist_get_node_by_index(nullptr, 0), nullptr);
+  EXPECT_EQ(genlist_get_num_nodes(nullptr), 0U);
+  genlist_free(bare);
+  genlist_free(no_swap);
+  EXPECT_EQ(genlist_free(nullptr), nullptr);
+}
+
+}  // namespace

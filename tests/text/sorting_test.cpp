@@ -1,0 +1,119 @@
+#include <orx/text/sorting.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <numeric>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Values = std::vector<int>;
+
+Values values;
+std::string calls;
+
+int& value(int position) { return values.at(static_cast<std::size_t>(position)); }
+
+int compare(int i, int j) {
+  calls += {' ', 'c', static_cast<char>('0' + i), static_cast<char>('0' + j)};
+  return value(i) - value(j);
+}
+
+int swap(int i, int j) {
+  if (calls.size() < 1000) calls += {' ', 's', static_cast<char>('0' + i), static_cast<char>('0' + j)};
+  std::swap(value(i), value(j));
+  return -1;
+}
+
+// A comparison that sorts something else first, both ways.
+int sort_and_compare(int i, int j) {
+  const std::string outer_calls = calls;
+  const Values outer = std::exchange(values, {2, 3, 1});
+  qksort(2, compare, swap);
+  sm_sort(3, compare, swap);
+  EXPECT_EQ(std::exchange(values, outer), (Values{1, 2, 3}));
+  calls = outer_calls;
+  return compare(i, j);
+}
+
+TEST(Sorting, CallsInADefinedOrder) {
+  const struct {
+    Values values;
+    const char *quick, *shell;
+  } cases[] = {
+      {{}, "", ""},
+      {{7}, "", ""},
+      {{1, 1}, " c10", " c01"},
+      {{1, 2, 3, 4}, " c30 c20 c10 c31 c21 c32", " c02 c13 c01 c12 c23"},
+      {{3, 1, 2}, " c20 s20 c02 c12 c10 s10 c01", " c01 s01 c12 s12 c01"},
+      {{2, 3, 1}, " c20 s20 c02 c12 s12 c21", " c01 c12 s12 c01 s01"},
+      {{3, 2, 1, 5, 4},  // with parts on both sides of the first pivot
+       " c40 c30 c20 s20 c02 c12 c10 c43 s43 c34",
+       " c02 s02 c13 c24 c01 c12 c23 c34 s34 c23"},
+      {{5, 4, 3, 2, 1},
+       " c40 s40 c04 c14 c24 c34 c30 c20 c10 c31 s31 c13 c23 c21",
+       " c02 s02 c13 s13 c24 s24 c02 s02 c01 c12 c23 c34"},
+  };
+  for (const auto& c : cases) {
+    for (const auto order : {compare, sort_and_compare}) {
+      const int n = static_cast<int>(c.values.size());
+      calls.clear();
+      values = c.values;
+      qksort(n, order, swap);
+      EXPECT_EQ(calls, c.quick) << testing::PrintToString(c.values);
+      EXPECT_TRUE(std::is_sorted(values.begin(), values.end())) << testing::PrintToString(values);
+      calls.clear();
+      values = c.values;
+      EXPECT_EQ(sm_sort(n, order, swap), 0);
+      EXPECT_EQ(calls, c.shell) << testing::PrintToString(c.values);
+      EXPECT_TRUE(std::is_sorted(values.begin(), values.end())) << testing::PrintToString(values);
+    }
+  }
+}
+
+TEST(Sorting, OfNothingOrWithoutACallbackCallsNothing) {
+  calls.clear();
+  qksort(-1, compare, swap);
+  qksort(2, nullptr, swap);
+  qksort(2, compare, nullptr);
+  EXPECT_EQ(sm_sort(-1, compare, swap) + sm_sort(2, nullptr, swap) + sm_sort(2, compare, nullptr), 0);
+  EXPECT_EQ(calls, "");
+}
+
+// Every pivot leaves two greater elements on its right, so that as many parts wait as ever can.
+Values waiting_parts(int n) {
+  Values made{0, 1, 2};
+  for (int i = 3; i < n; i += 3) {
+    const int first = std::exchange(made[0], i);
+    made.insert(made.end(), {first, i + 1, i + 2});
+  }
+  return made;
+}
+
+std::uintptr_t shallowest, deepest;
+
+int compare_and_look_at_the_stack(int i, int j) {
+  const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  shallowest = std::max(shallowest, here);
+  deepest = std::min(deepest, here);
+  return value(i) - value(j);
+}
+
+TEST(Sorting, NeedsTheSameStackForEveryInput) {
+  Values sorted(4500);
+  std::iota(sorted.begin(), sorted.end(), 0);
+  for (const Values& input : {sorted, Values(sorted.rbegin(), sorted.rend()), waiting_parts(4500)}) {
+    values = input;
+    shallowest = 0;
+    deepest = UINTPTR_MAX;
+    qksort(4500, compare_and_look_at_the_stack, swap);
+    EXPECT_EQ(values, sorted);
+    EXPECT_LT(shallowest - deepest, 4096U);
+  }
+}
+
+}  // namespace
