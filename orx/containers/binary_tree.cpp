@@ -20,38 +20,81 @@ Link& link_of(Node& node, int side) { return side == kLeft ? node.left : node.ri
 
 void set_balance(Node& node, int balance) { node.balance = static_cast<std::int16_t>(balance); }
 
+// The two ways down from a node, told apart without a jump: which way it goes is a guess that fails every
+// other time, and each failure costs more than a comparison.
+class Fork {
+ public:
+  explicit Fork(const Node& node)
+      : right_(reinterpret_cast<std::uintptr_t>(node.right)),
+        difference_(reinterpret_cast<std::uintptr_t>(node.left) ^ right_) {}
+
+  Node* Way(bool is_left) const {
+    const std::uintptr_t mask = std::uintptr_t{0} - static_cast<std::uintptr_t>(is_left);
+    return reinterpret_cast<Node*>(right_ ^ (difference_ & mask));
+  }
+
+ private:
+  std::uintptr_t right_, difference_;
+};
+
 // The links from the root down to where an operation takes place, the last one included.
 class Path {
  public:
-  explicit Path(Link& root) { links_[0] = &root; }
+  using Position = Link**;
 
-  Link& End() { return *links_[last_]; }
+  explicit Path(Link& root) { links_[0] = &root; }
+  Path(const Path&) = delete;
+  Path& operator=(const Path&) = delete;
+
+  // Goes down to the item that is equal to `probe`, or to the empty subtree where it belongs.
+  Node* Find(bto_compare_fn compare, void* probe) {
+    Position end = links_;
+    Node* node = **end;
+    int order = 0;
+    // Along the right edge of the tree, where probes in ascending order go, guesses hold.
+    while (node != nullptr && (order = compare(probe, node)) > 0) {
+      *++end = &node->right;
+      node = node->right;
+    }
+    while (node != nullptr && order != 0) {
+      const Fork fork(*node);
+      *++end = order < 0 ? &node->left : &node->right;
+      node = fork.Way(order < 0);
+      if (node != nullptr) order = compare(probe, node);
+    }
+    end_ = end;
+    return node;
+  }
+
+  Link& End() { return **end_; }
+  Position Last() const { return end_; }
+  bool IsAtRoot() const { return end_ == links_; }
+
   void Descend(int side) {
     Node& node = *End();
-    links_[++last_] = &link_of(node, side);
+    *++end_ = &link_of(node, side);
   }
-  bool IsAtRoot() const { return last_ == 0; }
   // The side of the node above from which the way up comes.
   int Ascend() {
-    const Link* const below = links_[last_--];
+    const Link* const below = *end_--;
     return below == &End()->left ? kLeft : kRight;
   }
 
-  int Length() const { return last_; }
   // For a path that goes on to the left of `position`: there it now leads through another node.
-  void Redirect(int position, Node& node) {
-    *links_[position] = &node;
-    links_[position + 1] = &node.left;
+  static void Redirect(Position position, Node& node) {
+    **position = &node;
+    position[1] = &node.left;
   }
 
  private:
   Link* links_[kMaxHeight + 1];
-  int last_ = 0;
+  Position end_ = links_;
 };
 
 // Takes the place of the node `top` that is two higher on `side`, and gives back what takes its place. A
 // balance other than 0 at the new top means that the subtree is as high as it was.
-Link rotated(Node& top, int side) {
+template <int side>
+Link rotated(Node& top) {
   Node& heir = *link_of(top, side);
   if (heir.balance != -side) {
     link_of(top, side) = link_of(heir, -side);
@@ -72,22 +115,28 @@ Link rotated(Node& top, int side) {
 }
 
 // The height of `side`, seen from the node at the link, has grown against the other side's.
-void lean(Link& link, int side) {
-  const int balance = link->balance + side;
-  if (balance == 2 * side) {
-    link = rotated(*link, side);
+template <int side>
+void lean(Link& link) {
+  Node& node = *link;
+  if (node.balance == side) {
+    link = rotated<side>(node);
   } else {
-    set_balance(*link, balance);
+    set_balance(node, node.balance + side);
   }
 }
+
+void lean(Link& link, int side) { side == kLeft ? lean<kLeft>(link) : lean<kRight>(link); }
 
 // From here up each returns whether the height of the whole tree has changed.
 bool grown(Path& path) {
   while (!path.IsAtRoot()) {
     const int side = path.Ascend();
-    const bool was_level = path.End()->balance == 0;
-    lean(path.End(), side);
-    if (!was_level) return false;
+    Link& link = path.End();
+    if (link->balance != 0) {
+      lean(link, side);
+      return false;
+    }
+    set_balance(*link, side);
   }
   return true;
 }
@@ -108,7 +157,7 @@ void unlink(Path& path) {
     path.End() = node.right == nullptr ? node.left : node.right;
     return;
   }
-  const int position = path.Length();
+  const Path::Position position = path.Last();
   path.Descend(kLeft);
   while (path.End()->right != nullptr) path.Descend(kRight);
   Node& predecessor = *path.End();
@@ -116,7 +165,7 @@ void unlink(Path& path) {
   predecessor.left = node.left;
   predecessor.right = node.right;
   predecessor.balance = node.balance;
-  path.Redirect(position, predecessor);
+  Path::Redirect(position, predecessor);
 }
 
 void call(bto_item_fn function, void* item) {
@@ -152,16 +201,11 @@ int bto_init_all_functions(bto_tree* tree, bto_compare_fn compare, bto_item_fn v
 
 void* bto_add_item(bto_tree* tree, void* item) {
   if (tree == nullptr || tree->compare == nullptr || item == nullptr) return item;
-  const bto_compare_fn compare = tree->compare;
   Path path(tree->root);
-  while (path.End() != nullptr) {
-    const int order = compare(item, path.End());
-    if (order == 0) {
-      tree->height_changed = 0;
-      call(tree->free_item, item);
-      return item;
-    }
-    path.Descend(order < 0 ? kLeft : kRight);
+  if (path.Find(tree->compare, item) != nullptr) {
+    tree->height_changed = 0;
+    call(tree->free_item, item);
+    return item;
   }
   // Field by field: the host's data may begin right behind the balance.
   Node& added = *static_cast<Node*>(item);
@@ -174,21 +218,14 @@ void* bto_add_item(bto_tree* tree, void* item) {
 
 int bto_delete_item(bto_tree* tree, void* key) {
   if (tree == nullptr || tree->compare == nullptr || key == nullptr) return 0;
-  const bto_compare_fn compare = tree->compare;
-  tree->height_changed = 0;
   Path path(tree->root);
-  while (path.End() != nullptr) {
-    Node& node = *path.End();
-    const int order = compare(key, &node);
-    if (order == 0) {
-      unlink(path);
-      tree->height_changed = shrunk(path) ? 1 : 0;
-      node.left = node.right = nullptr;
-      call(tree->free_item, &node);
-      return 0;
-    }
-    path.Descend(order < 0 ? kLeft : kRight);
-  }
+  Node* const node = path.Find(tree->compare, key);
+  tree->height_changed = 0;
+  if (node == nullptr) return 0;
+  unlink(path);
+  tree->height_changed = shrunk(path) ? 1 : 0;
+  node->left = node->right = nullptr;
+  call(tree->free_item, node);
   return 0;
 }
 
@@ -197,9 +234,10 @@ void* bto_get_item(bto_tree* tree, void* key) {
   const bto_compare_fn compare = tree->compare;
   Node* node = tree->root;
   while (node != nullptr) {
+    const Fork fork(*node);
     const int order = compare(node, key);
     if (order == 0) break;
-    node = link_of(*node, order < 0 ? kRight : kLeft);
+    node = fork.Way(order > 0);
   }
   return node;
 }
