@@ -5,8 +5,8 @@
 #include <orx/compat/export.h>
 #include <orx/compat/hkey.h>
 #include <orx/compat/variant.h>
-#include <orx/containers/generic_list.h>
 #include <orx/containers/binary_tree.h>
+#include <orx/containers/generic_list.h>
 #include <orx/datetime/date_defaults.h>
 #include <orx/datetime/date_time.h>
 #include <orx/datetime/date_time_format.h>

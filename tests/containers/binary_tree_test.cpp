@@ -1,22 +1,14 @@
 #include <orx/containers/binary_tree.h>
 
 #include <gtest/gtest.h>
+#include <tests/support/failing_memory.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <map>
-#include <new>
 #include <random>
 #include <string>
 #include <vector>
-
-namespace {
-bool memory_is_exhausted = false;
-}
-
-void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
-  return memory_is_exhausted ? nullptr : ::operator new(size);
-}
 
 namespace {
 
@@ -208,9 +200,9 @@ TEST(BinaryTree, NeedsWhatItWorksWith) {
   EXPECT_EQ(bto_free(nullptr), 0);
   EXPECT_EQ(bto_free_base_object(nullptr), 0);
 
-  memory_is_exhausted = true;
+  orx::testing::allocations_left = 0;
   EXPECT_EQ(bto_new(), nullptr);
-  memory_is_exhausted = false;
+  orx::testing::allocations_left = 1'000'000;
 }
 
 }  // namespace

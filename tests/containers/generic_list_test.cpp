@@ -1,27 +1,17 @@
 #include <orx/containers/generic_list.h>
 
 #include <gtest/gtest.h>
+#include <tests/support/failing_memory.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <deque>
-#include <new>
 #include <random>
 #include <utility>
 #include <vector>
 
-static int allocations_left;
-
-void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
-  if (allocations_left-- > 0) return ::operator new(size);
-  errno = ENOMEM;
-  return nullptr;
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t& nothrow) noexcept {
-  return ::operator new(size, nothrow);
-}
+using orx::testing::allocations_left;
 
 namespace {
 
