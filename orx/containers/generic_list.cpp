@@ -20,10 +20,12 @@ struct Block {
   Block* older;
 };
 
-// In nodes. Small lists stay small, and a large one is a few hundred blocks, none of which is worth a mapping
-// of its own to the allocator.
+// In nodes. Every block is three times the one before, and no page of it is touched before its nodes are
+// used: then the allocator, which measures what it holds back by the largest block that it got back, can give
+// a list as large as the last one its memory without asking the system again.
 constexpr std::size_t kFirstBlock = 16;
-constexpr std::size_t kLargestBlock = 2048;
+constexpr std::size_t kGrowth = 3;
+constexpr std::size_t kLargestBlock = 1000000;
 
 }  // namespace
 
@@ -42,10 +44,15 @@ struct genlist {
 
 namespace {
 
+// Where memory is short, a smaller block will do.
 bool add_block(genlist& list) {
   const orx::platform::KeptErrno kept;
-  const std::size_t size = std::clamp(2 * list.block_size, kFirstBlock, kLargestBlock);
-  void* const memory = ::operator new(sizeof(Block) + size * sizeof(Node), std::nothrow);
+  std::size_t size = std::clamp(kGrowth * list.block_size, kFirstBlock, kLargestBlock);
+  void* memory = nullptr;
+  while (memory == nullptr && size >= kFirstBlock) {
+    memory = ::operator new(sizeof(Block) + size * sizeof(Node), std::nothrow);
+    if (memory == nullptr) size /= kGrowth;
+  }
   if (memory == nullptr) return false;
   list.blocks = new (memory) Block{list.blocks};
   list.block_size = size;

@@ -159,6 +159,7 @@ TEST(BinaryTree, DoesWhatAModelDoes) {
       EXPECT_EQ(tree->height_changed != 0, checked_height(tree->root) != height);
     }
     std::vector<int> keys;
+    keys.reserve(model.size());
     for (const auto& [stored, item] : model) keys.push_back(stored);
     EXPECT_EQ(bto_traverse_tree(tree), 0);
     EXPECT_EQ(visited, keys);

@@ -7,12 +7,20 @@
 
 int orx::testing::allocations_left = INT_MAX;
 
-void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
-  if (orx::testing::allocations_left-- > 0) return ::operator new(size);
+namespace {
+
+bool may_allocate() {
+  if (orx::testing::allocations_left-- > 0) return true;
   errno = ENOMEM;
-  return nullptr;
+  return false;
 }
 
-void* operator new[](std::size_t size, const std::nothrow_t& nothrow) noexcept {
-  return ::operator new(size, nothrow);
+}  // namespace
+
+void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
+  return may_allocate() ? ::operator new(size) : nullptr;
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
+  return may_allocate() ? ::operator new[](size) : nullptr;
 }
