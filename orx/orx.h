@@ -20,6 +20,7 @@
 #include <orx/projects/qpr_file.h>
 #include <orx/settings/registry.h>
 #include <orx/text/angle_text.h>
+#include <orx/text/field_value.h>
 #include <orx/text/sorting.h>
 #include <orx/text/strings.h>
 #include <orx/text/token_parser.h>

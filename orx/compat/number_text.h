@@ -1,11 +1,18 @@
 // Reading numbers as the C library does, but alike in every locale. Internal to the library.
 #pragma once
 
+#include <cstdint>
+
 namespace orx::compat {
 
-// The floating-point number at the beginning of the text, behind white space; what follows it is ignored. 0
-// when there is none ("inf", "nan" and hexadecimal digits are none); too large is infinite. errno is left
-// alone.
+// Both read the number at the beginning of the text, behind white space, and ignore what follows it; without
+// a number they give 0. errno is left alone.
+
+// A floating-point number; its exponent may stand behind a D. "inf", "nan" and hexadecimal digits are none;
+// too large is infinite.
 double read_double(const char* text);
+
+// A whole number; beyond the range it is the nearest that there is.
+std::int32_t read_int32(const char* text);
 
 }  // namespace orx::compat
