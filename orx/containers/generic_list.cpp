@@ -98,12 +98,13 @@ void remove(genlist& list, Node* node) {
   --list.count;
 }
 
-// The node that the item goes behind, or null for the front. That the head comes before the item is known
-// once the walk begins, so it ends there even if `compare` contradicts itself.
+// The node that the item goes behind, or null for the front. Hosts may count on the calls: the walk asks for
+// the tail once more. It ends at the head even if `compare` contradicts itself.
 Node* place_of(const genlist& list, void* item) {
   if (list.head == nullptr || list.compare(item, list.head->item) <= 0) return nullptr;
   Node* place = list.tail;
-  while (place != list.head && list.compare(item, place->item) < 0) place = place->prev;
+  if (list.compare(item, place->item) >= 0) return place;
+  while (list.compare(item, place->item) < 0 && place->prev != nullptr) place = place->prev;
   return place;
 }
 

@@ -38,14 +38,19 @@ int read_integer(const Field& field) {
   return 0;
 }
 
-int read_float(const Field& field) {
-  store(field, static_cast<float>(orx::compat::read_double(field.text)));
+template <typename Value>
+int read_number(const Field& field) {
+  store(field, static_cast<Value>(orx::compat::read_double(field.text)));
   return 0;
 }
 
-int read_double(const Field& field) {
-  store(field, orx::compat::read_double(field.text));
-  return 0;
+// Stores a text that is a number and nothing else, as most are: it need not be searched for tokens.
+template <typename Value>
+bool read_plain_number(const Field& field) {
+  const orx::compat::Number number = orx::compat::read_number(field.text);
+  if (*number.end != '\0' || number.end == field.text) return false;
+  store(field, static_cast<Value>(number.value));
+  return true;
 }
 
 int read_angle(const Field& field) {
@@ -96,19 +101,20 @@ struct Type {
   Tokens tokens;
   int least_size;
   int (*read)(const Field& field);
+  bool (*read_plain)(const Field& field) = nullptr;
 };
 
 constexpr Type kTypes[] = {
     {Tokens::kNone, 0, read_nothing},
     {Tokens::kOfMeasurement, sizeof(std::int32_t), read_integer},
-    {Tokens::kOfMeasurement, sizeof(float), read_float},
+    {Tokens::kOfMeasurement, sizeof(float), read_number<float>, read_plain_number<float>},
     {Tokens::kNone, 1, read_text},
     {Tokens::kNone, sizeof(std::int32_t), read_yes_no},
     {Tokens::kNone, 0, read_nothing},
     {Tokens::kOfValue, sizeof(double), read_date},
     {Tokens::kOfValue, sizeof(double), read_time},
     {Tokens::kOfValue, sizeof(double), read_date_time},
-    {Tokens::kOfMeasurement, sizeof(double), read_double},
+    {Tokens::kOfMeasurement, sizeof(double), read_number<double>, read_plain_number<double>},
     {Tokens::kOfValue, sizeof(double), read_angle},
     {Tokens::kOfValue, sizeof(double), read_angle},
     {Tokens::kOfValue, sizeof(double), read_angle},
@@ -116,7 +122,7 @@ constexpr Type kTypes[] = {
     {Tokens::kOfValue, sizeof(double), read_angle},
     {Tokens::kNone, 1, read_text},
     {Tokens::kOfValue, sizeof(double), read_angle},
-    {Tokens::kOfValue, sizeof(double), read_double},
+    {Tokens::kOfValue, sizeof(double), read_number<double>, read_plain_number<double>},
 };
 
 const Type& type_of(int type) {
@@ -191,19 +197,22 @@ void read_limited(Field field, const Type& type, char sign, const void* limit) {
 
 int orxdb_StrToVal(const char* text, const void* lowLimit, const void* highLimit, int type, int subtype,
                    int size, int* special, void* dst) {
+  int ignored;
+  if (special == nullptr) special = &ignored;
   if (text == nullptr) text = "";
-  if (type == orxdbDouble) type = double_type(subtype);
-  int code = orxdbOrdinary;
-  orxdb_StrToSpecialVal(type, text, &code);
-  if (special != nullptr) *special = code;
   if (dst == nullptr) size = 0;
   if (size > 0) std::memset(dst, 0, static_cast<std::size_t>(size));
+  if (type == orxdbDouble) type = double_type(subtype);
   const Type& row = type_of(type);
-  if (size < row.least_size) return kCut;
   const Field field{text, type, subtype, size, dst};
-  if (code == orxdbOrdinary) return row.read(field);
-  if (code == orxdbBelow) read_limited(field, row, '<', lowLimit);
-  if (code == orxdbAbove) read_limited(field, row, '>', highLimit);
+  const bool has_room = size >= row.least_size;
+  *special = orxdbOrdinary;
+  if (has_room && row.read_plain != nullptr && row.read_plain(field)) return 0;
+  orxdb_StrToSpecialVal(type, text, special);
+  if (!has_room) return kCut;
+  if (*special == orxdbOrdinary) return row.read(field);
+  if (*special == orxdbBelow) read_limited(field, row, '<', lowLimit);
+  if (*special == orxdbAbove) read_limited(field, row, '>', highLimit);
   return 0;
 }
 

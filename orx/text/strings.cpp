@@ -13,22 +13,24 @@
 
 namespace {
 
-std::string_view trim_white_space(std::string_view text) {
-  const auto is_ink = [](char c) { return !orx::platform::is_space(c); };
-  const auto first = std::find_if(text.begin(), text.end(), is_ink);
-  const auto last = std::find_if(text.rbegin(), text.rend(), is_ink).base();
-  return first < last ? std::string_view(first, last) : std::string_view();
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+const char* after_space(const char* text) {
+  while (orx::platform::is_space(*text)) ++text;
+  return text;
 }
 
-// Digits with a sign before them and as many points as allowed; digits may be missing.
-bool is_plain_number(std::string_view text, std::ptrdiff_t points_allowed) {
-  if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
-  if (std::ranges::count(text, '.') > points_allowed) return false;
-  return std::ranges::all_of(text, [](char c) { return c == '.' || (c >= '0' && c <= '9'); });
+// Behind a sign and digits, both of which may be missing.
+const char* after_integer(const char* text) {
+  if (*text == '-' || *text == '+') ++text;
+  while (is_digit(*text)) ++text;
+  return text;
 }
 
-bool is_mantissa(std::string_view text) {
-  return !text.empty() && is_plain_number(trim_white_space(text), 1);
+const char* after_fraction(const char* text) {
+  if (*text == '.') ++text;
+  while (is_digit(*text)) ++text;
+  return text;
 }
 
 }  // namespace
@@ -91,11 +93,9 @@ char* ORX_strncpy(char* dst, const char* src, std::size_t n) {
 }
 
 bool IsNumeric(const CStringA& text) {
-  const std::string_view whole(text.GetString(), static_cast<std::size_t>(text.GetLength()));
-  if (whole.empty()) return false;
-  const std::string_view number = trim_white_space(whole);
-  const std::size_t marker = number.find_first_of("eE");
-  if (marker == std::string_view::npos) return is_plain_number(number, 1);
-  // A second marker is no digit, so the exponent refuses it.
-  return is_mantissa(number.substr(0, marker)) && is_plain_number(number.substr(marker + 1), 0);
+  if (text.IsEmpty()) return false;
+  const char* const first = after_space(text);
+  const char* end = after_space(after_fraction(after_integer(first)));
+  if ((*end == 'e' || *end == 'E') && end != first) end = after_space(after_integer(end + 1));
+  return end == text.GetString() + text.GetLength();
 }

@@ -59,7 +59,8 @@ struct Model {
   void Insert(Item* item) {
     std::size_t place = 0;
     if (!items.empty() && order(item, items[0]) > 0) place = items.size();
-    while (place > 1 && order(item, items[place - 1]) < 0) --place;
+    const bool in_the_middle = place > 0 && order(item, items.back()) < 0;
+    while (in_the_middle && order(item, items[place - 1]) < 0) --place;
     items.insert(items.begin() + static_cast<std::ptrdiff_t>(place), item);
   }
   void Remove(std::size_t place) {
