@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# examples_test.sh SOURCE ORX HOST C_HOST: the sample suite is whole, and the hosts run and are what the README shows.
+# examples_test.sh SOURCE ORX HOST C_HOST CONTAINERS: the sample suite is whole, and the hosts run and are what the README shows.
 set -euo pipefail
-source=$1 orx=$2 host=$3 c_host=$4
+source=$1 orx=$2 host=$3 c_host=$4 containers=$5
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cp -r "$source/examples/suite/drives" "$work"
@@ -15,6 +15,19 @@ for project in 'C:\Projects\Kestrel Ridge\North Pit\north_pit.qpr' 'C:\Projects\
 done
 ! "$host" 'C:\Projects\missing.qpr' || exit 1
 [ "$("$c_host")" = "'PIT 1'" ]
+diff <("$containers") - << 'END'
+refused: there is a sample at 3.0 m
+by depth
+   0.0 m   0.12 g/t
+   1.5 m   1.31 g/t
+   3.0 m   0.85 g/t
+   4.5 m   2.40 g/t
+by grade
+   4.5 m   2.40 g/t
+   1.5 m   1.31 g/t
+   3.0 m   0.85 g/t
+   0.0 m   0.12 g/t
+END
 
 snippet() { awk -v fence="\`\`\`$1" '$0 == fence { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md"; }
 diff <(snippet cpp) "$source/examples/host.cpp"
