@@ -2,6 +2,7 @@
 // nothing is then saved.
 #pragma once
 
+#include <limits>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -32,6 +33,13 @@ struct Arguments {
   std::string kind;
   bool full = false;
 
+  bool packed = false;
+  bool degrees = false;
+  std::optional<int> subtype;
+  std::optional<std::string> low;
+  std::optional<std::string> high;
+  int size = std::numeric_limits<int>::max();
+
   int count = 0;
   bool follow = false;
   bool thread_log = false;
@@ -60,6 +68,11 @@ void registry_import(const Arguments& arguments, std::ostream& out);
 void date_parse(const Arguments& arguments, std::ostream& out);
 void date_format(const Arguments& arguments, std::ostream& out);
 void date_now(const Arguments& arguments, std::ostream& out);
+
+void angle_read(const Arguments& arguments, std::ostream& out);
+void angle_write(const Arguments& arguments, std::ostream& out);
+
+void field(const Arguments& arguments, std::ostream& out);
 
 void log_path(const Arguments& arguments, std::ostream& out);
 // Following flushes `out` as lines come, and goes on until the process is asked to end.

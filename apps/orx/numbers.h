@@ -25,4 +25,12 @@ std::string shortest(Number number) {
   return {text, std::to_chars(text, text + sizeof text, number).ptr};
 }
 
+// The double that is written with the digits of the number, which may be a float.
+template <class Number>
+double as_written(Number number) {
+  double written = 0;
+  read_number(shortest(number), written);
+  return written;
+}
+
 }  // namespace orx::cli

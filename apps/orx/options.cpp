@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "field_types.h"
+
 namespace orx::cli {
 namespace {
 
@@ -20,6 +22,8 @@ class CommandLine {
     add_list_commands(group(&app_, "list", "The list of projects"));
     add_registry_commands(group(&app_, "registry", "Settings of the user and of the machine"));
     add_date_commands(group(&app_, "date", "Dates and times"));
+    add_angle_commands(group(&app_, "angle", "Angles as text"));
+    add_field_command(add(&app_, "field", "Show what an import makes of the text of a field", field));
     add_log_commands(group(&app_, "log", "The debug log"));
     add_key_commands(group(&app_, "key", "Unique keys"));
     json(add(&app_, "platforms", "Show the database platforms", platforms));
@@ -158,6 +162,45 @@ class CommandLine {
     format->add_flag("--full", arguments_.full, "The year in full and first");
     date_style(format);
     date_style(add(date, "now", "Show the current date and time", date_now));
+  }
+
+  CLI::Option* field_type(CLI::App* command, const char* name, Among among, const char* help) {
+    const std::string names = type_names(among);
+    return command->add_option(name, arguments_.type, help + (": " + names) + ", or its number")
+        ->required()
+        ->check([among, names](const std::string& text) {
+          return find_type(among, text) != nullptr ? "" : "'" + text + "' is none of " + names;
+        });
+  }
+
+  void angle_style(CLI::App* command) {
+    field_type(command, "--mode", Among::kAngles, "The notation");
+    command->add_flag("--packed", arguments_.packed, "In columns of fixed width, without colons");
+    json(command);
+  }
+
+  void add_angle_commands(CLI::App* angle) {
+    CLI::App* read = add(angle, "read", "Read the text of an angle", angle_read);
+    read->add_option("TEXT", arguments_.text, "Such as 45:30:15")->required();
+    angle_style(read);
+    CLI::App* write = add(angle, "write", "Write an angle as text", angle_write);
+    write->add_option("RADIANS", arguments_.text, "A number")->required();
+    write->add_flag("--degrees", arguments_.degrees, "The number is in degrees");
+    angle_style(write);
+  }
+
+  void add_field_command(CLI::App* field) {
+    field_type(field, "TYPE", Among::kTypes, "The type of the field");
+    field->add_option("TEXT", arguments_.text, "What it holds; values of angles are in radians")->required();
+    field->add_option(
+        "--subtype", arguments_.subtype,
+        "Of a double: 5 degrees, 1 or 6 dms, 7 dms-decimal, 8 dm, 9 radians, 10 grads; of dates "
+        "and times: 0 mdy, 1 dmy (the default), 2 ymd");
+    field->add_option("--low", arguments_.low, "The value of '<' alone, in an integer, float or double");
+    field->add_option("--high", arguments_.high, "The value of '>' alone there");
+    field->add_option("--size", arguments_.size, "The bytes of the field; else as many as it needs")
+        ->check(CLI::NonNegativeNumber);
+    json(field);
   }
 
   CLI::Option* thread_log(CLI::App* command) {

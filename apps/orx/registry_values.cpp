@@ -77,10 +77,7 @@ template <class Number>
 bool number_data(const std::string& bytes, Value& data) {
   Number number{};
   if (!from_memory(bytes, number)) return false;
-  // The double that is written with the digits of the float.
-  double written = 0;
-  read_number(shortest(number), written);
-  data = written;
+  data = as_written(number);
   return true;
 }
 

@@ -284,6 +284,48 @@ row 1 '' 'orx: nan: it *' date format nan
 row 1 '' 'orx: 1e19: it is too large' date format 1e19 --kind number
 row 1 '' 'orx: 1,5: it is no number' date format 1,5
 
+# angles and fields: the arguments, and what is shown of them
+row 0 $'Radians  -0.7941248096574199\nDegrees  -45.5' '' angle read -45:30:00 --mode dms
+row 0 '*"Degrees": 45.5*' '' angle read '  4530.00000' --mode 12 --packed --json
+row 0 '*"Radians": -0.5,*' '' angle read --mode radians --json -- -.5
+row 0 ' 45.50000000' '' angle write 0.7941248096574199 --mode degrees
+row 0 '*"Text": " -45 7 5.00"*' '' angle write --degrees -45.11805555555555 --mode dms-decimal --packed --json
+row 1 '' 'orx: 1,5: it is no number' angle write 1,5 --mode dms
+row 2 '' "orx: --mode: '15' is none of degrees, dms, *, dms-decimal *" angle read 1 --mode 15
+row 2 '' 'orx: --mode is required*' angle write 1
+
+while IFS='|' read -r status value special result arguments reason; do
+  eval "row $status '*\"Value\": $value,*\"Special\": $special\",*\"Result\": $result?}' '${reason:+orx: *: $reason}' field --json $arguments"
+done << 'TABLE'
+0|42|0,*"ordinary|0|integer '  42abc'
+0|-5|0,*"ordinary|0|1 -5
+0|3|1,*"below|0|integer '<' --low 3
+0|0.1|2,*"above|0|float '>' --high 0.1
+0|0.0|4,*"NS|0|double ns --subtype 3
+0|0.0|6,*"NE|0|number -
+0|"Süd \\\\ \\"Feld\\""|0,*"ordinary|0|text 'Süd \ "Feld"' --size 14
+0|"list"|0,*"ordinary|0|long-text list --size 5
+1|"S�"|0,*"ordinary|-3|text Süd --size 3|it does not fit into 3 bytes
+1|null|3,*"NC|-3|dm nc --size 7|it does not fit into 7 bytes
+1|0|0,*"ordinary|-1|yes-no ''|it is not yes or no
+0|1|0,*"ordinary|0|yes-no Y
+0|null|0,*"ordinary|0|5 x
+0|-0.7941248096574199|0,*"ordinary|0|11 -45:30
+0|1.5707963267948966|0,*"ordinary|0|double 90 --subtype 5
+0|45356.0,*"2024/03/05"|0,*"ordinary|0|date 5/3/2024
+0|45415.0,*"2024/05/03"|0,*"ordinary|0|date 5/3/2024 --subtype 0
+0|0.5,*"12:00:00"|0,*"ordinary|0|time 12:00
+0|45356.5,*"2024/03/05 12:00:00"|0,*"ordinary|0|datetime '5/3/2024 12:00'
+0|0.0,*null|7,*"ERR|0|datetime ' err '
+1|0.0,*null|0,*"ordinary|-1|date 31/2/2024|it is not a date
+TABLE
+row 1 $'Value        abc\nSpecial      0\nSpecialName  ordinary\nResult       -3' 'orx: abcdef: it *4 bytes' field text abcdef --size 4
+row 2 '' "orx: TYPE: 'Integer' is none of integer, *" field Integer 1
+row 2 '' "orx: TYPE: '18' is none of *" field 18 1
+row 2 '' "orx: --low: '1.5' is no integer *" field integer '<' --low 1.5
+row 2 '' 'orx: --high: degrees has no limits *' field degrees 1 --high 1
+row 2 '' 'orx: --size: *' field text a --size -1
+
 # the log, read from its end, and followed through whatever happens to it
 log="$work/public/Halvark/TESSEL/6.9.1/DEBUG.LOG"
 PUBLIC='' row 1 '' 'orx: the log: there is no folder*' log path
