@@ -8,12 +8,14 @@
 #include <memory>
 #include <new>
 
+struct genlist_node {
+  void* item;
+  genlist_node *next, *prev;
+};
+
 namespace {
 
-struct Node {
-  void* item;
-  Node *next, *prev;
-};
+using Node = genlist_node;
 
 // Followed by its nodes.
 struct Block {

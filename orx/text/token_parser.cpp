@@ -4,7 +4,7 @@
 
 #include <array>
 #include <cstddef>
-#include <new>
+#include <cstdlib>
 #include <span>
 #include <string_view>
 
@@ -41,7 +41,7 @@ std::size_t split(const char* text, const DelimiterSet& delimiters, Tokens& toke
 }
 
 char* copied(std::string_view token) {
-  auto* const copy = new (std::nothrow) char[token.size() + 1];
+  auto* const copy = static_cast<char*>(std::malloc(token.size() + 1));
   if (copy == nullptr) return nullptr;
   token.copy(copy, token.size());
   copy[token.size()] = '\0';
@@ -50,7 +50,7 @@ char* copied(std::string_view token) {
 
 // Null when memory runs out.
 char** copied(std::span<const std::string_view> tokens) {
-  auto** const copies = new (std::nothrow) char*[tokens.size()];
+  auto** const copies = static_cast<char**>(std::malloc(tokens.size() * sizeof(char*)));
   if (copies == nullptr) return nullptr;
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     copies[i] = copied(tokens[i]);
@@ -76,7 +76,7 @@ char** orx_token_parser(const char* text, const char* delimiters, int* count) {
 
 int orx_token_release(char** tokens, int count) {
   if (tokens == nullptr) return 0;
-  for (int i = 0; i < count; ++i) delete[] tokens[i];
-  delete[] tokens;
+  for (int i = 0; i < count; ++i) std::free(tokens[i]);
+  std::free(static_cast<void*>(tokens));
   return 0;
 }

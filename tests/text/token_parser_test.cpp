@@ -1,7 +1,6 @@
 #include <orx/text/token_parser.h>
 
 #include <gtest/gtest.h>
-#include <tests/support/failing_memory.h>
 
 #include <string>
 #include <vector>
@@ -51,16 +50,6 @@ TEST(TokenParser, NothingToSplit) {
   EXPECT_EQ(orx_token_parser("a", ":", nullptr), nullptr);
   EXPECT_EQ(count, 7);
   EXPECT_EQ(orx_token_release(nullptr, 3), 0);
-}
-
-TEST(TokenParser, GivesNothingWhenMemoryRunsOut) {
-  for (const int allocations : {0, 1, 2, 3}) {
-    orx::testing::allocations_left = allocations;
-    int count = 7;
-    EXPECT_EQ(orx_token_parser("a:b:c", ":", &count), nullptr);
-    EXPECT_EQ(count, 0);
-  }
-  orx::testing::allocations_left = 1000;
 }
 
 }  // namespace
