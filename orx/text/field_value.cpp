@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kNotRead = -1;
 constexpr int kCut = -3;
+constexpr std::size_t kMostSearched = 127;  // characters, for tokens
 
 constinit int date_order = orxDayMonthYear;
 
@@ -44,11 +45,13 @@ int read_number(const Field& field) {
   return 0;
 }
 
-// Stores a text that is a number and nothing else, as most are: it need not be searched for tokens.
+// Stores a text that is a number and nothing else, as most are: it need not be searched for tokens. A longer
+// one must be, since what is searched of it may be blank, or end behind a minus.
 template <typename Value>
 bool read_plain_number(const Field& field) {
   const orx::compat::Number number = orx::compat::read_number(field.text);
-  if (*number.end != '\0' || number.end == field.text) return false;
+  const std::ptrdiff_t length = number.end - field.text;
+  if (*number.end != '\0' || length == 0 || length > static_cast<std::ptrdiff_t>(kMostSearched)) return false;
   store(field, static_cast<Value>(number.value));
   return true;
 }
@@ -176,8 +179,7 @@ std::string_view without_blanks(std::string_view text) {
 }
 
 int special_code(const char* text, Tokens tokens) {
-  constexpr std::size_t kLongestText = 127;
-  const std::string_view word = without_blanks({text, strnlen(text, kLongestText)});
+  const std::string_view word = without_blanks({text, strnlen(text, kMostSearched)});
   const int code = code_of_word(word, tokens);
   if (code != orxdbOrdinary || tokens != Tokens::kOfMeasurement) return code;
   if (word.find('<') != std::string_view::npos) return orxdbBelow;

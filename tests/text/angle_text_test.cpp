@@ -88,6 +88,7 @@ TEST(AngleText, Reads) {
     EXPECT_DOUBLE_EQ(degrees_read(mode, text, packed), degrees) << mode << ' ' << text;
   }
   EXPECT_EQ(zel_convert_str_to_ang(11, nullptr, 1), 0);
+  EXPECT_EQ(written(13, zel_convert_str_to_ang(13, "-0", 0), 0), " -0.00000000");
   for (const char c : {' ', '9', ':'}) {
     std::string text;
     text.resize(10'000'000, c);

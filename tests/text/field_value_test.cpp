@@ -183,6 +183,7 @@ TEST(FieldValue, AlikeInEveryLocaleAndLinearInTheText) {
     for (const char c : {' ', '9', '<'}) read(type, 1, std::string(10'000'000, c).c_str());
   }
   EXPECT_EQ(read(orxdbDouble, 0, (std::string(10'000'000, '0') + "1D1").c_str()), (Outcome{10, 0, 0}));
+  EXPECT_EQ(read(orxdbNumber, 0, (std::string(127, ' ') + "1").c_str()), (Outcome{0, 6, 0}));
 }
 
 }  // namespace
