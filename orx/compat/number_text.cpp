@@ -29,7 +29,9 @@ bool is_too_large(std::string_view number) {
   if (marker != std::string_view::npos) {
     std::string_view written = number.substr(marker + 1);
     if (written.starts_with('+')) written.remove_prefix(1);
-    std::from_chars(written.data(), written.data() + written.size(), exponent, std::chars_format::fixed);
+    const auto [end, error] =
+        std::from_chars(written.data(), written.data() + written.size(), exponent, std::chars_format::fixed);
+    if (error != std::errc{}) return !written.starts_with('-');  // hundreds of digits outweigh any mantissa
   }
   const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
   const std::size_t first = std::min(mantissa.find_first_not_of("0."), mantissa.size());

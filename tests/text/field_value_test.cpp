@@ -184,6 +184,7 @@ TEST(FieldValue, AlikeInEveryLocaleAndLinearInTheText) {
   }
   EXPECT_EQ(read(orxdbDouble, 0, (std::string(10'000'000, '0') + "1D1").c_str()), (Outcome{10, 0, 0}));
   EXPECT_EQ(read(orxdbNumber, 0, (std::string(127, ' ') + "1").c_str()), (Outcome{0, 6, 0}));
+  EXPECT_EQ(read(orxdbNumber, 0, ("1e-" + std::string(400, '9')).c_str()), (Outcome{0, 0, 0}));
 }
 
 }  // namespace
