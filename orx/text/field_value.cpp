@@ -191,7 +191,7 @@ void read_limited(Field field, const Type& type, char sign, const void* limit) {
   if (*field.text != '\0') {
     type.read(field);
   } else if (limit != nullptr) {
-    std::memcpy(field.dst, limit, static_cast<std::size_t>(type.least_size));
+    std::copy_n(static_cast<const char*>(limit), type.least_size, static_cast<char*>(field.dst));
   }
 }
 
