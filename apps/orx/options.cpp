@@ -199,7 +199,7 @@ class CommandLine {
     field->add_option("--low", arguments_.low, "The value of '<' alone, in an integer, float or double");
     field->add_option("--high", arguments_.high, "The value of '>' alone there");
     field->add_option("--size", arguments_.size, "The bytes of the field; else as many as it needs")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()));
     json(field);
   }
 
