@@ -3,7 +3,9 @@
 //
 // Positions count from 0. Both sorts end in ascending order, neither is stable, and neither keeps anything
 // outside its call or allocates: callbacks may sort other collections, and so may other threads. A collection
-// of fewer than two elements, or a null callback, is left alone without a call.
+// of fewer than two elements, or a null callback, is left alone without a call. A comparison that contradicts
+// itself gives any order; qksort ends all the same if its results depend on the two elements alone and every
+// swap is made, sm_sort in any case.
 #pragma once
 
 #include <orx/compat/export.h>
