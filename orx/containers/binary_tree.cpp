@@ -1,5 +1,7 @@
 #include <orx/containers/binary_tree.h>
 
+#include <orx/platform/kept_errno.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -188,7 +190,10 @@ void release_all(Node* node, bto_item_fn free_item) {
 
 }  // namespace
 
-bto_tree* bto_new() { return new (std::nothrow) bto_tree{}; }
+bto_tree* bto_new() {
+  const orx::platform::KeptErrno kept;
+  return new (std::nothrow) bto_tree{};
+}
 
 int bto_init_all_functions(bto_tree* tree, bto_compare_fn compare, bto_item_fn visit, bto_item_fn free_item) {
   if (tree == nullptr) return 1;

@@ -4,6 +4,7 @@
 #include <tests/support/failing_memory.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <map>
 #include <random>
@@ -202,7 +203,9 @@ TEST(BinaryTree, NeedsWhatItWorksWith) {
   EXPECT_EQ(bto_free_base_object(nullptr), 0);
 
   orx::testing::allocations_left = 0;
+  errno = 0;
   EXPECT_EQ(bto_new(), nullptr);
+  EXPECT_EQ(errno, 0);
   orx::testing::allocations_left = 1'000'000;
 }
 
