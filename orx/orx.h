@@ -16,6 +16,8 @@
 #include <orx/frame/file_queries.h>
 #include <orx/frame/host_callbacks.h>
 #include <orx/frame/native_path.h>
+#include <orx/geometry/bounding_box.h>
+#include <orx/geometry/cutting_plane.h>
 #include <orx/projects/current_project.h>
 #include <orx/projects/qpr_file.h>
 #include <orx/settings/registry.h>
