@@ -29,6 +29,7 @@
 #include <orx/text/unique_key.h>
 
 #if defined(__cplusplus)
+#include <orx/geometry/octree.h>
 #include <orx/projects/local_settings.h>
 #include <orx/projects/platform_catalogue.h>
 #include <orx/projects/project_file.h>
