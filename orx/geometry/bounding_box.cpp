@@ -1,6 +1,7 @@
 #include <orx/geometry/bounding_box.h>
 
 #include <orx/geometry/any_null.h>
+#include <orx/geometry/box_corners.h>
 #include <orx/platform/kept_errno.h>
 
 #include <new>
@@ -14,11 +15,6 @@ constexpr int kInSpace = 3;
 
 constexpr bbox kEmpty = {{BBOX_EMPTY_MIN, BBOX_EMPTY_MIN, BBOX_EMPTY_MIN},
                          {BBOX_EMPTY_MAX, BBOX_EMPTY_MAX, BBOX_EMPTY_MAX}};
-
-// Whether each axis has a corner of the box at its upper end.
-constexpr bool kCorners[8][3] = {{false, false, false}, {false, false, true}, {false, true, true},
-                                 {false, true, false},  {true, false, false}, {true, false, true},
-                                 {true, true, true},    {true, true, false}};
 
 // Takes all axes into account before it decides: where most pairs are apart on some axis, but now on this one
 // and now on that, the jumps cost more than the comparisons.
@@ -105,10 +101,12 @@ int bbox_get_min_max(const bbox* box, double* min_x, double* min_y, double* min_
 
 int bbox_get_corner_points(const bbox* box, double* xs, double* ys, double* zs) {
   if (any_null(box, xs, ys, zs)) return -1;
-  double* const outputs[] = {xs, ys, zs};
   const bbox copy = *box;
-  for (int k = 0; k < 8; ++k) {
-    for (int i = 0; i < 3; ++i) outputs[i][k] = kCorners[k][i] ? copy.max[i] : copy.min[i];
+  for (int k = 0; k < orx::geometry::kCornerCount; ++k) {
+    const orx::geometry::Point corner = orx::geometry::corner(copy, k, orx::geometry::kFacesAcrossX);
+    xs[k] = corner.x;
+    ys[k] = corner.y;
+    zs[k] = corner.z;
   }
   return 0;
 }

@@ -1,0 +1,150 @@
+#include <orx/geometry/bounding_box.h>
+
+#include <gtest/gtest.h>
+#include <tests/support/failing_memory.h>
+
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+constexpr double kNan = NAN, kInf = INFINITY, kLow = BBOX_EMPTY_MIN, kHigh = BBOX_EMPTY_MAX;
+constexpr bbox kEmpty = {{kLow, kLow, kLow}, {kHigh, kHigh, kHigh}};
+
+// As bits, so that 0 and -0 differ.
+bool same(const double* a, const double* b, std::size_t count) {
+  return std::equal(a, a + count, b, [](double x, double y) {
+    return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
+  });
+}
+
+void expect_box(const bbox& box, const bbox& expected) {
+  EXPECT_TRUE(same(box.min, expected.min, 3) && same(box.max, expected.max, 3))
+      << "x " << box.min[0] << " to " << box.max[0] << ", y " << box.min[1] << " to " << box.max[1] << ", z "
+      << box.min[2] << " to " << box.max[2];
+}
+
+TEST(BoundingBox, GrowsAroundPoints) {
+  const struct {
+    std::vector<std::vector<double>> points;
+    bbox box;
+  } cases[] = {{{}, kEmpty},
+               {{{1, 2, 3}}, {{1, 2, 3}, {1, 2, 3}}},
+               {{{1, 2, 3}, {0, 5, -1}, {-2, 3, 0}}, {{-2, 2, -1}, {1, 5, 3}}},
+               {{{0.0, -0.0, 1}, {-0.0, 0.0, 1}}, {{0.0, -0.0, 1}, {0.0, -0.0, 1}}},  // neither is greater
+               {{{kNan, 2, 3}, {1, kNan, 4}}, {{1, 2, 3}, {1, 2, 4}}},
+               {{{2e15, -2e15, kInf}}, {{kLow, -2e15, kLow}, {2e15, kHigh, kInf}}}};
+  for (const auto& c : cases) {
+    bbox box, same;
+    EXPECT_EQ(bbox_init(&box) + bbox_init(&same), 0);
+    for (const auto& p : c.points) {
+      EXPECT_EQ(bbox_update(&box, p.data()) + bbox_update_from_xyz(&same, p[0], p[1], p[2]), 0);
+    }
+    expect_box(box, c.box);
+    expect_box(same, c.box);
+  }
+}
+
+TEST(BoundingBox, GrowsAroundBoxesAndByDistances) {
+  bbox box = {{1, 2, 3}, {2, 4, 8}};
+  const bbox other = {{0, 3, -1}, {1, 9, 4}}, upside_down = {{5, 9, 3}, {1, 2, 3}};
+  bbox_update_from_bbox(&box, &other);
+  expect_box(box, {{0, 2, -1}, {2, 9, 8}});
+  bbox_update_from_bbox(&box, &upside_down);
+  expect_box(box, {{0, 2, -1}, {5, 9, 8}});
+  bbox_expand(&box, -1.5);
+  expect_box(box, {{1.5, 3.5, 0.5}, {3.5, 7.5, 6.5}});
+  bbox_percent_expand(&box, 0);
+  bbox_percent_expand(&box, 50);
+  expect_box(box, {{0.5, 1.5, -2.5}, {4.5, 9.5, 9.5}});
+  bbox_update_from_bbox(&box, &kEmpty);
+  expect_box(box, {{kHigh, kHigh, kHigh}, {kLow, kLow, kLow}});
+  bbox empty = kEmpty;
+  bbox_percent_expand(&empty, 10);
+  expect_box(empty, {{1.2e15, 1.2e15, 1.2e15}, {-1.2e15, -1.2e15, -1.2e15}});
+}
+
+TEST(BoundingBox, TellsWhatIntersects) {
+  const bbox box = {{0, 0, 0}, {2, 4, 6}};
+  const struct {
+    bbox other;
+    int in_plan, in_space;
+  } cases[] = {{{{1, 1, 1}, {9, 9, 9}}, 1, 1},
+               {{{2, 4, 6}, {3, 5, 7}}, 1, 1},  // a corner
+               {{{-1, -1, -1}, {0, 0, 0}}, 1, 1},
+               {{{std::nextafter(2, 3), 0, 0}, {3, 4, 6}}, 0, 0},
+               {{{-2, 0, 0}, {-1, 4, 6}}, 0, 0},
+               {{{0, 4.5, 0}, {2, 5, 6}}, 0, 0},
+               {{{0, -2, 0}, {2, -1, 6}}, 0, 0},
+               {{{0, 0, 7}, {2, 4, 8}}, 1, 0},
+               {{{0, 0, -2}, {2, 4, -1}}, 1, 0},
+               {{{1, 1, 1}, {1, 1, 1}}, 1, 1},
+               {{{-kInf, -kInf, -kInf}, {kInf, kInf, kInf}}, 1, 1},
+               {{{kNan, 1, kNan}, {kNan, 1, kNan}}, 1, 1},
+               {{{kNan, 7, 1}, {kNan, 7, 1}}, 0, 0},
+               {kEmpty, 0, 0}};
+  for (const auto& [other, in_plan, in_space] : cases) {
+    SCOPED_TRACE(&other - &cases[0].other);
+    EXPECT_EQ(bboxes_intersect_2d(&box, &other), in_plan);
+    EXPECT_EQ(bboxes_intersect_2d(&other, &box), in_plan);
+    EXPECT_EQ(bboxes_intersect(&box, &other), in_space);
+    EXPECT_EQ(bboxes_intersect(&other, &box), in_space);
+    const bbox point = {{other.min[0], other.min[1], other.min[2]},
+                        {other.min[0], other.min[1], other.min[2]}};
+    EXPECT_EQ(bbox_pnt_intersect(&box, other.min), bboxes_intersect(&box, &point));
+    EXPECT_EQ(bbox_xy_pnt_intersect(&box, other.min), bboxes_intersect_2d(&box, &point));
+  }
+}
+
+TEST(BoundingBox, GivesItsCornersAndRefusesNull) {
+  const bbox box = {{1, 2, 3}, {4, 5, 6}};
+  const double expected[3][8] = {
+      {1, 1, 1, 1, 4, 4, 4, 4}, {2, 2, 5, 5, 2, 2, 5, 5}, {3, 6, 6, 3, 3, 6, 6, 3}};
+  double corners[3][8] = {}, values[6] = {};
+  const double none[8] = {};
+  for (int null = 0; null < 7; ++null) {
+    const auto out = [&](int i) { return null == i ? nullptr : values + i - 1; };
+    const auto axis = [&](int i) { return null == i ? nullptr : corners[i - 1]; };
+    const bbox* const in = null == 0 ? nullptr : &box;
+    EXPECT_EQ(bbox_get_min_max(in, out(1), out(2), out(3), out(4), out(5), out(6)), -1);
+    EXPECT_TRUE(same(values, none, 6));
+    if (null < 4) {
+      EXPECT_EQ(bbox_get_corner_points(in, axis(1), axis(2), axis(3)), -1);
+      for (const auto& written : corners) EXPECT_TRUE(same(written, none, 8));
+    }
+  }
+  EXPECT_EQ(bbox_get_corner_points(&box, corners[0], corners[1], corners[2]), 0);
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(same(corners[i], expected[i], 8));
+  EXPECT_EQ(bbox_get_min_max(&box, values, values + 1, values + 2, values + 3, values + 4, values + 5), 0);
+  EXPECT_TRUE(same(values, box.min, 3) && same(values + 3, box.max, 3));
+
+  bbox kept = box;
+  EXPECT_EQ(bbox_update_from_bbox(nullptr, &box) + bbox_update_from_bbox(&kept, nullptr), 0);
+  expect_box(kept, box);
+  EXPECT_EQ(bbox_init(nullptr) + bbox_update(nullptr, values) + bbox_update_from_xyz(nullptr, 1, 2, 3), 0);
+  EXPECT_EQ(bbox_expand(nullptr, 1) + bbox_percent_expand(nullptr, 1) + bbox_free(nullptr), 0);
+  for (const auto& test : {bboxes_intersect, bboxes_intersect_2d}) {
+    EXPECT_EQ(test(nullptr, &box) + test(&box, nullptr) + test(nullptr, nullptr), 0);
+  }
+  for (const auto& test : {bbox_pnt_intersect, bbox_xy_pnt_intersect}) {
+    EXPECT_EQ(test(nullptr, values) + test(&box, nullptr) + test(nullptr, nullptr), 0);
+  }
+}
+
+TEST(BoundingBox, IsNullWhenMemoryRunsOut) {
+  bbox* const box = bbox_new();
+  expect_box(*box, kEmpty);
+  EXPECT_EQ(bbox_free(box), 0);
+  errno = 7;
+  orx::testing::allocations_left = 0;
+  EXPECT_EQ(bbox_new(), nullptr);
+  orx::testing::allocations_left = INT_MAX;
+  EXPECT_EQ(errno, 7);
+}
+
+}  // namespace
