@@ -96,11 +96,11 @@ TEST(CuttingPlane, MeetsSegmentsAndLines) {
     at = last;
     EXPECT_EQ(cutplane_intersect_line(&cut, &at[0], &at[1], &at[2]), c.meets_line);
     EXPECT_EQ(cut.last_t, c.line_t);
+    if (c.meets_line == 0) continue;
     double t;
-    if (c.meets_line == 1) {
-      EXPECT_EQ(cutplane_get_last_t_xyz(&cut, &t, &last[0], &last[1], &last[2]), 0);
-    }
+    EXPECT_EQ(cutplane_get_last_t_xyz(&cut, &t, &last[0], &last[1], &last[2]), 0);
     EXPECT_EQ(at, last);
+    EXPECT_EQ(t, c.line_t);
   }
 }
 
