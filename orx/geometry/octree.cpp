@@ -35,6 +35,22 @@ void delete_slots(void** points) {
   if (points != no_items) delete[] points;
 }
 
+// Items lie all over the memory, and the callbacks wait for them: these are on their way before their turn.
+class Ahead {
+ public:
+  Ahead(void** items, int count) : items_(items), last_(count - 1) {
+    for (int i = 0; i < std::min(kDistance, count); ++i) __builtin_prefetch(items[i]);
+  }
+  void Of(int i) const {
+    if (i + kDistance <= last_) __builtin_prefetch(items_[i + kDistance]);
+  }
+
+ private:
+  static constexpr int kDistance = 8;
+  void** items_;
+  int last_;
+};
+
 int least_size_log2(int slots) { return static_cast<int>(std::bit_width(static_cast<unsigned>(slots - 1))); }
 
 bool is_between(double value, double a, double b) {
@@ -54,7 +70,7 @@ CORXOcTreeGeneric::~CORXOcTreeGeneric() { CORXOcTreeGeneric::RemoveAll(); }
 
 bool CORXOcTreeGeneric::Init(double min_x, double min_y, double min_z, double max_x, double max_y,
                              double max_z, int number) {
-  if (points != nullptr || children != nullptr) Clear();
+  CORXOcTreeGeneric::RemoveAll();  // an override need not leave the node empty
   octant = static_cast<std::int8_t>(number);
   bb = CORXOcTreeBB(min_x, min_y, min_z, max_x, max_y, max_z);
   return Resize(least_size_log2(std::max<int>(pointLimit, kLeastLimit)));
@@ -67,7 +83,9 @@ int CORXOcTreeGeneric::OctantOf(void* item) const {
 
 void* CORXOcTreeGeneric::FirstMatch(void* item) const {
   if (compareFunc == nullptr) return nullptr;
+  const Ahead ahead(points, pointCount);
   for (int i = 0; i < pointCount; ++i) {
+    ahead.Of(i);
     if (compareFunc(item, points[i]) != 0) return points[i];
   }
   return nullptr;
@@ -138,7 +156,9 @@ bool CORXOcTreeGeneric::Subdivide() {
   children = new (std::nothrow) CORXOcTreeGeneric[kOctants];
   if (children == nullptr) return false;
   for (int i = 0; i < kOctants; ++i) MakeChild(i);
+  const Ahead ahead(points, pointCount);
   for (int i = 0; i < pointCount; ++i) {
+    ahead.Of(i);
     if (!children[OctantOf(points[i])].Store(points[i])) {
       Forget();
       return false;
@@ -242,12 +262,12 @@ void* CORXOcTreeNode::Search(const CORXOcTreeGeneric& top, void* item) {
     const CORXOcTreeBB::Point& centre = node->bb.centre;
     const double x = position.x - centre.x, y = position.y - centre.y, z = position.z - centre.z;
     const double reach = node->tolerance;
-    const int near =
+    const int planes =
         (reach > std::fabs(x) ? 1 : 0) | (reach > std::fabs(y) ? 2 : 0) | (reach > std::fabs(z) ? 4 : 0);
-    if (near == kNearAll && reach > std::sqrt(x * x + y * y + z * z)) return SearchAll(*node, item);
+    if (planes == kNearAll && reach > std::sqrt(x * x + y * y + z * z)) return SearchAll(*node, item);
     const CORXOcTreeGeneric* const below = node->children;
     const int own = node->OctantOf(item);
-    const auto [first, count] = kNearPlanes[near];
+    const auto [first, count] = kNearPlanes[planes];
     if (count == 0) {
       node = &below[own];
       continue;

@@ -106,7 +106,7 @@ class ORX_API CORXOcTreeGeneric {
   // Makes eight children of a leaf and moves its items there. False when it cannot; the leaf is as it was.
   bool Subdivide();
 
-  CORXOcTreeBB bb;
+  CORXOcTreeBB bb{};
   std::int16_t pointLimit;
 
  private:
