@@ -248,33 +248,34 @@ void build(benchmark::State& state) {
 }
 
 template <class Tree>
+void find_all(benchmark::State& state, Tree& tree, const Points& sought) {
+  for (auto _ : state) {
+    std::size_t found = 0;
+    for (const Point& point : sought) {
+      if (tree.Find(point)) ++found;
+    }
+    if (found != kCount) state.SkipWithError("not all found");
+  }
+}
+
+template <class Tree>
 void find(benchmark::State& state) {
   const Points& points = points_in(state);
   Tree tree(points);
-  std::size_t found = 0;
-  for (auto _ : state) {
-    for (const Point& point : points) found += tree.Find(point) ? 1 : 0;
-  }
-  if (found != kCount * static_cast<std::size_t>(state.iterations())) state.SkipWithError("not all found");
+  find_all(state, tree, points);
 }
 
 // Points on one side of a plane that divides the octree on one of its upper levels, and sought on the other.
 template <class Tree>
 void find_beyond(benchmark::State& state) {
-  Points points = points_in(state), sought;
-  for (Point& point : points) {
-    double& value = point[sought.size() % 3];
-    const double plane = std::round(value / kExtent * 32) * kExtent / 32;
-    value = plane + kTolerance / 4;
-    sought.push_back(point);
-    sought.back()[(sought.size() - 1) % 3] = plane - kTolerance / 4;
+  Points points = points_in(state), sought = points;
+  for (std::size_t i = 0; i < kCount; ++i) {
+    const double plane = std::round(points[i][i % 3] / kExtent * 32) * kExtent / 32;
+    points[i][i % 3] = plane + kTolerance / 4;
+    sought[i][i % 3] = plane - kTolerance / 4;
   }
   Tree tree(points);
-  std::size_t found = 0;
-  for (auto _ : state) {
-    for (const Point& point : sought) found += tree.Find(point) ? 1 : 0;
-  }
-  if (found != kCount * static_cast<std::size_t>(state.iterations())) state.SkipWithError("not all found");
+  find_all(state, tree, sought);
 }
 
 template <class Tree>
