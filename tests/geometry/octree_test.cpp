@@ -35,7 +35,7 @@ int is_same(void* a, void* b) {
   return at(a).x == at(b).x && at(a).y == at(b).y && at(a).z == at(b).z ? 5 : 0;
 }
 int is_close(void* a, void* b) {
-  return std::hypot(at(a).x - at(b).x, at(a).y - at(b).y, at(a).z - at(b).z) < 0.3 ? -1 : 0;
+  return std::hypot(at(a).x - at(b).x, at(a).y - at(b).y, at(a).z - at(b).z) < 1.5 ? -1 : 0;
 }
 
 std::ostringstream calls;  // what these two have been called with
@@ -112,6 +112,7 @@ void check(CORXOcTreeGeneric& node, int limit, int level = 0) {
   const auto& [min, max, centre] = *node.GetBB();
   for (int i = 0; i < 8; ++i) {
     CORXOcTreeGeneric& child = *node.GetChild(i);
+    EXPECT_EQ(child.GetTolerance(), node.GetTolerance());
     EXPECT_EQ(child.GetBB()->min.x, (i & 1) != 0 ? min.x : centre.x);
     EXPECT_EQ(child.GetBB()->max.y, (i & 2) != 0 ? centre.y : max.y);
     EXPECT_EQ(child.GetBB()->max.z, (i & 4) != 0 ? centre.z : max.z);
@@ -181,6 +182,24 @@ TEST(Octree, CallsBackInOrder) {
   EXPECT_EQ(all_of(tree), (Found{&items[1], &items[3], &items[0], &items[2]}));
 }
 
+TEST(Octree, SearchesNeighboursInTheirOrder) {
+  CORXOcTreeNode tree;
+  tree.SetTolerance(0.8);
+  init(tree, 2, logged_compare);
+  Items items;
+  for (int i = 0; i < 8; ++i)
+    items.push_back({(i & 1) != 0 ? 2. : 6., (i & 2) != 0 ? 2. : 6., (i & 4) != 0 ? 2. : 6., i});
+  add(tree, items);
+  const double values[] = {1, 3.4, 3.9, 4, 4.6, 7};
+  for (int i = 0; i < 6 * 6 * 6; ++i) {
+    Item probe = {values[i % 6], values[i / 6 % 6], values[i / 36], i};
+    tree.FindNode(&probe);
+    const std::string made = calls_made();
+    sought(tree, probe, logged_compare, true);
+    EXPECT_EQ(made, calls_made());
+  }
+}
+
 TEST(Octree, SplitsAtItsLimit) {
   for (const auto& [limit, split] : std::map<int, int>{
            {-5, 2}, {0, 2}, {1, 2}, {2, 2}, {4, 4}, {64, 64}, {100, 100}, {32767, 32767}, {65536 + 4, 4}}) {
@@ -212,20 +231,25 @@ TEST(Octree, TakesALimitThatChangesAfterInit) {
 }
 
 TEST(Octree, GrowsWhereItCannotSplit) {
-  for (const auto& [low, high] : {std::pair(0.0, 8.0),
-                                  {5.0, 5.0},
-                                  {1.0, std::nextafter(1.0, 2)},
-                                  {-INFINITY, INFINITY},
-                                  {0.0, INFINITY},
-                                  {DBL_MAX / 1.5, DBL_MAX},
-                                  {double{NAN}, 1.0},
-                                  {8.0, 0.0}}) {
+  const struct {
+    double low, high;
+    bool splits;
+  } cases[] = {{0, 8, true},
+               {8, 0, true},
+               {5, 5, false},
+               {1, std::nextafter(1.0, 2), false},
+               {-INFINITY, INFINITY, false},
+               {0, INFINITY, false},
+               {DBL_MAX / 1.5, DBL_MAX, false},
+               {NAN, 1, false}};
+  for (const auto& [low, high, splits] : cases) {
     CORXOcTreeNode tree;
     tree.SetFunctions(is_same, locate, nullptr);
     ASSERT_TRUE(tree.Init(low, low, low, high, high, high, 0));
     Items items(40'000, Item{5, 5, 5});
     add(tree, items);
     EXPECT_EQ(tree.GetCount(), 40'000) << low << ' ' << high;
+    EXPECT_EQ(tree.GetChild(0) != nullptr, splits) << low << ' ' << high;
     EXPECT_EQ(tree.FindNode(&items[9]), &items[0]);
     EXPECT_EQ(tree.SuperFindNode(&items[9]), 40'000);
   }
@@ -236,12 +260,13 @@ TEST(Octree, IsEmptyBeforeInitAndAfterRemoveAll) {
   Items items = {{1, 2, 3}, {7, 7, 7}};
   for (int round = 0; round < 2; ++round) {
     add(tree, items);
-    EXPECT_TRUE(tree.FindNode(&items[0]) == nullptr && tree.FindNode(nullptr) == nullptr);
+    EXPECT_EQ(tree.FindNode(&items[0]), nullptr);
     EXPECT_EQ(tree.SuperFindNode(&items[0]) + tree.GetCount() + tree.PointCount(), 0);
     EXPECT_TRUE(all_of(tree).empty() && tree.GetPoints() == nullptr && tree.GetChild(7) == nullptr);
     init(tree, 2);
     add(tree, items);
     EXPECT_EQ(tree.FindNode(&items[0]), &items[0]);
+    EXPECT_EQ(tree.FindNode(nullptr), nullptr);
     EXPECT_TRUE(tree.GetChild(-1) == nullptr && tree.GetChild(8) == nullptr);
     released.clear();
     init(tree, 2);  // again, with what it holds
