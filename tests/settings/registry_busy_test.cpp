@@ -14,10 +14,8 @@ TEST_F(BusySettingsTest, AStoreThatIsLockedFailsWhenPatienceEnds) {
   sqlite3* other = nullptr;
   ASSERT_EQ(sqlite3_open(folder_.path("config/user.db").c_str(), &other), SQLITE_OK);
   int number = 0;
-  const struct {
-    const char* lock;
-    int read, write;
-  } kRows[] = {{"BEGIN EXCLUSIVE", -1, -1}, {"BEGIN IMMEDIATE", 0, -1}, {"SELECT 1", 0, 0}};
+  const std::tuple<const char*, int, int> kRows[] = {
+      {"BEGIN EXCLUSIVE", -1, -1}, {"BEGIN IMMEDIATE", 0, -1}, {"SELECT 1", 0, 0}};
   for (const auto& [lock, read, write] : kRows) {
     sqlite3_exec(other, lock, nullptr, nullptr, nullptr);
     EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "x", &number), read) << lock;

@@ -13,33 +13,37 @@ namespace orx::testing {
 
 class RegistryTest : public ::testing::Test {
  protected:
+  ~RegistryTest() override {
+    for (const HKEY key : opened_) RegCloseKey(key);
+  }
+
+  // Null when the key cannot be made. It is closed with the test.
+  HKEY Made(const std::string& path, HKEY from = HKEY_CURRENT_USER, REGSAM access = KEY_ALL_ACCESS) {
+    HKEY key = nullptr;
+    RegCreateKeyExA(from, path.c_str(), 0, nullptr, 0, access, nullptr, &key, nullptr);
+    if (key != nullptr) opened_.push_back(key);
+    return key;
+  }
+
   TempFolder folder_;
   ScopedVariable user_{"ORX_USER_REGISTRY", folder_.path("config/user.db").c_str()};
   ScopedVariable machine_{"ORX_MACHINE_REGISTRY", folder_.path("etc/machine.db").c_str()};
+  std::vector<HKEY> opened_;
 };
 
-// Of the sub-keys, or of the values, in their order.
+// What one of the two listing functions lists.
 template <class List>
 std::vector<std::string> names(HKEY key, List list) {
   std::vector<std::string> found;
   for (DWORD index = 0;; ++index) {
-    char name[300];
+    char name[1024];
     DWORD size = sizeof name;
-    if (list(key, index, name, &size) != ERROR_SUCCESS) return found;
+    if (list(key, index, name, &size, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) return found;
     found.emplace_back(name, size);
   }
 }
 
-inline std::vector<std::string> sub_keys(HKEY key) {
-  return names(key, [](HKEY parent, DWORD index, char* name, DWORD* size) {
-    return RegEnumKeyExA(parent, index, name, size, nullptr, nullptr, nullptr, nullptr);
-  });
-}
-
-inline std::vector<std::string> values(HKEY key) {
-  return names(key, [](HKEY parent, DWORD index, char* name, DWORD* size) {
-    return RegEnumValueA(parent, index, name, size, nullptr, nullptr, nullptr, nullptr);
-  });
-}
+inline std::vector<std::string> sub_keys(HKEY key) { return names(key, RegEnumKeyExA); }
+inline std::vector<std::string> values(HKEY key) { return names(key, RegEnumValueA); }
 
 }  // namespace orx::testing
