@@ -4,8 +4,8 @@
 #include <orx/frame/host_callbacks.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <tests/support/environment.h>
+#include <tests/support/process.h>
 #include <unistd.h>
 
 #include <climits>
@@ -88,15 +88,10 @@ TEST_F(FileQueries, WhatMayNotBeReadIsThereAllTheSame) {
   fs::permissions(folder.path("file"), fs::perms(0));
   fs::permissions(folder.path(), fs::perms(0755));
   ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0), 0);
-  const pid_t child = fork();
-  if (child == 0) {  // as a user without privileges
-    EXPECT_TRUE(geteuid() != 0 || seteuid(65534) == 0);
+  as_nobody([&] {
     EXPECT_EQ(answers(folder.path("file")), Answers(1, 0, 0, 3, 0));
     EXPECT_EQ(answers(folder.path("pipe")), Answers(1, 0, 0, 0, 0));
-    _exit(HasFailure() ? 1 : 0);
-  }
-  int result = -1;
-  EXPECT_TRUE(waitpid(child, &result, 0) == child && result == 0);
+  });
 }
 
 TEST_F(FileQueries, TheFirstMatchOfAPatternIsMeasured) {

@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 #include <tests/support/environment.h>
+#include <tests/support/process.h>
 
-#include <grp.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -101,19 +100,14 @@ TEST_F(Replacement, RefusesWhatTheUserMayNotWrite) {
   const std::pair<const char*, unsigned> modes[] = {
       {"closed/file", 0666}, {"closed", 0555}, {"read_only", 0444}, {"", 0777}};
   for (const auto& [name, mode] : modes) fs::permissions(folder.path(name), fs::perms(mode));
-  const pid_t child = fork();
-  if (child == 0) {  // as a user without privileges; what fails is printed from here
-    EXPECT_TRUE(geteuid() != 0 || (setgroups(0, nullptr) | setgid(65534) | setuid(65534)) == 0);
+  as_nobody([&] {
     EXPECT_EQ(replace(folder.path("new"), "new"), "");
     for (const char* name : {"read_only", "closed/file", "closed/new"})
       EXPECT_EQ(replace(folder.path(name), "new"), "Permission denied") << name;
     const rlimit nothing{};
-    EXPECT_TRUE(setrlimit(RLIMIT_FSIZE, &nothing) == 0 &&
-                replace(folder.path("new"), "x") == "File too large");
-    _exit(HasFailure() ? 1 : 0);
-  }
-  int result = -1;
-  EXPECT_TRUE(waitpid(child, &result, 0) == child && result == 0);
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &nothing), 0);
+    EXPECT_EQ(replace(folder.path("new"), "x"), "File too large");
+  });
   EXPECT_EQ(Entries(), 3);
   fs::permissions(folder.path("closed"), fs::perms(0777));  // or its owner can't remove it
 }

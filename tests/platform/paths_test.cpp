@@ -11,14 +11,11 @@ TEST(SystemPath, IsTheSystemsFormOfASuitePath) {
   const ScopedVariable drives("ORX_DRIVES", "/drives");
   const char* const cases[][2] = {
       {"C:\\Projects\\pit1.qpr", "/drives/c/Projects/pit1.qpr"},
-      {"C:", "/drives/c"},
       {"C:pit1.qpr", "/drives/c/pit1.qpr"},  // a drive has no current directory of its own
       {"\\\\Server\\share\\pit1.qpr", "/drives/unc/Server/share/pit1.qpr"},
       {"\\\\", "//"},  // names no server
       {"\\home\\ann\\pit1.qpr", "/home/ann/pit1.qpr"},
-      {"/home/ann/C:/pit 1.qpr", "/home/ann/C:/pit 1.qpr"},
       {"/srv/public\\suite", "/srv/public/suite"},  // a folder of the system, continued by the suite
-      {"", ""},
   };
   for (const auto& [path, expected] : cases) EXPECT_EQ(system_path(path), expected) << path;
 }
@@ -47,7 +44,6 @@ TEST(SuitePath, IsTheSuitesFormOfANativePath) {
   const std::string cases[][2] = {
       {"//home/.//ann/./x/", "\\home\\ann\\x"},
       {"/..", "\\"},
-      {"pit1.qpr", here + "\\pit1.qpr"},
       {".", here},
       {"link/", here + "\\link"},         // a link is part of the name
       {"link/../a", here + "\\real\\a"},  // unless ".." follows it

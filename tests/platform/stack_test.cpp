@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <tests/support/process.h>
 
 #include <vector>
 
 using orx::platform::stack_left;
+using orx::testing::in_new_process;
 
 namespace {
 
@@ -30,18 +30,8 @@ std::size_t expect_between(std::size_t smallest, std::size_t largest) {
   return left;
 }
 
-void in_child(void (*run)()) {
-  const pid_t child = fork();
-  if (child == 0) {
-    run();
-    _exit(::testing::Test::HasFailure() ? 1 : 0);
-  }
-  int result = -1;
-  EXPECT_TRUE(waitpid(child, &result, 0) == child && result == 0);
-}
-
 TEST(Stack, OfTheFirstThreadGrowsAsFarAsTheLimit) {
-  in_child([] {
+  const auto run = [] {
     rlimit limit{};
     getrlimit(RLIMIT_STACK, &limit);
     std::vector<std::size_t> left;
@@ -51,7 +41,8 @@ TEST(Stack, OfTheFirstThreadGrowsAsFarAsTheLimit) {
       left.push_back(expect_between(std::min(limit.rlim_cur - kMiB, 64 * kMiB), limit.rlim_cur));
     }
     EXPECT_EQ(left[0] - left[1], kMiB);
-  });
+  };
+  in_new_process(run, _exit);
 }
 
 TEST(Stack, OfAnotherThreadIsItsOwn) {
@@ -60,12 +51,11 @@ TEST(Stack, OfAnotherThreadIsItsOwn) {
   pthread_attr_setstacksize(&attributes, kMiB / 2);
   pthread_attr_setguardsize(&attributes, kMiB);
   const auto run = [](void*) -> void* {
-    const auto expect_size = [] {
-      expect_between(kMiB / 4 + kMiB, kMiB / 2 + kMiB);
-    };  // with the guard pages
-    in_child(expect_size);
+    // With the guard pages; in a child too, whether the parent has asked before or not.
+    const auto expect_size = [] { expect_between(kMiB / 4 + kMiB, kMiB / 2 + kMiB); };
+    in_new_process(expect_size, _exit);
     expect_size();
-    in_child(expect_size);
+    in_new_process(expect_size, _exit);
     return nullptr;
   };
   pthread_t thread;

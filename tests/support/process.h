@@ -1,6 +1,7 @@
 // What a process does only once, tested in a process of its own.
 #pragma once
 
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,18 +11,37 @@
 
 namespace orx::testing {
 
-// Failures of the body are failures of the test; what else it changes goes with its process.
+// Failures of the body are failures of the process; what else it changes goes with it.
 template <class Body>
-void in_new_process(Body body) {
+pid_t start_process(Body body, void (*end)(int) = std::exit) {
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child == 0) {
     body();
-    std::exit(::testing::Test::HasFailure() ? 1 : 0);
+    end(::testing::Test::HasFailure() ? 1 : 0);
   }
+  return child;
+}
+
+inline void expect_success(pid_t child) {
   int status = -1;
   EXPECT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0) << "in a process of its own";
+}
+
+template <class Body>
+void in_new_process(Body body, void (*end)(int) = std::exit) {
+  expect_success(start_process(body, end));
+}
+
+// As a user without privileges; the search for leaks at a usual end would need them.
+template <class Body>
+void as_nobody(Body body) {
+  const auto run = [&] {
+    EXPECT_TRUE(geteuid() != 0 || (setgroups(0, nullptr) | setgid(65534) | setuid(65534)) == 0);
+    body();
+  };
+  in_new_process(run, _exit);
 }
 
 }  // namespace orx::testing
