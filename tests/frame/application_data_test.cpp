@@ -1,9 +1,8 @@
 #include <orx/frame/application_data.h>
 
 #include <gtest/gtest.h>
-#include <orx/compat/hkey.h>
-#include <tests/support/environment.h>
 #include <tests/support/process.h>
+#include <tests/support/registry.h>
 
 #include <tuple>
 #include <utility>
@@ -13,7 +12,7 @@ using namespace orx::testing;
 
 namespace {
 
-class ApplicationData : public ::testing::Test {
+class ApplicationData : public RegistryTest {
  protected:
   static std::string Found(const char* shared) {
     const ScopedVariable variable("PUBLIC", shared);
@@ -24,25 +23,23 @@ class ApplicationData : public ::testing::Test {
     return path.GetString();
   }
 
-  const TempFolder folder;
-  const ScopedVariable registry{"ORX_MACHINE_REGISTRY", folder.path("registry.db").c_str()};
-  const ScopedVariable drives{"ORX_DRIVES", folder.path().c_str()};
+  const ScopedVariable drives_{"ORX_DRIVES", folder_.path().c_str()};
 };
 
 TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
-  const std::string made = folder.path("c/Halvark/TESSEL/6.9.1");
+  const std::string made = folder_.path("c/Halvark/TESSEL/6.9.1");
   const std::pair<std::string, bool> cases[] = {
-      {"C:", true}, {folder.path("c"), true}, {"C:\\missing", false}};
+      {"C:", true}, {folder_.path("c"), true}, {"C:\\missing", false}};
   for (const auto& [shared, is_made] : cases) {
-    fs::remove_all(folder.path("c"));
-    fs::create_directory(folder.path("c"));
+    fs::remove_all(folder_.path("c"));
+    fs::create_directory(folder_.path("c"));
     in_new_process([&] {
       EXPECT_EQ(Found(nullptr) + Found(""), "") << "looked for again";
       const std::string found = Found(shared.c_str());
       EXPECT_EQ(found, shared + "\\Halvark\\TESSEL\\6.9.1\\");
       EXPECT_EQ(fs::remove(made), is_made);
       EXPECT_EQ(Found("D:"), found) << "kept";
-      EXPECT_FALSE(fs::exists(made) || fs::exists(folder.path("c/missing")));
+      EXPECT_FALSE(fs::exists(made) || fs::exists(folder_.path("c/missing")));
       for (const std::size_t size : {0U, 3U, 260U}) {
         std::string buffer(262, '#');
         GetApplicationDataPath(buffer.data(), static_cast<int>(size));
@@ -56,7 +53,7 @@ TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
 }
 
 TEST_F(ApplicationData, IsAsItIsConfigured) {
-  fs::create_directory(folder.path("c"));
+  fs::create_directory(folder_.path("c"));
   const std::string of_public = "C:\\Halvark\\TESSEL\\6.9.1\\", longest = "X:" + std::string(257, 'n');
   const std::tuple<std::string, DWORD, std::string> cases[] = {{"C:\\TESSEL", REG_SZ, "C:\\TESSEL"},
                                                                {"C:\\%OS%\\", REG_EXPAND_SZ, "C:\\%OS%\\"},
@@ -65,18 +62,15 @@ TEST_F(ApplicationData, IsAsItIsConfigured) {
                                                                {"", REG_SZ, ""}};
   for (const auto& [value, type, found] : cases) {
     in_new_process([&] {
-      HKEY key = nullptr;
-      RegCreateKeyExA(HKEY_LOCAL_MACHINE, "Software\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS", 0,
-                      nullptr, 0, KEY_WRITE, nullptr, &key, nullptr);
+      const HKEY key =
+          Made("Software\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS", HKEY_LOCAL_MACHINE);
       const auto* data = reinterpret_cast<const BYTE*>(value.c_str());
-      const auto size = static_cast<DWORD>(value.size() + 1);
-      EXPECT_EQ(RegSetValueExA(key, "ConfigFolder", 0, type, data, size), ERROR_SUCCESS);
-      RegCloseKey(key);
+      RegSetValueExA(key, "ConfigFolder", 0, type, data, static_cast<DWORD>(value.size() + 1));
       EXPECT_EQ(Found("C:"), found);
     });
   }
   for (const char* made : {"TESSEL", "%OS%", "Halvark/TESSEL/6.9.1"})
-    EXPECT_TRUE(fs::is_directory(folder.path("c") + "/" + made)) << made;
+    EXPECT_TRUE(fs::is_directory(folder_.path("c") + "/" + made)) << made;
 }
 
 }  // namespace

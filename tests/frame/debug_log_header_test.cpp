@@ -15,20 +15,18 @@ TEST(DebugLogHeader, TellsNameAndTime) {
     return read;
   };
   const TempFolder folder;
-  const struct {
-    int hour;
-    const char *folder, *time;
-  } cases[] = {{0, "", "12:07 AM on 26/11/16 00:07:42"},  {9, "\\", "9:07 AM on 26/11/16 09:07:42"},
-               {11, "", "11:07 AM on 26/11/16 11:07:42"}, {12, "\\", "12:07 PM on 26/11/16 12:07:42"},
-               {13, "", "1:07 PM on 26/11/16 13:07:42"},  {23, "\\", "11:07 PM on 26/11/16 23:07:42"}};
-  for (const auto& row : cases) {
+  const std::tuple<int, const char*, const char*> cases[] = {{0, "", "12:07 AM on 26/11/16 00:07:42"},
+                                                             {11, "\\", "11:07 AM on 26/11/16 11:07:42"},
+                                                             {12, "", "12:07 PM on 26/11/16 12:07:42"},
+                                                             {13, "\\", "1:07 PM on 26/11/16 13:07:42"}};
+  for (const auto& [hour, log_folder, time] : cases) {
     in_new_process([&] {
       orx::platform::replace_clock(running_clock);
-      now = {2026, 11, 16, row.hour, 7, 42};
-      EXPECT_EQ(halvark_log_debug_init((folder.suite_path() + row.folder).c_str()), 0);
+      now = {2026, 11, 16, hour, 7, 42};
+      EXPECT_EQ(halvark_log_debug_init((folder.suite_path() + log_folder).c_str()), 0);
     });
     EXPECT_EQ(read_file(folder.path("DEBUG.LOG")), "Log file '" + folder.suite_path("DEBUG.LOG") +
-                                                       "' opened at " + row.time +
+                                                       "' opened at " + time +
                                                        ".\r\n---------------------------\r\n");
   }
 }

@@ -84,6 +84,36 @@ TEST_F(DebugLog, IsInTheApplicationDataFolderUnlessItIsStartedElsewhere) {
   }
 }
 
+// The first character names the process. Some fill pages of the file, or are longer than what is formatted.
+std::string line_of(int process, int number) {
+  const auto filling = static_cast<std::size_t>(number) * 7919 % 12'000;
+  return std::to_string(process) + ' ' + std::to_string(number) + ' ' + std::string(filling, '-') + '.';
+}
+
+TEST_F(DebugLog, LinesOfManyProcessesAreWholeAndInOrder) {
+  constexpr int kProcesses = 8, kLines = 500;
+  in_new_process([&] {
+    halvark_log_debug_init(folder.suite_path("sub").c_str());
+    std::vector<pid_t> writers;
+    for (int process = 0; process < kProcesses; ++process) {
+      writers.push_back(start_process([process] {
+        for (int number = 0; number < kLines; ++number)
+          EXPECT_EQ(halvark_log_debug_write(line_of(process, number).c_str()), 0);
+      }));
+    }
+    for (const pid_t writer : writers) expect_success(writer);
+  });
+  std::ifstream log(folder.path("sub/DEBUG.LOG"), std::ios::binary);
+  std::string line;
+  for (int header = 0; header < 2; ++header) std::getline(log, line);
+  std::map<int, int> found;
+  while (std::getline(log, line)) {
+    const int process = line[0] - '0';
+    ASSERT_EQ(line, line_of(process, found[process]++) + '\r');
+  }
+  for (int process = 0; process < kProcesses; ++process) EXPECT_EQ(found[process], kLines);
+}
+
 TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
   const std::string path = folder.path("sub/DEBUG.LOG"), out = folder.path("out"),
                     debugger = folder.path("debugger");
