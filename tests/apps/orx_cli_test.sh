@@ -48,7 +48,7 @@ row 2 '' 'orx: *' list default all.qpl A --none
 row 0 '' '' project new 'jét 1.qpr' "${jet[@]}"
 row 1 '' 'orx: jét 1.qpr: the file exists*' project new 'jét 1.qpr' "${jet[@]}"
 row 0 '' '' project new --force 'jét 1.qpr' "${jet[@]}" Description='Süd & "Nord" <1>'
-row 0 '' '' project new sql.qpr "${sql[@]}" MajorVersion=6 MinorVersion=6 ReleaseVersion=99
+row 0 '' '' project new sql.qpr "${sql[@]}" MajorVersion=5 MinorVersion=9 ReleaseVersion=99
 row 1 '' "orx: /folder/a.qpr: a project file needs*" project new /folder/a.qpr "${jet[@]}"
 unchanged bad.qpr row 1 '' 'orx: bad.qpr: The site name cannot be empty.' project new bad.qpr ProjectName=P
 
@@ -70,7 +70,7 @@ SiteDatabasePlatform    ACCESS 2016
 *Grube 1*Alle*a=b*Süd & \"Nord\" <1>*6*7*-3*Access 2016*JET*8*VersionState            current
 ProjectBasePath         ${suite%\\\\*}
 SiteProjectDatagroup    \\\\Süd Feld\\\\Grube 1\\\\Alle\\\\" '' project show 'jét 1.qpr'
-row 0 '{*"SiteName": "Ost",*"MinorVersion": 6,*"PlatformType": "SQL",*"VersionState": "older",*}' '' project show sql.qpr --json
+row 0 '{*"SiteName": "Ost",*"MinorVersion": 9,*"PlatformType": "SQL",*"VersionState": "older",*}' '' project show sql.qpr --json
 row 1 '' 'orx:  : the name of a file cannot end in white space' project show ' '
 
 # a file that does not verify is shown, told and not written
@@ -88,7 +88,7 @@ row 0 'sql.qpr: valid' '' project verify sql.qpr
 row 0 '{*"Valid": true,*"Reason": null*}' '' project verify --json sql.qpr
 
 row 0 '' '' project upgrade sql.qpr
-row 0 '*MinorVersion            7*ReleaseVersion          0*current*' '' project show sql.qpr
+row 0 '*MajorVersion            6*MinorVersion            7*ReleaseVersion          0*current*' '' project show sql.qpr
 row 0 '' '' project set sql.qpr MinorVersion=8
 unchanged sql.qpr row 1 '' 'orx: sql.qpr: the project is of a newer version' project upgrade sql.qpr
 

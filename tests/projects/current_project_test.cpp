@@ -89,16 +89,14 @@ TEST_F(CurrentProject, IsReadThroughItsGetters) {
 }
 
 TEST_F(CurrentProject, NameIsCopiedIntoTheRoomThereIs) {
-  const std::tuple<const char*, std::size_t, const char*> cases[] = {
-      {"", 42, "-1:untouched"}, {"Pit 1", 5, "0:Pit 1"}, {"Pit 1", 4, "-1:"}};
-  for (const auto& [name, room, expected] : cases) {
-    std::size_t length = room;
-    std::strcpy(info.ProjectName, name);
-    EXPECT_EQ(answer([&](char* buffer) { return ProjectSetting_GetProjectNameEx(buffer, &length); }),
-              expected);
-    EXPECT_EQ(ProjectSetting_GetProjectNameEx(nullptr, &length), 0);
-    EXPECT_EQ(length, std::strlen(name));
-  }
+  std::size_t length = 0;
+  const auto get = [&](char* buffer) { return ProjectSetting_GetProjectNameEx(buffer, &length); };
+  std::strcpy(info.ProjectName, "Pit 1");
+  EXPECT_EQ(get(nullptr), 0);
+  EXPECT_EQ(length, 5U);
+  EXPECT_EQ(answer(get), "0:Pit 1");
+  length = 4;
+  EXPECT_EQ(answer(get), "-1:");
   EXPECT_EQ(ProjectSetting_GetProjectNameEx(nullptr, nullptr), -1);
 }
 

@@ -32,25 +32,25 @@ TEST(PlatformCatalogue, KnowsItsPlatformsByNameAndIdentifier) {
 
 TEST(PlatformCatalogue, FindsFirstAndLatestOfAType) {
   int jet = 0, sql = 0;
-  CStringA first, name, short_name;
+  CStringA first, latest, short_name;
   EXPECT_EQ(Catalogue::GetLatestPlatform(0, &jet) + Catalogue::GetLatestPlatform(1, &sql), 2);
-  EXPECT_EQ(Catalogue::GetLatestPlatform(0, 1, name) + Catalogue::GetLatestPlatform(1, 0, short_name), 2);
-  EXPECT_EQ(Catalogue::GetLongNamePlatformType(1, first), 1);
-  EXPECT_STREQ(first + "|" + name + "|" + short_name, "SQL Server 2019|Access 2016|SQL2019");
   EXPECT_TRUE(jet == 8 && sql == 13) << jet << sql;
+  EXPECT_EQ(Catalogue::GetLatestPlatform(0, 1, latest) + Catalogue::GetLatestPlatform(1, 0, short_name), 2);
+  EXPECT_EQ(Catalogue::GetLongNamePlatformType(1, first), 1);
+  EXPECT_EQ(Catalogue::GetLatestPlatform(2, &jet) + Catalogue::GetLatestPlatform(2, 1, latest), 0);
+  EXPECT_STREQ(first + "|" + latest + "|" + short_name, "SQL Server 2019|Access 2016|SQL2019");
+  EXPECT_EQ(Catalogue::GetLongNamePlatformType(2, first), 0);
+  EXPECT_STREQ(first, "") << "unlike the others";
 }
 
 TEST(PlatformCatalogue, LeavesOutputsOfWhatItDoesNotHold) {
   int out = 99;
-  CStringA latest("before"), cleared[3] = {"before", "before", "before"};
   for (const char* name : {"", "SQL2019 ", "SQL", "Access"}) {
     EXPECT_EQ(Catalogue::IsNameValid(name) + Catalogue::CanBeCreated(name), 0) << name;
     EXPECT_EQ(Catalogue::GetIDFromName(name, &out) + Catalogue::GetPlatformType(CStringA(name), &out), 0);
   }
-  EXPECT_EQ(Catalogue::GetPlatformType(4, &out) + Catalogue::GetLatestPlatform(2, &out), 0);
-  EXPECT_EQ(Catalogue::GetLatestPlatform(2, 1, latest), 0);
-  EXPECT_TRUE(out == 99 && latest == "before");
-  EXPECT_EQ(Catalogue::GetLongNamePlatformType(2, cleared[0]), 0);
-  EXPECT_EQ(Catalogue::GetLongNameFromID(1, cleared[1]) + Catalogue::GetShortNameFromID(4, cleared[2]), 0);
-  EXPECT_STREQ(cleared[0] + cleared[1] + cleared[2], "");
+  CStringA long_name("before"), short_name("before");
+  EXPECT_EQ(Catalogue::GetPlatformType(4, &out), 0);
+  EXPECT_EQ(Catalogue::GetLongNameFromID(1, long_name) + Catalogue::GetShortNameFromID(4, short_name), 0);
+  EXPECT_TRUE(out == 99 && long_name + short_name == "");
 }

@@ -112,11 +112,8 @@ TEST_F(QprFile, RefusesAValueLongerThanItsField) {
 TEST_F(QprFile, NeedsAFolderInAFolder) {
   const ScopedVariable drives("ORX_DRIVES", folder.path().c_str());
   std::filesystem::create_directories(folder.path("c/Projects/Pit1"));
-  const struct {
-    std::string file_folder;
-    int loaded;
-    const char* base;
-  } cases[] = {{"C:\\Projects\\Pit1", 1, "C:\\Projects"}, {"C:\\Projects", 1, "C:"}, {"C:", 0, "C:"}};
+  const std::tuple<std::string, int, const char*> cases[] = {
+      {"C:\\Projects\\Pit1", 1, "C:\\Projects"}, {"C:\\Projects", 1, "C:"}, {"C:", 0, "C:"}};
   for (const auto& [file_folder, loaded, expected_base] : cases) {
     file.SetFileName((file_folder + "\\a.qpr").c_str());
     std::strcpy(info.SiteDatabase, "x\\s.mdb");
@@ -142,11 +139,7 @@ TEST_F(QprFile, VerifyNamesTheFirstBrokenRule) {
   CStringA message = "kept";
   EXPECT_EQ(file.Verify(message), 1) << "a cleared platform is none of the catalogue, but no broken rule";
   EXPECT_EQ(message, "kept");
-  const struct {
-    char* emptied;
-    int platform;
-    const char* message;
-  } breaks[] = {
+  const std::tuple<char*, int, const char*> breaks[] = {
       {info.DataGroupName, 0, "The data group name cannot be empty"},
       {info.ProjectName, 8, "The project name cannot be empty"},
       {info.ProjectName, 13, "The site database server cannot be empty if database platform is 'SQL'"},
@@ -161,22 +154,6 @@ TEST_F(QprFile, VerifyNamesTheFirstBrokenRule) {
     EXPECT_EQ(file.Verify(message), 0);
     EXPECT_EQ(message, expected);
   }
-}
-
-TEST_F(QprFile, VersionsCompareByMajorAndMinor) {
-  const int cases[][3] = {{5, 9, enProjectVersionOlder},
-                          {6, 6, enProjectVersionOlder},
-                          {6, 7, enProjectVersionCurrent},
-                          {6, 8, enProjectVersionNewer},
-                          {7, 0, enProjectVersionNewer}};
-  info.ReleaseVersion = 99;
-  for (const auto& [major, minor, verdict] : cases) {
-    info.MajorVersion = major;
-    info.MinorVersion = minor;
-    EXPECT_EQ(file.VerifyProjectVersion(), verdict) << major << '.' << minor;
-  }
-  file.ProjectConversionUpgradeCompleted();
-  EXPECT_EQ(fields_of(info), "||0|||||||6.7.0");
 }
 
 TEST_F(QprFile, CopiesTakeRecordAndFileName) {
