@@ -64,7 +64,6 @@ TEST_F(XmlInput, IsReadInItsEncoding) {
       {root_of(kUmlauts), kUmlauts},
       {kMark + declared("ISO-8859-1") + root_of(kUmlauts), kUmlauts},  // the mark outweighs it
       {kMark16 + utf16("<a>") + "\xFC\0"s + utf16("</a>"), "\u00FC"},
-      {kMark16 + utf16(declared("UTF-8") + root_of("x")), "x"},
       {utf16(declared("UTF-16") + root_of("x")), "x"},
       {"\xFE\xFF\0<\0a\0>\0x\0<\0/\0a\0>"s, "x"},
       {declared("ISO-8859-1") + root_of("\xFC"), "\u00FC"},
@@ -83,7 +82,6 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
   const std::pair<std::string, const char*> cases[] = {
       {"", "the file is empty"},
       {"<a>\n<b/>", "not well-formed at line 2, column 5: Premature end"},
-      {root_of("\x01"), "invalid Char"},
       {"<a b='' b=''>", "redefined"},  // the first error counts
       {"<a/>\0"s, "NUL"},
       {"<a>\n\xE9</a>", "line 2, column 1: Input is not proper UTF-8"},
@@ -93,8 +91,6 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
       {declared("UTF-16") + "<a/>", ""},  // in name only
       {doctype("<!ENTITY x 'y'>") + root_of("&x;"), "it declares entities"},
       {doctype("<!NOTATION n SYSTEM 'n'><!ENTITY x SYSTEM 'y' NDATA n>") + "<a/>", "it declares entities"},
-      {doctype("<!ENTITY % x '&#37;y;&#37;y;'><!ENTITY % y '&#37;x;&#37;x;'> %x;") + "<a/>",
-       "it declares entities"},
       {repeated("<a>", 1000000), "Excessive depth"},
       {"<a" + repeated(" b=''", 1000000) + "/>", ""},
       {doctype(repeated("<!ELEMENT e ANY>", 20000)) + "<a/>", ""},
@@ -113,13 +109,6 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
         << bytes.substr(0, 60) << ": " << outcome << ", not " << reason;
   }
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
-}
-
-TEST_F(XmlInput, IsRefusedWhenItIsCutAnywhere) {
-  const std::string whole = declared("UTF-8") + "\n<!--c--><a b='c'>d<![CDATA[e]]><f/>&lt;</a>";
-  for (std::size_t size = 0; size < whole.size(); ++size) {
-    EXPECT_TRUE(Read(whole.substr(0, size)).starts_with("refused: ")) << size;
-  }
 }
 
 TEST_F(XmlInput, IsRefusedWhenItIsNoFile) {
