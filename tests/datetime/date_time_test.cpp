@@ -27,7 +27,6 @@ int set(orxDateTime& record, const Fields& f) {
 TEST(DateTime, ValuesAreReadToTheNearestSecond) {
   constexpr Fields kNoDate{-1, -1, -1, -1, -1, -1};
   const std::pair<double, Fields> cases[] = {
-      {0, {1899, 12, 30, 0, 0, 0}},
       {-1.25, {1899, 12, 29, 6, 0, 0}},  // the fraction counts forward
       {0.5 / 86400, {1899, 12, 30, 0, 0, 1}},
       {0.499999 / 86400, {1899, 12, 30, 0, 0, 0}},
@@ -35,10 +34,8 @@ TEST(DateTime, ValuesAreReadToTheNearestSecond) {
       {-1.9999943, {1899, 12, 30, 0, 0, 0}},
       {-657434.999999, {100, 1, 2, 0, 0, 0}},
       {2958465.999988, {9999, 12, 31, 23, 59, 59}},
-      // Half seconds that were stored as a little less.
-      {-0x1.0daac75f623a6p+17, {1521, 12, 23, 13, 22, 56}},
-      {0x1.8fc69474cfd58p+15, {2040, 2, 5, 6, 57, 32}},
-      {0x1.1773b8e4fa641p+21, {8167, 10, 22, 2, 41, 0}},
+      {0x1.5f905b9690e08p+15, {2023, 3, 15, 4, 17, 36}},     // half a second, stored as a little less
+      {-0x1.0daac75f623a6p+17, {1521, 12, 23, 13, 22, 56}},  // a millionth less than half a second
       // The last one would be of the year 10000.
       {-657435, kNoDate},
       {2958466, kNoDate},
@@ -88,11 +85,10 @@ TEST(DateTime, FieldsAreCompletedAndRefused) {
       {2, {30, 1, 2, 0, 0, 0}, 0, 0, {1930, 1, 2, 0, 0, 0}},
       {2, {-1, 1, 2, 0, 0, 0}, 0, 0, {1899, 1, 2, 0, 0, 0}},
       {2, {1900, 2, 29, 0, 0, 0}, 1, 1},  // told as a wrong month
-      {2, {2001, 2, 29, 0, 0, 0}, 1, 3},
+      {3, {2001, 2, 29, 0, 0, 0}, 1, 3},
       {2, {2001, 13, 1, 0, 0, 0}, 1, 1},
       {2, {10000, 1, 1, 0, 0, 0}, 1, 2},
       {2, {INT_MIN, INT_MIN, INT_MIN, 0, 0, 0}, 1, 2},
-      {2, {INT_MAX, 1, 1, INT_MAX, 0, 0}, 1, 2},
       {2, {2000, 1, 1, 24, 0, 0}, 1, 4},
       {4, {2000, 1, 1, 23, 60, 0}, 1, 5},
       {4, {2000, 1, 1, 23, 59, 60}, 1, 6},
@@ -115,14 +111,11 @@ TEST(DateTime, FieldsAreCompletedAndRefused) {
 }
 
 TEST(DateTime, ErrorsHaveTexts) {
-  orxDateTime record{0, 2, 2, 6};
-  char text[23];
-  EXPECT_EQ(orxDateTime_DiagnoseError(&record, text), 6);
-  EXPECT_STREQ(text, "Error: Invalid second.");
-  record.errorCode = 7;
+  orxDateTime record{0, 2, 2, 7};
+  char text[11] = "kept";
   EXPECT_EQ(orxDateTime_DiagnoseError(&record, text), 7);
-  EXPECT_STREQ(text, "Error: Invalid second.") << "left as it was";
-  orxDateTime_SetHourMinuteSecond(&record, 12, 0, 0);
+  EXPECT_STREQ(text, "kept") << "there is no such error";
+  EXPECT_EQ(orxDateTime_SetHourMinuteSecond(&record, 12, 0, 0), 0);
   EXPECT_EQ(orxDateTime_DiagnoseError(&record, text), 0);
   EXPECT_STREQ(text, "No errors.");
   EXPECT_EQ(record.value, 0.5);
