@@ -89,6 +89,8 @@ row 0 '{*"Valid": true,*"Reason": null*}' '' project verify --json sql.qpr
 
 row 0 '' '' project upgrade sql.qpr
 row 0 '*MajorVersion            6*MinorVersion            7*ReleaseVersion          0*current*' '' project show sql.qpr
+row 0 '' '' project set sql.qpr MinorVersion=6
+row 0 '*VersionState            older*' '' project show sql.qpr
 row 0 '' '' project set sql.qpr MinorVersion=8
 unchanged sql.qpr row 1 '' 'orx: sql.qpr: the project is of a newer version' project upgrade sql.qpr
 
