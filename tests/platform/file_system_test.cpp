@@ -4,6 +4,7 @@
 #include <tests/support/environment.h>
 #include <tests/support/process.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -80,7 +81,6 @@ TEST_F(Replacement, RefusesWhatIsNotAFile) {
       {folder.path("link"), EntryKind::kFolder, "Is a directory"},
       {folder.path("new/"), EntryKind::kNone, "Is a directory"},
       {folder.path("pipe"), EntryKind::kFile, "Not a regular file"},
-      {folder.path("pipe/file"), EntryKind::kNone, "Not a directory"},
       {folder.path("loop"), EntryKind::kNone, "Too many levels of symbolic links"},
       {folder.path("missing/file"), EntryKind::kNone, "No such file or directory"},
       {folder.path(std::string(256, 'n')), EntryKind::kNone, "File name too long"},
@@ -103,6 +103,9 @@ TEST_F(Replacement, RefusesWhatTheUserMayNotWrite) {
     EXPECT_EQ(replace(folder.path("new"), "new"), "");
     for (const char* name : {"read_only", "closed/file", "closed/new"})
       EXPECT_EQ(replace(folder.path(name), "new"), "Permission denied") << name;
+    const rlimit nothing{};
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &nothing), 0);
+    EXPECT_EQ(replace(folder.path("new"), "x"), "File too large");
   });
   EXPECT_EQ(Entries(), 3);
   fs::permissions(folder.path("closed"), fs::perms(0777));  // or its owner can't remove it
