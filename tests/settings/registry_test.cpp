@@ -60,14 +60,14 @@ TEST_F(SettingsTest, EveryTypeIsStoredInItsForm) {
   int count = 0;
   double number = 0;
   float single = 0;
-  char name[4] = {}, raw[3] = {};
+  char name[4] = {}, raw[] = {'#', '#', '#', '#'};
   EXPECT_EQ(hvk_RegReadInt("Süd", "b b", "c", "d", "COUNT", &count), 0);
   EXPECT_EQ(hvk_RegReadDouble("Süd", "b b", "c", "d", "Double", &number), 0);
   EXPECT_EQ(hvk_RegReadFloat("Süd", "b b", "c", "d", "Float", &single), 0);
   EXPECT_EQ(hvk_RegReadString("Süd", "b b", "c", "d", "Name", name, 4), 0);
-  EXPECT_EQ(hvk_RegReadBinary("Süd", "b b", "c", "d", "Raw", raw, 3), 0);
+  EXPECT_EQ(hvk_RegReadBinary("Süd", "b b", "c", "d", "Raw", raw, 4), 0);
   EXPECT_TRUE(count == 5 - INT_MAX && number == 0.1 && single == 0 && std::signbit(single));
-  EXPECT_EQ(std::string(name) + std::string(raw, 3), std::string("abc\x01\0\xFF", 6));
+  EXPECT_EQ(std::string(name) + std::string(raw, 4), std::string("abc\x01\0\xFF#", 7));
 }
 
 TEST_F(SettingsTest, ReadingAnswersBySizeAndNotByType) {
@@ -105,7 +105,6 @@ TEST_F(SettingsTest, WritingTakesAnEmptyLevelForTheKeyBeforeIt) {
   EXPECT_EQ(hvk_RegWriteString("G", nullptr, nullptr, nullptr, "x", nullptr), -1) << "one byte from nowhere";
   EXPECT_EQ(hvk_RegWriteBinary("G", nullptr, nullptr, nullptr, "x", "abc", -1), -1);
   EXPECT_EQ(hvk_RegWriteInt("G", nullptr, nullptr, nullptr, std::string(16384, 'n').c_str(), 1), -1);
-  EXPECT_EQ(hvk_RegWriteInt("G", nullptr, nullptr, nullptr, "\xFC", 1), -1);
   EXPECT_EQ(sub_keys(Key()), (Names{"A", "C", "E", "G"})) << "levels made before a failure stay";
   EXPECT_EQ(Stored("G"), "");
 }
@@ -207,10 +206,8 @@ TEST_F(SettingsTest, FilesAreMadeOnFirstUseForTheirReaders) {
   for (const auto& [name, mode] : modes)
     EXPECT_EQ(std::filesystem::status(folder_.path(name)).permissions(), std::filesystem::perms(mode))
         << name;
-  char file[4096];
-  EXPECT_EQ(orx_registry_file(HKEY_LOCAL_MACHINE, file, sizeof file), 0);
-  EXPECT_EQ(file, folder_.path("etc/machine.db"));
-  EXPECT_EQ(orx_registry_file(HKEY_CURRENT_USER, file, 3), -1);
+  char file[3];
+  EXPECT_EQ(orx_registry_file(HKEY_CURRENT_USER, file, sizeof file), -1);
   EXPECT_STREQ(file, "");
 }
 
