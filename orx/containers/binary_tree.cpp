@@ -2,6 +2,7 @@
 
 #include <orx/platform/kept_errno.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -22,21 +23,28 @@ Link& link_of(Node& node, int side) { return side == kLeft ? node.left : node.ri
 
 void set_balance(Node& node, int balance) { node.balance = static_cast<std::int16_t>(balance); }
 
-// The two ways down from a node, told apart without a jump: which way it goes is a guess that fails every
-// other time, and each failure costs more than a comparison.
-class Fork {
- public:
-  explicit Fork(const Node& node)
-      : right_(reinterpret_cast<std::uintptr_t>(node.right)),
-        difference_(reinterpret_cast<std::uintptr_t>(node.left) ^ right_) {}
+// Chooses without a jump: which way a search goes is a guess that fails every other time, and each failure
+// costs more than a comparison.
+template <typename T>
+T* either(bool is_first, T* first, T* second) {
+  const auto difference = reinterpret_cast<std::uintptr_t>(first) ^ reinterpret_cast<std::uintptr_t>(second);
+  const std::uintptr_t mask = std::uintptr_t{0} - static_cast<std::uintptr_t>(is_first);
+  return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(second) ^ (difference & mask));
+}
 
-  Node* Way(bool is_left) const {
-    const std::uintptr_t mask = std::uintptr_t{0} - static_cast<std::uintptr_t>(is_left);
-    return reinterpret_cast<Node*>(right_ ^ (difference_ & mask));
+// So many levels of a tree stay in the cache by themselves.
+constexpr std::ptrdiff_t kCachedLevels = 10;
+
+// The two ways down from a node. In the depth of a large tree both are fetched before a comparison decides
+// between them.
+struct Fork {
+  Node *left, *right;
+
+  Fork(const Node& node, std::ptrdiff_t level) : left(node.left), right(node.right) {
+    if (level < kCachedLevels) return;
+    __builtin_prefetch(left);
+    __builtin_prefetch(right);
   }
-
- private:
-  std::uintptr_t right_, difference_;
 };
 
 // The links from the root down to where an operation takes place, the last one included.
@@ -52,17 +60,22 @@ class Path {
   Node* Find(bto_compare_fn compare, void* probe) {
     Position end = links_;
     Node* node = **end;
-    int order = 0;
+    int order = 1;
     // Along the right edge of the tree, where probes in ascending order go, guesses hold.
     while (node != nullptr && (order = compare(probe, node)) > 0) {
       *++end = &node->right;
       node = node->right;
     }
+    if (order < 0) {
+      *++end = &node->left;
+      node = node->left;
+    }
     while (node != nullptr && order != 0) {
-      const Fork fork(*node);
-      *++end = order < 0 ? &node->left : &node->right;
-      node = fork.Way(order < 0);
-      if (node != nullptr) order = compare(probe, node);
+      const Fork fork(*node, end - links_);
+      order = compare(probe, node);
+      if (order == 0) break;
+      *++end = either(order < 0, &node->left, &node->right);
+      node = either(order < 0, fork.left, fork.right);
     }
     end_ = end;
     return node;
@@ -238,11 +251,11 @@ void* bto_get_item(bto_tree* tree, void* key) {
   if (tree == nullptr || tree->compare == nullptr || key == nullptr) return nullptr;
   const bto_compare_fn compare = tree->compare;
   Node* node = tree->root;
-  while (node != nullptr) {
-    const Fork fork(*node);
+  for (std::ptrdiff_t level = 0; node != nullptr; ++level) {
+    const Fork fork(*node, level);
     const int order = compare(node, key);
     if (order == 0) break;
-    node = fork.Way(order > 0);
+    node = either(order > 0, fork.left, fork.right);
   }
   return node;
 }
