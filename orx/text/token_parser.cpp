@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <span>
 #include <string_view>
 
@@ -14,27 +15,11 @@ constexpr std::size_t kMostTokens = 25;
 
 using Tokens = std::array<std::string_view, kMostTokens>;
 
-// The characters that end a token, the NUL among them.
-class DelimiterSet {
- public:
-  explicit DelimiterSet(const char* delimiters) {
-    is_member_[0] = true;
-    for (; *delimiters != '\0'; ++delimiters) is_member_[static_cast<unsigned char>(*delimiters)] = true;
-  }
-  const char* FindIn(const char* text) const {
-    while (!is_member_[static_cast<unsigned char>(*text)]) ++text;
-    return text;
-  }
-
- private:
-  std::array<bool, 256> is_member_{};
-};
-
-std::size_t split(const char* text, const DelimiterSet& delimiters, Tokens& tokens) {
+std::size_t split(const char* text, const char* delimiters, Tokens& tokens) {
   for (std::size_t count = 0; count < kMostTokens; ++text) {
-    const char* const first = text;
-    text = delimiters.FindIn(text);
-    tokens[count++] = {first, static_cast<std::size_t>(text - first)};
+    const std::size_t length = std::strcspn(text, delimiters);
+    tokens[count++] = {text, length};
+    text += length;
     if (*text == '\0') return count;
   }
   return kMostTokens;
@@ -68,7 +53,7 @@ char** orx_token_parser(const char* text, const char* delimiters, int* count) {
   if (text == nullptr || *text == '\0' || count == nullptr) return nullptr;
   const orx::platform::KeptErrno kept_errno;
   Tokens tokens;
-  const std::size_t found = split(text, DelimiterSet(delimiters != nullptr ? delimiters : ""), tokens);
+  const std::size_t found = split(text, delimiters != nullptr ? delimiters : "", tokens);
   char** const copies = copied(std::span(tokens).first(found));
   *count = copies != nullptr ? static_cast<int>(found) : 0;
   return copies;
