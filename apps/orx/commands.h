@@ -40,6 +40,10 @@ struct Arguments {
   std::optional<std::string> high;
   int size = std::numeric_limits<int>::max();
 
+  std::string plane;  // the coordinates of three points, with commas
+  std::optional<std::string> tolerance;
+  std::optional<std::string> svg;  // the file to draw in
+
   int count = 0;
   bool follow = false;
   bool thread_log = false;
@@ -79,6 +83,8 @@ void log_path(const Arguments& arguments, std::ostream& out);
 void log_tail(const Arguments& arguments, std::ostream& out);
 
 void key_new(const Arguments& arguments, std::ostream& out);
+
+void section(const Arguments& arguments, std::ostream& out);
 
 void platforms(const Arguments& arguments, std::ostream& out);
 

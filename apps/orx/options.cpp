@@ -26,6 +26,7 @@ class CommandLine {
     add_field_command(add(&app_, "field", "Show what an import makes of the text of a field", field));
     add_log_commands(group(&app_, "log", "The debug log"));
     add_key_commands(group(&app_, "key", "Unique keys"));
+    add_section_command(add_for_file(&app_, "section", "Cut a surface of triangles with a plane", section));
     json(add(&app_, "platforms", "Show the database platforms", platforms));
     for (CLI::App* command : app_.get_subcommands({})) name_subcommands(command);
   }
@@ -228,6 +229,17 @@ class CommandLine {
     CLI::App* create = add(key, "new", "Make keys that are unique among themselves", key_new);
     count(create, 1, 1, 999999, "How many");
     json(create);
+  }
+
+  void add_section_command(CLI::App* section) {
+    section->get_option("FILE")->description("A Wavefront OBJ file");
+    section->add_option("--plane", arguments_.plane, "Three points of it: x1,y1,z1,x2,y2,z2,x3,y3,z3")
+        ->required();
+    section->add_option("--svg", arguments_.svg, "A file to draw the section in")->check(not_empty);
+    section->add_option("--tolerance", arguments_.tolerance,
+                        "How far apart ends are that are joined; else a millionth of the diagonal of the "
+                        "surface's box");
+    json(section)->description("Show the polylines as JSON");
   }
 
   Arguments& arguments_;

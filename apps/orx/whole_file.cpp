@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -67,6 +68,9 @@ std::string read_file(const std::string& file) {
   return told(file, [](const fs::path& path) {
     const File input = open(path, "rb");
     std::string text;
+    std::error_code unknown;  // a pipe has no size
+    const std::uintmax_t expected = fs::file_size(path, unknown);
+    if (!unknown) text.reserve(expected);
     std::array<char, 65536> buffer;
     while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), input.get())) {
       text.append(buffer.data(), size);

@@ -376,6 +376,57 @@ keys=$("$orx" key new -n 20000)
 row 0 '\[*{*"Key": "*000001"*}*\]' '' key new --json
 row 2 '' 'orx: -n: *' key new -n 0
 
+# section: a cube with what files have beside vertices and faces, far from the origin
+cube() { # EAST
+  printf '\xEF\xBB\xBF# C:\\cube\\\r\nmtllib v.mtl\r\no cube\r\n\r\nf 1 4 3 2\r\n'
+  printf 'v %s\r\n' "$1 0 0" "$(($1 + 1)) 0 +0" "$(($1 + 1)) 1 0 1.0" "$1 1.0 0e0" "$1 0 1"
+  printf 'v %s\n' "$(($1 + 1)) 0 1" "$(($1 + 1)) 1 1 .5 .5 .5" "$1 1 1"
+  printf 'vn 0 0 1\nf -4/1 -3/2 -2/3 -1/4#top\nf 1//1 2//1 6//1 \\\r\n 5//1\nl 1 2\n  f 2/1/1 3/2/1 7/3/1 6/4/1\n'
+  printf 's off\nf\t3 4 8 7 \nf 4 1 5 8'
+}
+cube 7000000 > 'Würfel <1> & 2.obj'
+while read -r length plane; do
+  row 0 $'Polylines  1\nClosed     1\nLength     '"$length" '' section 'Würfel <1> & 2.obj' --plane "$plane" --svg cube.svg
+  [[ $(< cube.svg) == *">Würfel &lt;1> &amp; 2.obj: 1 polyline, length $length<"*'class="section" d="M'*Z*'</svg>' ]] || fail "section: $plane"
+done << 'END'
+4.00000 0,0,.5,1,0,.5,0,1,.5
+4.00000 0,0,1,1,0,1,0,1,1
+4.00000 0,0,0,0,7e6,0,7e6,0,0
+4.00000 7000000.1,0,0,7000000.1,1,0,7000000.1,0,1
+4.82843 7000000,0,-1,7000001,1,-1,7000000,0,1
+4.24264 7000001,.5,0,7000000.5,1,0,7000000.5,.5,.5
+END
+section() { row "$1" "$2" "$3" section part.obj --plane "${@:4}"; }
+cube 0 > part.obj
+section 0 $'{\n  "Length": 4,\n*"Closed": true, "Length": 4, "Points": \[\[1, 0, 0.5\], *' '' 0,0,.5,1,0,.5,0,1,.5 --json
+for plane in 0,0,1.01,1,0,1.01,0,1,1.01 1,-1,0,-1,1,0,0,-1,1; do # beside it; through one corner
+  unchanged cube.svg section 1 '' 'orx: part.obj: the plane cuts nothing of it' $plane --svg cube.svg
+done
+section 2 '' 'orx: --plane: the three points lie in a line*' 7e6,7e6,0,7000001,7e6,0.1,7000002,7e6,.2
+section 2 '' 'orx: --plane: three points are nine numbers*' 0,0,0,1,0,0,0,1
+section 2 '' "orx: --plane: '1x' is no number*" 0,0,0,1,0,0,0,1x,0
+section 2 '' 'orx: --tolerance: it is less than 0*' 0,0,0,1,0,0,0,1,0 --tolerance -1
+# three faces at an edge, and a fourth beside one of them
+printf 'v %s\n' '0 0 0' '0 0 2' '1 0 0' '0 1 0' '-1 0 0' '1.01 0 0' '1.01 0 2' '2 0 0' > part.obj
+printf 'f %s\n' '1 2 3' '1 2 4' '1 2 5' '6 7 8' >> part.obj
+section 0 $'Polylines  4\nClosed     0\nLength     *' '' 0,0,.5,1,0,.5,0,1,.5
+section 0 $'Polylines  3\nClosed     0\nLength     *' '' 0,0,.5,1,0,.5,0,1,.5 --tolerance .3
+while IFS='|' read -r reason text; do
+  printf "v 0 0 0\nv 1 0 0\nv 0 1 1\n$text" > part.obj
+  unchanged cube.svg section 1 '' "orx: part.obj: $reason" 0,0,.5,1,0,.5,0,1,.5 --svg cube.svg
+done << 'END'
+it has no faces|
+line 4: a vertex has three coordinates|v 1 2\nv 3 4 5
+line 5: '1,5' is no number*|\nv 1,5 2 3
+line 4: 'nan' is no number*|v 0 0 nan
+line 4: '1e16' is no number*|v 0 0 1e16
+line 5: a face has three corners*|f 1 \\\n 2
+line 4: '2.5' is no number of a vertex|f 1 2.5 3
+line 4: there is no vertex 0|f 0 1 2
+line 5: there is no vertex -4|f 1 2 3\nf 1 2 -4
+line 4: there is no vertex 4|f 1 2 4\nf 1 2 3
+END
+
 # a write that fails is told, whether in the commit or before, and leaves the file
 unlimited=$orx
 limited() (ulimit -Sf 1 && exec "$unlimited" "$@") # KiB

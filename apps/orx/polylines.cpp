@@ -1,0 +1,156 @@
+#include "polylines.h"
+
+#include <orx/geometry/bounding_box.h>
+#include <orx/geometry/octree.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <new>
+
+namespace orx::cli {
+namespace {
+
+constexpr std::size_t kSegmentsAtOnce = 1 << 16;
+constexpr int kPointsInLeaf = 12;
+
+using Number = std::uint32_t;  // of a point or of a line
+
+// An end of a segment as the octree takes it. All heights are 0, at the bottom of the root: were they in the
+// middle, every search would look on both sides of every dividing plane.
+struct End {
+  double across, up, height;
+  double reach;
+  Number point;
+};
+
+int matches(void* a, void* b) {
+  const End& end = *static_cast<const End*>(a);
+  const End& other = *static_cast<const End*>(b);
+  const double across = end.across - other.across;
+  const double up = end.up - other.up;
+  return across * across + up * up <= end.reach * end.reach ? 1 : 0;
+}
+
+int octant_of(void* item, double across, double up, double height) {
+  const End& end = *static_cast<const End*>(item);
+  return (end.across < across ? 1 : 0) | (end.up < up ? 2 : 0) | (end.height < height ? 4 : 0);
+}
+
+struct Network {
+  std::vector<Point> points;
+  std::vector<std::array<Number, 2>> lines;  // the lower point first
+};
+
+std::vector<End> ends_of(const std::vector<Segment>& segments, const Point& across, const Point& up,
+                         double tolerance) {
+  std::vector<End> ends;
+  ends.reserve(segments.size() * 2);
+  for (const Segment& segment : segments) {
+    for (const Point& point : segment) ends.push_back({dot(point, across), dot(point, up), 0, tolerance, 0});
+  }
+  return ends;
+}
+
+void plant(CORXOcTreeNode& tree, const std::vector<End>& ends, double tolerance) {
+  bbox box;
+  bbox_init(&box);
+  for (const End& end : ends) bbox_update(&box, &end.across);
+  const double size = std::max(box.max[0] - box.min[0], box.max[1] - box.min[1]);
+  tree.SetFunctions(matches, octant_of, nullptr);
+  tree.SetPointLimit(kPointsInLeaf);
+  tree.SetTolerance(tolerance);
+  if (!tree.Init(box.min[0], box.min[1], 0, box.max[0], box.max[1], size, 0)) throw std::bad_alloc();
+}
+
+Network connect(const std::vector<Segment>& segments, std::vector<End> ends, double tolerance,
+                Progress& progress) {
+  CORXOcTreeNode tree;
+  plant(tree, ends, tolerance);
+  Network network;
+  for (std::size_t i = 0; i < ends.size(); ++i) {
+    if (i % kSegmentsAtOnce == 0) progress.tell("joining", i, ends.size());
+    const auto* const found = static_cast<const End*>(tree.FindNode(&ends[i]));
+    ends[i].point = found != nullptr ? found->point : static_cast<Number>(network.points.size());
+    if (found == nullptr) {
+      tree.AddNode(&ends[i]);
+      network.points.push_back(segments[i / 2][i % 2]);
+    }
+    if (i % 2 == 0) continue;
+    const auto [low, high] = std::minmax(ends[i - 1].point, ends[i].point);
+    if (low != high) network.lines.push_back({low, high});
+  }
+  // The tree tells in no other way that it had no memory for a point.
+  if (static_cast<std::size_t>(tree.GetCount()) != network.points.size()) throw std::bad_alloc();
+  std::ranges::sort(network.lines);
+  network.lines.erase(std::unique(network.lines.begin(), network.lines.end()), network.lines.end());
+  return network;
+}
+
+// Goes along the lines of a network, along each one once.
+class Walker {
+ public:
+  explicit Walker(const Network& network)
+      : network_(network), first_(network.points.size() + 1), is_walked_(network.lines.size()) {
+    for (const auto& line : network.lines) {
+      for (const Number point : line) ++first_[point + 1];
+    }
+    for (std::size_t i = 1; i < first_.size(); ++i) first_[i] += first_[i - 1];
+    at_point_.resize(network.lines.size() * 2);
+    std::vector<std::size_t> next = first_;
+    for (Number i = 0; i < network.lines.size(); ++i) {
+      for (const Number point : network.lines[i]) at_point_[next[point]++] = i;
+    }
+  }
+
+  std::vector<Polyline> walk() {
+    std::vector<Polyline> polylines;
+    // What is left between points in which two lines meet are loops.
+    for (const bool loops : {false, true}) {
+      for (Number point = 0; point < network_.points.size(); ++point) {
+        if (loops == goes_on(point)) start_at(point, polylines);
+      }
+    }
+    return polylines;
+  }
+
+ private:
+  bool goes_on(Number point) const { return first_[point + 1] - first_[point] == 2; }
+
+  void start_at(Number point, std::vector<Polyline>& polylines) {
+    for (std::size_t i = first_[point]; i < first_[point + 1]; ++i) {
+      if (!is_walked_[at_point_[i]]) polylines.push_back(follow(point, at_point_[i]));
+    }
+  }
+
+  Polyline follow(Number point, Number line) {
+    Polyline polyline{{network_.points[point]}, 0};
+    while (!is_walked_[line]) {
+      is_walked_[line] = true;
+      const auto [low, high] = network_.lines[line];
+      point = point == low ? high : low;
+      const Point step = network_.points[point] - polyline.points.back();
+      polyline.length += std::sqrt(dot(step, step));
+      polyline.points.push_back(network_.points[point]);
+      if (!goes_on(point)) break;
+      const std::size_t first = first_[point];
+      line = at_point_[first] == line ? at_point_[first + 1] : at_point_[first];
+    }
+    return polyline;
+  }
+
+  const Network& network_;
+  std::vector<std::size_t> first_;  // of the lines at a point
+  std::vector<Number> at_point_;    // the lines, point by point
+  std::vector<bool> is_walked_;
+};
+
+}  // namespace
+
+std::vector<Polyline> join(const std::vector<Segment>& segments, const Point& across, const Point& up,
+                           double tolerance, Progress& progress) {
+  const Network network = connect(segments, ends_of(segments, across, up, tolerance), tolerance, progress);
+  return Walker(network).walk();
+}
+
+}  // namespace orx::cli
