@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# examples_test.sh SOURCE ORX HOST C_HOST CONTAINERS: the sample suite is whole, and the hosts run and are what the README shows.
+# examples_test.sh SOURCE ORX HOST C_HOST CONTAINERS: the sample suite is whole, the
+# pit and its section are what makes them, and the hosts run and are what the README shows.
 set -euo pipefail
 source=$1 orx=$2 host=$3 c_host=$4 containers=$5
 work=$(mktemp -d)
@@ -28,6 +29,11 @@ by grade
    3.0 m   0.85 g/t
    0.0 m   0.12 g/t
 END
+
+"$source/examples/pit/make_pit.sh" | cmp - "$source/examples/pit/pit.obj"
+read -r plane < <(sed -n 's/^ .*pit\.obj --plane \([^ ]*\) .*/\1/p' "$source/README.md")
+"$orx" section "$source/examples/pit/pit.obj" --plane "$plane" --svg "$work/section.svg"
+cmp "$work/section.svg" "$source/examples/pit/section.svg"
 
 snippet() { awk -v fence="\`\`\`$1" '$0 == fence { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md"; }
 diff <(snippet cpp) "$source/examples/host.cpp"

@@ -64,9 +64,9 @@ std::string escaped(const std::string& text) {
   for (const char c : one_line(text)) {
     xml += c == '&' ? "&amp;" : c == '<' ? "&lt;" : std::string(1, c);
   }
-  if (!is_utf8(xml))
-    std::ranges::replace_if(
-        xml, [](char c) { return c < 0 || c > '~'; }, '?');
+  if (is_utf8(xml)) return xml;
+  std::ranges::replace_if(
+      xml, [](char c) { return c < 0 || c > '~'; }, '?');
   return xml;
 }
 
