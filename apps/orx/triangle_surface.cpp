@@ -1,5 +1,6 @@
 #include "triangle_surface.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -51,7 +52,9 @@ class Reader {
   [[noreturn]] void fail_word(const char* what) const {
     const char* last = at_ + 1;
     while (!ends_word(last) && static_cast<std::size_t>(last - at_) < kLongestWord) ++last;
-    fail("'" + std::string(at_, last) + "' is " + what);
+    std::string word(at_, last);
+    std::ranges::replace(word, '\0', '?');
+    fail("'" + word + "' is " + what);
   }
 
   bool ends_word(const char* at) const {
