@@ -162,6 +162,31 @@ class GrownRTree : public RTree {
     for (const Value& value : values_of(points)) tree_.insert(value);
   }
 };
+
+// Of items that stay the host's, as those of the octree do.
+class RTreeOfItems {
+ public:
+  explicit RTreeOfItems(const Points& points) : tree_(items_of(points)) {}
+  bool Find(const Point& point) const {
+    const BoostPoint at(point[0], point[1], point[2]);
+    return tree_.qbegin(bg::index::intersects(at)) != tree_.qend();
+  }
+
+ private:
+  using BoostPoint = bg::model::point<double, 3, bg::cs::cartesian>;
+  struct Place {
+    using result_type = BoostPoint;
+    BoostPoint operator()(const Point* item) const { return {(*item)[0], (*item)[1], (*item)[2]}; }
+  };
+
+  static std::vector<const Point*> items_of(const Points& points) {
+    std::vector<const Point*> items;
+    for (const Point& point : points) items.push_back(&point);
+    return items;
+  }
+
+  bg::index::rtree<const Point*, bg::index::quadratic<16>, Place> tree_;
+};
 #endif
 
 #if defined(NANOFLANN_VERSION)
@@ -298,6 +323,8 @@ ORX_BENCH_TREE(find_beyond, NearOctree);
 ORX_BENCH_TREE(build, RTree);
 ORX_BENCH_TREE(build, GrownRTree);
 ORX_BENCH_TREE(find, RTree);
+ORX_BENCH_TREE(build, RTreeOfItems);
+ORX_BENCH_TREE(find, RTreeOfItems);
 ORX_BENCH_TREE(visit, RTree);
 #endif
 #if defined(NANOFLANN_VERSION)
