@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <new>
+#include <utility>
 
 namespace orx::cli {
 namespace {
@@ -16,72 +17,86 @@ constexpr int kPointsInLeaf = 12;
 
 using Number = std::uint32_t;  // of a point or of a line
 
-// An end of a segment as the octree takes it. All heights are 0, at the bottom of the root: were they in the
-// middle, every search would look on both sides of every dividing plane.
-struct End {
+// A point as the octree takes it. All heights are 0, at the bottom of the root: were they in the middle,
+// every search would look on both sides of every dividing plane.
+struct Joint {
   double across, up, height;
-  double reach;
-  Number point;
+  Number number;
 };
 
-int matches(void* a, void* b) {
+struct End : Joint {
+  double reach;
+};
+
+int joins(void* a, void* b) {
   const End& end = *static_cast<const End*>(a);
-  const End& other = *static_cast<const End*>(b);
-  const double across = end.across - other.across;
-  const double up = end.up - other.up;
+  const Joint& joint = *static_cast<const Joint*>(b);
+  const double across = end.across - joint.across;
+  const double up = end.up - joint.up;
   return across * across + up * up <= end.reach * end.reach ? 1 : 0;
 }
 
 int octant_of(void* item, double across, double up, double height) {
-  const End& end = *static_cast<const End*>(item);
-  return (end.across < across ? 1 : 0) | (end.up < up ? 2 : 0) | (end.height < height ? 4 : 0);
+  const Joint& joint = *static_cast<const Joint*>(item);
+  return (joint.across < across ? 1 : 0) | (joint.up < up ? 2 : 0) | (joint.height < height ? 4 : 0);
 }
+
+// The points in which segments meet.
+class Joints {
+ public:
+  Joints(const std::vector<Segment>& segments, const Point& across, const Point& up, double tolerance)
+      : across_(across), up_(up), tolerance_(tolerance) {
+    bbox box;
+    bbox_init(&box);
+    for (const Segment& segment : segments) {
+      for (const Point& point : segment) bbox_update_from_xyz(&box, dot(point, across_), dot(point, up_), 0);
+    }
+    const double size = std::max(box.max[0] - box.min[0], box.max[1] - box.min[1]);
+    tree_.SetFunctions(joins, octant_of, nullptr);
+    tree_.SetPointLimit(kPointsInLeaf);
+    tree_.SetTolerance(tolerance);
+    if (!tree_.Init(box.min[0], box.min[1], 0, box.max[0], box.max[1], size, 0)) throw std::bad_alloc();
+    joints_.reserve(segments.size() * 2);  // the tree has their addresses
+  }
+
+  Number number_of(const Point& point) {
+    End end{{dot(point, across_), dot(point, up_), 0, static_cast<Number>(points_.size())}, tolerance_};
+    const auto* const found = static_cast<const Joint*>(tree_.FindNode(&end));
+    if (found != nullptr) return found->number;
+    tree_.AddNode(&joints_.emplace_back(end));
+    points_.push_back(point);
+    return end.number;
+  }
+
+  std::vector<Point> take_points() {
+    // The tree tells in no other way that it had no memory for a point.
+    if (static_cast<std::size_t>(tree_.GetCount()) != points_.size()) throw std::bad_alloc();
+    return std::move(points_);
+  }
+
+ private:
+  Point across_;
+  Point up_;
+  double tolerance_;
+  CORXOcTreeNode tree_;
+  std::vector<Joint> joints_;
+  std::vector<Point> points_;
+};
 
 struct Network {
   std::vector<Point> points;
   std::vector<std::array<Number, 2>> lines;  // the lower point first
 };
 
-std::vector<End> ends_of(const std::vector<Segment>& segments, const Point& across, const Point& up,
-                         double tolerance) {
-  std::vector<End> ends;
-  ends.reserve(segments.size() * 2);
-  for (const Segment& segment : segments) {
-    for (const Point& point : segment) ends.push_back({dot(point, across), dot(point, up), 0, tolerance, 0});
-  }
-  return ends;
-}
-
-void plant(CORXOcTreeNode& tree, const std::vector<End>& ends, double tolerance) {
-  bbox box;
-  bbox_init(&box);
-  for (const End& end : ends) bbox_update(&box, &end.across);
-  const double size = std::max(box.max[0] - box.min[0], box.max[1] - box.min[1]);
-  tree.SetFunctions(matches, octant_of, nullptr);
-  tree.SetPointLimit(kPointsInLeaf);
-  tree.SetTolerance(tolerance);
-  if (!tree.Init(box.min[0], box.min[1], 0, box.max[0], box.max[1], size, 0)) throw std::bad_alloc();
-}
-
-Network connect(const std::vector<Segment>& segments, std::vector<End> ends, double tolerance,
-                Progress& progress) {
-  CORXOcTreeNode tree;
-  plant(tree, ends, tolerance);
+Network connect(const std::vector<Segment>& segments, Joints& joints, Progress& progress) {
   Network network;
-  for (std::size_t i = 0; i < ends.size(); ++i) {
-    if (i % kSegmentsAtOnce == 0) progress.tell("joining", i, ends.size());
-    const auto* const found = static_cast<const End*>(tree.FindNode(&ends[i]));
-    ends[i].point = found != nullptr ? found->point : static_cast<Number>(network.points.size());
-    if (found == nullptr) {
-      tree.AddNode(&ends[i]);
-      network.points.push_back(segments[i / 2][i % 2]);
-    }
-    if (i % 2 == 0) continue;
-    const auto [low, high] = std::minmax(ends[i - 1].point, ends[i].point);
-    if (low != high) network.lines.push_back({low, high});
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    if (i % kSegmentsAtOnce == 0) progress.tell("joining", i, segments.size());
+    const Number first = joints.number_of(segments[i][0]);
+    const Number second = joints.number_of(segments[i][1]);
+    if (first != second) network.lines.push_back({std::min(first, second), std::max(first, second)});
   }
-  // The tree tells in no other way that it had no memory for a point.
-  if (static_cast<std::size_t>(tree.GetCount()) != network.points.size()) throw std::bad_alloc();
+  network.points = joints.take_points();
   std::ranges::sort(network.lines);
   network.lines.erase(std::unique(network.lines.begin(), network.lines.end()), network.lines.end());
   return network;
@@ -149,7 +164,8 @@ class Walker {
 
 std::vector<Polyline> join(const std::vector<Segment>& segments, const Point& across, const Point& up,
                            double tolerance, Progress& progress) {
-  const Network network = connect(segments, ends_of(segments, across, up, tolerance), tolerance, progress);
+  Joints joints(segments, across, up, tolerance);
+  const Network network = connect(segments, joints, progress);
   return Walker(network).walk();
 }
 
