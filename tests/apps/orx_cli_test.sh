@@ -390,6 +390,7 @@ while read -r length plane; do
   [[ $(< cube.svg) == *">Würfel &lt;1> &amp; 2.obj: 1 polyline, length $length<"*'class="section" d="M'*Z*'</svg>' ]] || fail "section: $plane"
 done << 'END'
 4.00000 0,0,.5,1,0,.5,0,1,.5
+4.00000 0,0,0,1,0,0,0,1,0
 4.00000 0,0,1,1,0,1,0,1,1
 4.00000 0,0,0,0,7e6,0,7e6,0,0
 4.00000 7000000.1,0,0,7000000.1,1,0,7000000.1,0,1
