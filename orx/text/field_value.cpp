@@ -64,9 +64,10 @@ int read_angle(const Field& field) {
 int read_nothing(const Field&) { return 0; }
 
 int read_text(const Field& field) {
-  const auto room = static_cast<std::size_t>(field.size) - 1;
-  std::memcpy(field.dst, field.text, strnlen(field.text, room));
-  return strnlen(field.text, room + 1) > room ? kCut : 0;
+  const auto size = static_cast<std::size_t>(field.size);
+  const std::size_t length = strnlen(field.text, size);
+  std::memcpy(field.dst, field.text, std::min(length, size - 1));
+  return length < size ? 0 : kCut;
 }
 
 int read_yes_no(const Field& field) {
