@@ -5,6 +5,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <system_error>
 
 #include "commands.h"
 #include "failure.h"
@@ -64,6 +65,14 @@ void write_json(std::ostream& out, const Section& section) {
   out << "\n  ]\n}\n";
 }
 
+void keep_surface(const Arguments& arguments) {
+  if (!arguments.svg) return;
+  std::error_code unknown;  // the drawing need not exist
+  if (std::filesystem::equivalent(native_path(arguments.file), native_path(*arguments.svg), unknown)) {
+    throw Failure(arguments.file, "it would be written over by --svg");
+  }
+}
+
 struct Cut {
   Section section;
   std::string length;  // with the decimals that the tolerance leaves it
@@ -90,6 +99,7 @@ std::string title_of(const Arguments& arguments, const Cut& cut) {
 }  // namespace
 
 void section(const Arguments& arguments, std::ostream& out) {
+  keep_surface(arguments);
   const Cut cut = cut_file(arguments);
   if (arguments.svg) replace_file(*arguments.svg, draw(cut.section, title_of(arguments, cut)));
   if (arguments.format == Format::kJson) return write_json(out, cut.section);

@@ -401,6 +401,7 @@ END
 section() { row "$1" "$2" "$3" section part.obj --plane "${@:4}"; }
 cube 0 > part.obj
 section 0 $'{\n  "Length": 4,\n*"Closed": true, "Length": 4, "Points": \[\[1, 0, 0.5\], *' '' 0,0,.5,1,0,.5,0,1,.5 --json
+unchanged part.obj section 1 '' 'orx: part.obj: it would be written over by --svg' 0,0,.5,1,0,.5,0,1,.5 --svg ./part.obj
 for plane in 0,0,1.01,1,0,1.01,0,1,1.01 1,-1,0,-1,1,0,0,-1,1; do # beside it; through one corner
   unchanged cube.svg section 1 '' 'orx: part.obj: the plane cuts nothing of it' $plane --svg cube.svg
 done
