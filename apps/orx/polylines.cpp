@@ -145,7 +145,7 @@ class Walker {
       const auto [low, high] = network_.lines[line];
       point = point == low ? high : low;
       const Point step = network_.points[point] - polyline.points.back();
-      polyline.length += std::sqrt(dot(step, step));
+      polyline.length += length_of(step);
       polyline.points.push_back(network_.points[point]);
       if (!goes_on(point)) break;
       const std::size_t first = first_[point];

@@ -9,14 +9,9 @@ namespace orx::cli {
 namespace {
 
 constexpr std::size_t kFacesAtOnce = 1 << 16;
+constexpr double kSlack = 1e-6;       // of boxes, in the unit of the surface
 constexpr double kLeastDip = 1e-6;    // of a plane that is not horizontal
 constexpr double kLeastAngle = 1e-9;  // of directions that are not the same
-
-double length_of(const Point& vector) { return std::sqrt(dot(vector, vector)); }
-
-double diagonal_of(const bbox& box) {
-  return length_of({box.max[0] - box.min[0], box.max[1] - box.min[1], box.max[2] - box.min[2]});
-}
 
 cutplane plane_through(const Seeds& seeds) {
   const auto& [p1, p2, p3] = seeds;
@@ -40,47 +35,43 @@ Frame frame_of(const cutplane& cut, const Seeds& seeds) {
 }
 
 // In the same direction whichever face asks, so that both faces of an edge get the same bits.
-bool meet(cutplane& cut, const Point& a, const Point& b, Point& met) {
+Point meeting_of(cutplane& cut, const Point& a, const Point& b) {
   const bool is_turned = std::tie(b.x, b.y, b.z) < std::tie(a.x, a.y, a.z);
   const Point& from = is_turned ? b : a;
   const Point& to = is_turned ? a : b;
   cutplane_seed_line_segment(&cut, from.x, from.y, from.z, to.x, to.y, to.z);
-  return cutplane_intersect_segment(&cut, &met.x, &met.y, &met.z) == 1;
+  Point met = from;
+  cutplane_intersect_segment(&cut, &met.x, &met.y, &met.z);
+  return met;
 }
 
-bool lies_in(const cutplane& cut, const Point& point) {
-  return std::fabs(cutplane_distance_to_point(&cut, point.x, point.y, point.z)) <= CUTPLANE_TOLERANCE;
+// 1 above the plane, -1 below, 0 in it.
+int side_of(const cutplane& cut, const Point& point) {
+  const double distance = cutplane_distance_to_point(&cut, point.x, point.y, point.z);
+  return (distance > CUTPLANE_TOLERANCE ? 1 : 0) - (distance < -CUTPLANE_TOLERANCE ? 1 : 0);
 }
 
 using Face = std::array<Point, 3>;
 
-// Two edges that meet the plane at a common corner may do so at points that differ by little; of three points
-// those count that are farthest apart.
+// The sides of the corners alone decide which edges are cut, so that all faces of a corner agree. An edge
+// between both sides is too short to pass for parallel.
 std::optional<Segment> cut_face(cutplane& cut, const Face& face) {
-  const auto in_plane = [&](const Point& corner) { return lies_in(cut, corner); };
-  if (std::ranges::all_of(face, in_plane)) return {};
+  const std::array sides = {side_of(cut, face[0]), side_of(cut, face[1]), side_of(cut, face[2])};
   Face met;
   std::size_t count = 0;
   for (std::size_t i = 0; i < 3; ++i) {
-    if (meet(cut, face[i], face[(i + 1) % 3], met[count])) ++count;
+    const std::size_t next = (i + 1) % 3;
+    if (sides[i] == 0) met[count++] = face[i];
+    if (sides[i] * sides[next] < 0) met[count++] = meeting_of(cut, face[i], face[next]);
   }
-  std::optional<Segment> segment;
-  double longest = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    for (std::size_t j = 0; j < i; ++j) {
-      const double length = length_of(met[i] - met[j]);
-      if (length > longest) segment = {met[j], met[i]};
-      longest = std::max(longest, length);
-    }
-  }
-  return segment;
+  if (count != 2) return {};
+  return Segment{met[0], met[1]};
 }
 
-std::vector<Segment> cut_faces(const TriangleSurface& surface, cutplane& cut, double slack,
-                               Progress& progress) {
+std::vector<Segment> cut_faces(const TriangleSurface& surface, cutplane& cut, Progress& progress) {
   std::vector<Segment> segments;
   bbox reach = cut.plane_bbox;
-  bbox_expand(&reach, slack);
+  bbox_expand(&reach, kSlack);
   for (std::size_t i = 0; i < surface.triangles.size(); ++i) {
     if (i % kFacesAtOnce == 0) progress.tell("cutting", i, surface.triangles.size());
     bbox box;
@@ -88,7 +79,7 @@ std::vector<Segment> cut_faces(const TriangleSurface& surface, cutplane& cut, do
     for (const std::uint32_t corner : surface.triangles[i]) bbox_update(&box, &surface.points[corner].x);
     if (bboxes_intersect(&box, &reach) == 0) continue;
     // Rounding must not part a face from the plane that it touches.
-    bbox_expand(&box, slack);
+    bbox_expand(&box, kSlack);
     if (cutplane_intersects_bbox(&cut, &box) == 0) continue;
     const auto& [a, b, c] = surface.triangles[i];
     const auto segment = cut_face(cut, {surface.points[a], surface.points[b], surface.points[c]});
@@ -105,11 +96,15 @@ std::vector<Point> outline_of(cutplane& cut, const bbox& box) {
   return outline;
 }
 
-void move(Section& section, const Point& origin) {
-  section.frame.origin = section.frame.origin + origin;
-  for (Point& point : section.outline) point = point + origin;
+// Into the coordinates of the file.
+void restore(Section& section, const TriangleSurface& surface) {
+  const auto place = [&](Point& point) { point = surface.unit * point + surface.origin; };
+  place(section.frame.origin);
+  std::ranges::for_each(section.outline, place);
   for (Polyline& polyline : section.polylines) {
-    for (Point& point : polyline.points) point = point + origin;
+    std::ranges::for_each(polyline.points, place);
+    polyline.length *= surface.unit;
+    section.length += polyline.length;
   }
 }
 
@@ -120,22 +115,23 @@ bool are_spread(const Seeds& seeds) {
   return plane_through(seeds).normal_len > kLeastAngle * sides;
 }
 
-double usual_tolerance(const TriangleSurface& surface) { return diagonal_of(surface.box) / 1e6; }
+double usual_tolerance(const TriangleSurface& surface) {
+  return surface.unit * diagonal_of(surface.box) / 1e6;
+}
 
 Section cut_surface(const TriangleSurface& surface, Seeds seeds, double tolerance, Progress& progress) {
-  for (Point& seed : seeds) seed = seed - surface.origin;
+  for (Point& seed : seeds) seed = 1 / surface.unit * (seed - surface.origin);
   cutplane cut = plane_through(seeds);
   cutplane_normalize(&cut);
   Section section{frame_of(cut, seeds), {}, {}, 0};
-  const double slack = usual_tolerance(surface) + 2 * CUTPLANE_TOLERANCE;
   bbox box = surface.box;
-  bbox_expand(&box, slack);
+  bbox_expand(&box, kSlack);
   if (cutplane_set_plane_bbox(&cut, &box) != 0) return section;
   section.outline = outline_of(cut, box);
-  const std::vector<Segment> segments = cut_faces(surface, cut, slack, progress);
-  section.polylines = join(segments, section.frame.across, section.frame.up, tolerance, progress);
-  for (const Polyline& polyline : section.polylines) section.length += polyline.length;
-  move(section, surface.origin);
+  const std::vector<Segment> segments = cut_faces(surface, cut, progress);
+  section.polylines =
+      join(segments, section.frame.across, section.frame.up, tolerance / surface.unit, progress);
+  restore(section, surface);
   return section;
 }
 

@@ -18,6 +18,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr double kFarthest = BBOX_EMPTY_MIN;  // where boxes end
 constexpr std::size_t kLinesAtOnce = 1 << 16;
 constexpr std::size_t kLongestWord = 40;
+constexpr int kLeastExponent = -100;  // of the unit; the seeds of a plane are in it too, and then multiplied
 
 // One pass over a text that ends with a NUL, as that of a string does.
 class Reader {
@@ -101,7 +102,8 @@ class Reader {
   double read_coordinate() {
     if (!has_word()) fail("a vertex has three coordinates");
     double value = 0;
-    const auto [rest, error] = std::from_chars(at_ + (*at_ == '+' ? 1 : 0), end_, value);
+    const bool has_plus = *at_ == '+' && at_[1] != '-';
+    const auto [rest, error] = std::from_chars(at_ + (has_plus ? 1 : 0), end_, value);
     if (error != std::errc{} || !ends_word(rest) || !(std::fabs(value) <= kFarthest)) {
       fail_word("no number between -1e15 and 1e15");
     }
@@ -156,12 +158,15 @@ void enclose(TriangleSurface& surface) {
 }
 
 // Whole numbers keep the decimals of the coordinates as they are.
-void move_to_origin(TriangleSurface& surface) {
+void normalize(TriangleSurface& surface) {
   enclose(surface);
   const auto& [min, max] = surface.box;
   surface.origin = {std::round((min[0] + max[0]) / 2), std::round((min[1] + max[1]) / 2),
                     std::round((min[2] + max[2]) / 2)};
-  for (Point& point : surface.points) point = point - surface.origin;
+  int exponent = 0;
+  std::frexp(diagonal_of(surface.box), &exponent);
+  surface.unit = std::ldexp(1, std::max(exponent, kLeastExponent));
+  for (Point& point : surface.points) point = 1 / surface.unit * (point - surface.origin);
   enclose(surface);
 }
 
@@ -170,7 +175,7 @@ void move_to_origin(TriangleSurface& surface) {
 TriangleSurface read_surface(const std::string& file, Progress& progress) {
   const std::string text = read_file(file);
   TriangleSurface surface = Reader(file, text).read(progress);
-  move_to_origin(surface);
+  normalize(surface);
   return surface;
 }
 

@@ -9,6 +9,7 @@
 #include <orx/geometry/bounding_box.h>
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -28,11 +29,18 @@ constexpr Point operator*(double factor, const Point& a) {
   return {factor * a.x, factor * a.y, factor * a.z};
 }
 constexpr double dot(const Point& a, const Point& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+inline double length_of(const Point& a) { return std::sqrt(dot(a, a)); }
+inline double diagonal_of(const bbox& box) {
+  return length_of({box.max[0] - box.min[0], box.max[1] - box.min[1], box.max[2] - box.min[2]});
+}
 
 // The points and the box are relative to the origin, which lies among them: coordinates in the millions of
-// metres would leave no digits for what is computed from them.
+// metres would leave no digits for what is computed from them. They are in a unit, a power of two, in which
+// the diagonal of the box is shorter than 1 and no less than a half: so a tolerance means the same for all
+// sizes.
 struct TriangleSurface {
   Point origin;
+  double unit;
   bbox box;
   std::vector<Point> points;
   std::vector<std::array<std::uint32_t, 3>> triangles;

@@ -409,6 +409,14 @@ section 2 '' 'orx: --plane: the three points lie in a line*' 7e6,7e6,0,7000001,7
 section 2 '' 'orx: --plane: three points are nine numbers*' 0,0,0,1,0,0,0,1
 section 2 '' "orx: --plane: '1x' is no number*" 0,0,0,1,0,0,0,1x,0
 section 2 '' 'orx: --tolerance: it is less than 0*' 0,0,0,1,0,0,0,1,0 --tolerance -1
+# tetrahedra: one no larger than a tolerance; one with a corner hardly off the plane, on edges both steep and flat
+while read -r top right back front plane; do
+  { printf 'v %s\n' "${top//,/ }" "${right//,/ }" "${back//,/ }" "${front//,/ }"; printf 'f %s\n' '1 2 3' '1 3 4' '1 4 2' '2 4 3'; } > part.obj
+  section 0 $'Polylines  1\nClosed     1\nLength     *' '' "$plane"
+done << 'END'
+0,0,1e-9 1e-9,0,0 0,1e-9,0 0,0,0 0,0,5e-10,1,0,5e-10,0,1,5e-10
+0,0,5e-9 1,0,-1e-5 0,1,1 0,-1,1e-5 0,0,0,1,0,0,0,1,0
+END
 # three faces at an edge, and a fourth beside one of them
 printf 'v %s\n' '0 0 0' '0 0 2' '1 0 0' '0 1 0' '-1 0 0' '1.01 0 0' '1.01 0 2' '2 0 0' > part.obj
 printf 'f %s\n' '1 2 3' '1 2 4' '1 2 5' '6 7 8' >> part.obj
@@ -422,6 +430,7 @@ it has no faces|
 line 4: a vertex has three coordinates|v 1 2\nv 3 4 5
 line 5: '1,5' is no number*|\nv 1,5 2 3
 line 4: 'nan' is no number*|v 0 0 nan
+line 4: '+-1' is no number*|v 0 0 +-1
 line 4: '1e16' is no number*|v 0 0 1e16
 line 5: a face has three corners*|f 1 \\\n 2
 line 4: '2.5' is no number of a vertex|f 1 2.5 3
