@@ -27,8 +27,12 @@ struct Range {
 constexpr Pair kMost = {960, 600};   // of the section
 constexpr Pair kLeast = {460, 120};  // of the plot, so that there is room for the texts around it
 constexpr double kPad = 14;          // from the section to the frame of the plot
-constexpr double kLeft = 100, kRight = 32, kTop = 64, kBottom = 92;
+constexpr double kTop = 64, kBottom = 92;
+constexpr double kLeastLeft = 100, kLeastRight = 32;
+constexpr double kBesideUp = 44;  // for the name of the axis and the gaps beside its numbers
+constexpr double kLetter = 7.7, kTitleLetter = 10;
 constexpr Pair kBetweenTicks = {90, 28};
+constexpr double kBetweenNumbers = 14;
 constexpr double kLongestBar = 180;
 constexpr double kDetail = 0.2;  // what is nearer to what is drawn is not drawn
 
@@ -77,6 +81,22 @@ struct Axis {
   double rate;
 };
 
+// Where along the plot a round value lies.
+struct Tick {
+  double at;
+  std::string value;
+};
+
+double room_for(const std::string& text, double letter) {
+  return letter * static_cast<double>(width_of(text));
+}
+
+double room_for(const std::vector<Tick>& ticks) {
+  double most = 0;
+  for (const Tick& tick : ticks) most = std::max(most, room_for(tick.value, kLetter));
+  return most;
+}
+
 class Drawing {
  public:
   explicit Drawing(const Section& section) : section_(section), frame_(section.frame) {
@@ -88,16 +108,31 @@ class Drawing {
     scale_ = std::min(kMost.x / across_.size(), kMost.y / up_.size());
     width_ = std::max(kLeast.x, across_.size() * scale_ + 2 * kPad);
     height_ = std::max(kLeast.y, up_.size() * scale_ + 2 * kPad);
+    across_axis_ = frame_.is_horizontal ? Axis{"x", frame_.origin.x, 1} : Axis{"distance", -across_.low, 1};
+    up_axis_ = frame_.is_horizontal ? Axis{"y", frame_.origin.y, 1}
+                                    : Axis{"elevation", frame_.origin.z, frame_.up.z};
+    const auto divide_across = [&](double between) {
+      across_ticks_ = divide(across_axis_, across_.middle(), width_, between);
+      return room_for(across_ticks_);
+    };
+    const double widest = divide_across(kBetweenTicks.x);
+    divide_across(std::max(kBetweenTicks.x, widest + kBetweenNumbers));
+    up_ticks_ = divide(up_axis_, up_.middle(), height_, kBetweenTicks.y);
+    left_ = std::max(kLeastLeft, kBesideUp + room_for(up_ticks_));
+    right_ = std::max(kLeastRight, widest / 2);
   }
 
   std::string draw(const std::string& title) {
-    svg_ = R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" + fixed(kLeft + width_ + kRight, 0) +
-           R"(" height=")" + fixed(kTop + height_ + kBottom, 0) + "\">\n" + kStyle;
-    text("title", kLeft, 28, title);
-    text("", kLeft, 48, about_plane());
+    const std::string subtitle = about_plane();
+    const double right =
+        std::max({width_ + right_, room_for(title, kTitleLetter), room_for(subtitle, kLetter)});
+    svg_ = R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" + fixed(left_ + right, 0) + R"(" height=")" +
+           fixed(kTop + height_ + kBottom, 0) + "\">\n" + kStyle;
+    text("title", left_, 28, title);
+    text("", left_, 48, subtitle);
     draw_across();
     draw_up();
-    svg_ += "<rect class=\"frame\" x=\"" + fixed(kLeft, 0) + "\" y=\"" + fixed(kTop, 0) + "\" width=\"" +
+    svg_ += "<rect class=\"frame\" x=\"" + fixed(left_, 0) + "\" y=\"" + fixed(kTop, 0) + "\" width=\"" +
             fixed(width_, 2) + "\" height=\"" + fixed(height_, 2) + "\"/>\n";
     draw_outline();
     draw_polylines();
@@ -113,21 +148,28 @@ class Drawing {
 
   Pair on_page(const Point& point) const {
     const Pair at = in_plane(point);
-    return {kLeft + width_ / 2 + (at.x - across_.middle()) * scale_,
+    return {left_ + width_ / 2 + (at.x - across_.middle()) * scale_,
             kTop + height_ / 2 - (at.y - up_.middle()) * scale_};
   }
 
   // To a tenth of a pixel.
   std::string shown(double value) const { return fixed(value, decimals_of(0.1 / scale_)); }
 
-  bool is_vertical() const { return frame_.up.z > kVertical; }
-
   std::string about_plane() const {
     if (frame_.is_horizontal) return "Horizontal, elevation " + shown(frame_.origin.z);
     const double degrees = std::atan2(frame_.across.x, frame_.across.y) * kDegrees;
     const double dip = std::asin(std::min(frame_.up.z, 1.0)) * kDegrees;
-    const std::string plane = is_vertical() ? "Vertical" : "Dip " + fixed(dip, 1) + "°";
-    return plane + ", left to right towards " + fixed(degrees < 0 ? degrees + 360 : degrees, 1) + "°";
+    const bool is_vertical = frame_.up.z > kVertical;
+    const std::string plane = is_vertical ? "Vertical" : "Dip " + fixed(dip, 1) + "°";
+    return plane + ", left to right towards " + fixed(degrees < 0 ? degrees + 360 : degrees, 1) + "°" +
+           (is_vertical ? about_ends() : "");
+  }
+
+  // Where the section begins and ends on the map.
+  std::string about_ends() const {
+    const auto distance = [this](const Point& point) { return in_plane(point).x; };
+    const auto [left, right] = std::ranges::minmax(section_.outline, {}, distance);
+    return ", from " + shown(left.x) + ", " + shown(left.y) + " to " + shown(right.x) + ", " + shown(right.y);
   }
 
   void text(const std::string& style, double x, double y, const std::string& words) {
@@ -139,51 +181,38 @@ class Drawing {
     svg_ += std::string("<path class=\"") + style + "\" d=\"" + commands + "\"/>\n";
   }
 
-  // Calls mark(share of the axis, text) for round values along it.
-  template <class Mark>
-  void divide(const Axis& axis, double middle, double length, double between, Mark mark) const {
+  std::vector<Tick> divide(const Axis& axis, double middle, double length, double between) const {
     const double rate = axis.rate / scale_;
     const double low = axis.start + axis.rate * middle - rate * length / 2;
     double step = round_length(rate * between);
     if (step < rate * between) step = round_length(2.5 * step);
     const double first = std::ceil(low / step);
     const int count = static_cast<int>(std::floor(low / step + rate * length / step - first)) + 1;
+    std::vector<Tick> ticks;
     for (int i = 0; i < count; ++i) {
       const double value = (first + i) * step;
-      mark((value - low) / rate, fixed(value, decimals_of(step)));
+      ticks.push_back({(value - low) / rate, fixed(value, decimals_of(step))});
     }
+    return ticks;
   }
 
   void draw_across() {
-    const Axis axis =
-        frame_.is_horizontal ? Axis{"x", frame_.origin.x, 1} : Axis{"distance", -across_.low, 1};
     const double bottom = kTop + height_;
-    divide(axis, across_.middle(), width_, kBetweenTicks.x, [&](double x, const std::string& value) {
-      path("grid", "M" + pixels(kLeft + x, kTop) + "V" + fixed(bottom, 2));
-      text("middle", kLeft + x, bottom + 17, value);
-    });
-    text("middle", kLeft + width_ / 2, bottom + 38, axis.name);
-    if (is_vertical()) draw_ends(bottom + 38);
-  }
-
-  // Where the section begins and ends on the map.
-  void draw_ends(double y) {
-    const auto by_distance = [this](const Point& a, const Point& b) { return in_plane(a).x < in_plane(b).x; };
-    const auto [left, right] = std::ranges::minmax(section_.outline, by_distance);
-    text("", kLeft, y, shown(left.x) + ", " + shown(left.y));
-    text("end", kLeft + width_, y, shown(right.x) + ", " + shown(right.y));
+    for (const auto& [x, value] : across_ticks_) {
+      path("grid", "M" + pixels(left_ + x, kTop) + "V" + fixed(bottom, 2));
+      text("middle", left_ + x, bottom + 17, value);
+    }
+    text("middle", left_ + width_ / 2, bottom + 38, across_axis_.name);
   }
 
   void draw_up() {
-    const Axis axis = frame_.is_horizontal ? Axis{"y", frame_.origin.y, 1}
-                                           : Axis{"elevation", frame_.origin.z, frame_.up.z};
     const double bottom = kTop + height_;
-    divide(axis, up_.middle(), height_, kBetweenTicks.y, [&](double y, const std::string& value) {
-      path("grid", "M" + pixels(kLeft, bottom - y) + "H" + fixed(kLeft + width_, 2));
-      text("end", kLeft - 8, bottom - y + 4, value);
-    });
+    for (const auto& [y, value] : up_ticks_) {
+      path("grid", "M" + pixels(left_, bottom - y) + "H" + fixed(left_ + width_, 2));
+      text("end", left_ - 8, bottom - y + 4, value);
+    }
     svg_ += "<text class=\"middle\" transform=\"translate(26 " + fixed(kTop + height_ / 2, 1) +
-            ") rotate(-90)\">" + axis.name + "</text>\n";
+            ") rotate(-90)\">" + up_axis_.name + "</text>\n";
   }
 
   void draw_outline() {
@@ -221,9 +250,9 @@ class Drawing {
 
   void draw_bar() {
     const double length = round_length(kLongestBar / scale_);
-    const double right = kLeft + length * scale_;
+    const double right = left_ + length * scale_;
     const double y = kTop + height_ + 70;
-    path("bar", "M" + pixels(kLeft, y - 5) + "v5H" + fixed(right, 2) + "v-5");
+    path("bar", "M" + pixels(left_, y - 5) + "v5H" + fixed(right, 2) + "v-5");
     text("", right + 8, y + 1, fixed(length, decimals_of(length)));
   }
 
@@ -234,6 +263,9 @@ class Drawing {
   double scale_;  // pixels for a length of 1
   double width_;  // of the plot
   double height_;
+  double left_, right_;  // the margins
+  Axis across_axis_, up_axis_;
+  std::vector<Tick> across_ticks_, up_ticks_;
   std::string svg_;
 };
 
