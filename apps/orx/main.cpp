@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -75,6 +76,8 @@ int main(int argc, char** argv) {
     return complain(std::string(error.what()) + " (see orx --help)", kWrongUsage);
   } catch (const CAtlException& error) {
     return complain(error.m_hr == E_OUTOFMEMORY ? "out of memory" : "an argument cannot be used", kFailed);
+  } catch (const std::bad_alloc&) {
+    return complain("out of memory", kFailed);
   } catch (const std::exception& error) {
     return complain(error.what(), kFailed);
   }

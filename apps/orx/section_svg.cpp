@@ -118,7 +118,7 @@ class Drawing {
     const double widest = divide_across(kBetweenTicks.x);
     divide_across(std::max(kBetweenTicks.x, widest + kBetweenNumbers));
     up_ticks_ = divide(up_axis_, up_.middle(), height_, kBetweenTicks.y);
-    left_ = std::max(kLeastLeft, kBesideUp + room_for(up_ticks_));
+    left_ = std::max(kLeastLeft, std::ceil(kBesideUp + room_for(up_ticks_)));
     right_ = std::max(kLeastRight, widest / 2);
   }
 
