@@ -1,9 +1,13 @@
 #include <orx/geometry/octree.h>
 
+#include <orx/platform/kept_errno.h>
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -29,7 +33,13 @@ constexpr std::int8_t kNeighbours[kOctants][12] = {
 constexpr struct {
   std::int8_t first, count;
 } kNearPlanes[kOctants] = {{0, 0}, {0, 1}, {1, 1}, {3, 3}, {2, 1}, {6, 3}, {9, 3}, {3, 3}};
-constexpr int kNearAll = 7;
+
+// Null when memory runs out.
+template <class T>
+T* allocated(std::size_t count) {
+  const orx::platform::KeptErrno kept;
+  return new (std::nothrow) T[count];
+}
 
 void delete_slots(void** points) {
   if (points != no_items) delete[] points;
@@ -58,6 +68,9 @@ void fetch(void** items, int count) {
 }
 
 int least_size_log2(int slots) { return static_cast<int>(std::bit_width(static_cast<unsigned>(slots - 1))); }
+
+// The index after this one; the host may let the last one overflow.
+int after(int index) { return static_cast<int>(static_cast<unsigned>(index) + 1U); }
 
 bool is_between(double value, double a, double b) {
   return (a < value && value < b) || (b < value && value < a);
@@ -98,9 +111,7 @@ void* CORXOcTreeGeneric::FirstMatch(void* item) const {
 }
 
 void* CORXOcTreeGeneric::FindNode(void* item) {
-  const CORXOcTreeGeneric* node = this;
-  while (node->children != nullptr) node = &node->children[node->OctantOf(item)];
-  return node->FirstMatch(item);
+  return children == nullptr ? FirstMatch(item) : children[OctantOf(item)].FindNode(item);
 }
 
 void* CORXOcTreeGeneric::AddNode(void* item) {
@@ -128,7 +139,7 @@ bool CORXOcTreeGeneric::Append(void* item) {
 }
 
 bool CORXOcTreeGeneric::Resize(int size_log2) {
-  void** const resized = size_log2 < 31 ? new (std::nothrow) void*[std::size_t{1} << size_log2] : nullptr;
+  void** const resized = size_log2 < 31 ? allocated<void*>(std::size_t{1} << size_log2) : nullptr;
   if (resized == nullptr) return false;
   std::copy_n(points, pointCount, resized);
   delete_slots(points);
@@ -159,7 +170,7 @@ void CORXOcTreeGeneric::MakeChild(int child_octant) {
 
 bool CORXOcTreeGeneric::Subdivide() {
   if (!CanSplit()) return false;
-  children = new (std::nothrow) CORXOcTreeGeneric[kOctants];
+  children = allocated<CORXOcTreeGeneric>(kOctants);
   if (children == nullptr) return false;
   for (int i = 0; i < kOctants; ++i) MakeChild(i);
   const Ahead ahead(points, pointCount);
@@ -229,7 +240,7 @@ int CORXOcTreeGeneric::SuperFindNode(void* item) {
 
 void CORXOcTreeGeneric::Iterate(ORXOcTreeVisitFn visit, void* user, int& counter) {
   if (visit == nullptr) return;
-  for (int i = 0; i < pointCount; ++i) visit(counter++, points[i], user);
+  for (int i = 0; i < pointCount; ++i) visit(std::exchange(counter, after(counter)), points[i], user);
   for (int i = 0; children != nullptr && i < kOctants; ++i) {
     if (i + 1 < kOctants) fetch(children[i + 1].points, children[i + 1].pointCount);
     children[i].Iterate(visit, user, counter);
@@ -273,7 +284,7 @@ void* CORXOcTreeNode::Search(const CORXOcTreeGeneric& top, void* item) {
     const double reach = node->tolerance;
     const int planes =
         (reach > std::fabs(x) ? 1 : 0) | (reach > std::fabs(y) ? 2 : 0) | (reach > std::fabs(z) ? 4 : 0);
-    if (planes == kNearAll && reach > std::sqrt(x * x + y * y + z * z)) return SearchAll(*node, item);
+    if (reach > std::sqrt(x * x + y * y + z * z)) return SearchAll(*node, item);
     const CORXOcTreeGeneric* const below = node->children;
     const int own = node->OctantOf(item);
     const auto [first, count] = kNearPlanes[planes];

@@ -6,7 +6,7 @@
 // numbers: an item is where the locating callback puts it.
 //
 // A leaf that cannot split grows instead, and every search in it takes longer: 20 levels below the root
-// (a box of a millionth of the root's extent, where coincident items end up), when on no axis a number lies
+// (a box of a millionth of the root's extent, where coincident items end up), when on no axis the centre lies
 // between the faces of the box, without a locating callback, or when memory is exhausted.
 //
 // Octants are numbered 0 to 7: bit 0 is set on the low side of the centre in x, bit 1 in y, bit 2 in z. On
@@ -15,8 +15,8 @@
 //   SetFunctions -> SetPointLimit, SetTolerance -> Init -> AddNode -> searches and visits -> RemoveAll
 //
 // The items stay the host's, who gets them back through the releasing callback. Callbacks must not change the
-// tree that calls them. Nothing here locks: a tree belongs to one thread at a time, different trees are
-// independent.
+// tree that calls them, and no exception may leave them while items are added or removed. Nothing here locks:
+// a tree belongs to one thread at a time, different trees are independent.
 #pragma once
 
 #include <orx/compat/export.h>
