@@ -129,7 +129,7 @@ void check(CORXOcTreeGeneric& node, int limit, int level = 0) {
 // Coordinates of one kind each, for a box from 0 to 8.
 Items shaped(int shape, std::mt19937& random) {
   std::uniform_real_distribution<double> uniform(0, 8);
-  const double odd[] = {0, -0.0, 4, 8, INFINITY, -INFINITY, NAN, DBL_MAX, DBL_MIN};
+  const double odd[] = {0, -0.0, 4, 8, HUGE_VAL, -HUGE_VAL, NAN, DBL_MAX, DBL_MIN};
   const auto value = [&] {
     if (shape == 1) return 4 + std::round(uniform(random)) / 100 + uniform(random) / 1e4;  // clustered
     if (shape == 2) return std::floor(uniform(random) * 4) / 4;  // on dividing planes, often coincident
@@ -230,7 +230,7 @@ TEST(Octree, GrowsWhereItCannotSplit) {
                {8, 0, true},
                {5, 5, false},
                {1, std::nextafter(1.0, 2), false},
-               {-INFINITY, INFINITY, false},
+               {-HUGE_VAL, HUGE_VAL, false},
                {0, INFINITY, false},
                {DBL_MAX / 1.5, DBL_MAX, false},
                {NAN, 1, false}};
