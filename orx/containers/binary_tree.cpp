@@ -32,7 +32,7 @@ T* either(bool is_first, T* first, T* second) {
   return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(second) ^ (difference & mask));
 }
 
-// So many levels of a tree stay in the cache by themselves.
+// So many levels of a tree stay in the cache by themselves, unless what is fetched needlessly displaces them.
 constexpr std::ptrdiff_t kCachedLevels = 10;
 
 // The two ways down from a node. In the depth of a large tree both are fetched before a comparison decides
@@ -69,13 +69,13 @@ class Path {
     if (order < 0) {
       *++end = &node->left;
       node = node->left;
-    }
-    while (node != nullptr && order != 0) {
-      const Fork fork(*node, end - links_);
-      order = compare(probe, node);
-      if (order == 0) break;
-      *++end = either(order < 0, &node->left, &node->right);
-      node = either(order < 0, fork.left, fork.right);
+      while (node != nullptr) {
+        const Fork fork(*node, end - links_);
+        order = compare(probe, node);
+        if (order == 0) break;
+        *++end = either(order < 0, &node->left, &node->right);
+        node = either(order < 0, fork.left, fork.right);
+      }
     }
     end_ = end;
     return node;

@@ -5,10 +5,10 @@
 // it, and how it cuts a bounding box. The two functions that cut a box work on its edges one by one in the
 // record's own segment, and leave the last edge there with its result.
 //
-// Lengths, and with them `last_t`, are in the caller's units. Results are taken from the described sums as
-// they stand, each product and each sum rounded, on every system to the same bits. Collinear seed points give
-// a plane whose coefficients are all 0: every segment lies in it, no line crosses it, and distances from it
-// are infinite or not a number. A segment of length 0 has no direction; it is taken for parallel.
+// Lengths, and with them `last_t`, are in the caller's units. Each product and each sum is rounded by itself
+// and in a fixed order, so that every system comes to the same bits. Collinear seed points give a plane whose
+// coefficients are all 0: every segment lies in it, no line crosses it, and distances from it are infinite or
+// not a number. A segment of length 0 has no direction; it is taken for parallel.
 //
 // A record may be the caller's own, cleared by cutplane_init, or come from cutplane_new. What a null argument
 // gives, each function says; nothing is written then. Different records may be used by different threads.

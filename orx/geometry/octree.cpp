@@ -22,7 +22,7 @@ void* no_items[1];
 // A row for each octant. Its entries 0, 1, 2 are the octants beyond the x, the y and the z plane; 3 to 5
 // those beyond both the x and the y plane, 6 to 8 beyond x and z, 9 to 11 beyond y and z. The order within a
 // row decides which of several matches is found, and follows no rule.
-constexpr std::int8_t kNeighbours[kOctants][12] = {
+constexpr std::int8_t kOctantNeighbours[kOctants][12] = {
     {1, 2, 4, 1, 2, 3, 1, 5, 4, 2, 6, 4}, {0, 3, 5, 3, 2, 0, 5, 4, 0, 3, 7, 5},
     {3, 0, 6, 3, 1, 0, 3, 6, 7, 6, 4, 0}, {2, 1, 7, 1, 2, 0, 2, 6, 7, 7, 5, 1},
     {5, 6, 0, 5, 6, 7, 0, 1, 5, 6, 2, 0}, {4, 7, 1, 4, 6, 7, 1, 0, 4, 7, 3, 1},
@@ -294,7 +294,7 @@ void* CORXOcTreeNode::Search(const CORXOcTreeGeneric& top, void* item) {
     }
     void* found = Search(below[own], item);
     for (int i = first; found == nullptr && i < first + count; ++i) {
-      found = Search(below[kNeighbours[own][i]], item);
+      found = Search(below[kOctantNeighbours[own][i]], item);
     }
     return found;
   }

@@ -7,9 +7,7 @@
 #include <cctype>
 #include <climits>
 #include <cstdarg>
-#include <cstdint>
 #include <cstring>
-#include <string_view>
 
 namespace {
 
