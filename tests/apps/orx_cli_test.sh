@@ -83,7 +83,7 @@ row 1 '{*"Valid": false,*"Reason": "The database*}' 'orx: broken.qpr: The *' pro
 unchanged broken.qpr row 1 '' 'orx: broken.qpr: The *' project set broken.qpr Coordinates=c
 echo '<QPR>' > torn.qpr
 row 1 '{*"Reason": "?*"*}' 'orx: torn.qpr: ?*' project verify --json torn.qpr
-row 1 $'{*"File": "\uFFFD"*}' $'orx: \xff: *' project verify --json $'\xff'
+row 1 $'{*"File": "\xef\xbf\xbd"*}' $'orx: \xff: *' project verify --json $'\xff'
 row 0 'sql.qpr: valid' '' project verify sql.qpr
 row 0 '{*"Valid": true,*"Reason": null*}' '' project verify --json sql.qpr
 

@@ -33,7 +33,7 @@ TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
   for (const auto& [shared, is_made] : cases) {
     fs::remove_all(folder_.path("c"));
     fs::create_directory(folder_.path("c"));
-    in_new_process([&] {
+    in_new_process([&, &shared = shared, is_made = is_made] {
       EXPECT_EQ(Found(nullptr) + Found(""), "") << "looked for again";
       const std::string found = Found(shared.c_str());
       EXPECT_EQ(found, shared + "\\Halvark\\TESSEL\\6.9.1\\");
@@ -61,7 +61,7 @@ TEST_F(ApplicationData, IsAsItIsConfigured) {
                                                                {longest + "n", REG_SZ, of_public},
                                                                {"", REG_SZ, ""}};
   for (const auto& [value, type, found] : cases) {
-    in_new_process([&] {
+    in_new_process([&, &value = value, type = type, &found = found] {
       const HKEY key =
           Made("Software\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS", HKEY_LOCAL_MACHINE);
       const auto* data = reinterpret_cast<const BYTE*>(value.c_str());
