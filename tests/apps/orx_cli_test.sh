@@ -55,7 +55,7 @@ unchanged bad.qpr row 1 '' 'orx: bad.qpr: The site name cannot be empty.' projec
 # project set: all settings or none
 refused() { unchanged 'jét 1.qpr' row 1 '' "orx: jét 1.qpr: $1" project set 'jét 1.qpr' Coordinates=changed "$2"; }
 refused "a project has no property 'Bogus'" Bogus=1
-refused 'SiteName takes 50 bytes at most, not 51' "siteNAME=$(printf 'x%.0s' {1..51})"
+refused 'SiteName takes 50 characters at most, not 51' "siteNAME=$(printf 'x%.0s' {1..51})"
 refused "SiteDatabasePlatform takes a name*'SQL2'" SiteDatabasePlatform=SQL2
 refused "MajorVersion takes a whole number, not '6x'" MajorVersion=6x
 refused "ReleaseVersion takes a whole number, not '99999999999'" ReleaseVersion=99999999999
