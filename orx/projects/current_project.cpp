@@ -2,6 +2,7 @@
 
 #include <orx/platform/code_page.h>
 #include <orx/platform/file_system.h>
+#include <orx/projects/never_destroyed.h>
 
 #include <cstring>
 #include <exception>
@@ -10,10 +11,10 @@
 
 namespace {
 
-// Made when the library is loaded and not on demand, so that they are still there when the statics of a host
-// go.
-CQPRFile current_project;
-CQPRFile previous_project;
+orx::NeverDestroyed<CQPRFile> current;
+orx::NeverDestroyed<CQPRFile> previous;
+CQPRFile& current_project = current.object;
+CQPRFile& previous_project = previous.object;
 
 constexpr std::size_t kPathCapacity = 260;  // of the hosts' buffers for paths, with the NUL
 constexpr int kLongestMessage = 199;
