@@ -53,6 +53,6 @@ install_packages() {
 }
 
 # shellcheck disable=SC2034  # for the scripts that source this one
-build_packages=(cmake ninja-build g++ libxml2-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev pkg-config)
+build_packages=(cmake ninja-build g++ libxml2-dev libsqlite3-dev libutf8proc-dev libcli11-dev nlohmann-json3-dev pkg-config)
 # shellcheck disable=SC2034
 test_packages=(libgtest-dev)

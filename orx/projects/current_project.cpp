@@ -2,6 +2,7 @@
 
 #include <orx/platform/code_page.h>
 #include <orx/platform/file_system.h>
+#include <orx/projects/never_destroyed.h>
 
 #include <algorithm>
 #include <cstring>
@@ -12,10 +13,10 @@
 
 namespace {
 
-// Made when the library is loaded and not on demand, so that they are still there when the statics of a host
-// go.
-CQPRFile current_project;
-CQPRFile previous_project;
+orx::NeverDestroyed<CQPRFile> current;
+orx::NeverDestroyed<CQPRFile> previous;
+CQPRFile& current_project = current.object;
+CQPRFile& previous_project = previous.object;
 
 // An item as the getters see it. An item that is missing has no text.
 struct Item {

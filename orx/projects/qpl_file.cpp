@@ -1,6 +1,7 @@
 #include <orx/projects/qpl_file.h>
 
 #include <orx/platform/code_page.h>
+#include <orx/projects/never_destroyed.h>
 #include <orx/projects/xml_handle.h>
 
 #include <map>
@@ -39,8 +40,7 @@ auto with_one_exception(Work work) {
   }
 }
 
-// Made when the library is loaded and not on demand, so that it is still there when the statics of a host go.
-CQPLFile project_list;
+orx::NeverDestroyed<CQPLFile> project_list;
 
 }  // namespace
 
@@ -144,4 +144,4 @@ int CQPLFile::GetNextProject(CStringA& name, CStringA& path) {
   return list_->Current(name, path);
 }
 
-CQPLFile* GetQPLInfo() { return &project_list; }
+CQPLFile* GetQPLInfo() { return &project_list.object; }

@@ -85,10 +85,13 @@ int read(const Levels& levels, const char* name, void* buffer, int size) {
     RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
     RegistryKey key;
     LSTATUS status = open_existing(path, key);
+    // A key that is missing has no values, so its values cannot be queried. Another failure to open it is not
+    // reported.
+    const bool is_queried = status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
     if (status == ERROR_SUCCESS && path.is_whole) status = key.Query(name, buffer, static_cast<DWORD>(size));
     const LSTATUS end = transaction.End();
     if (!path.is_whole) return -1;
-    if (status != ERROR_SUCCESS) report_last_error();
+    if (status != ERROR_SUCCESS && is_queried) report_last_error();
     return result_of(status == ERROR_SUCCESS ? end : status);
   });
 }
@@ -137,10 +140,13 @@ int initialise(const Levels& levels, const char* name, const Value& value) {
   });
 }
 
+bool is_empty(const char* text) { return text == nullptr || *text == '\0'; }
+
+// Two empty names would name the product key, which is never removed or emptied.
 template <class Delete>
-int remove(const char* key1, const char* name, Delete delete_key) {
+int remove_key(const char* key1, const char* name, Delete delete_key) {
   return guarded([&] {
-    if (name == nullptr) return -1;
+    if (is_empty(key1) && is_empty(name)) return -1;
     const Path path({key1}, EmptyLevel::kPassedOver);
     return result_of(change(path, [&](const RegistryKey& key) { return delete_key(key, name); }));
   });
@@ -253,11 +259,11 @@ int hvk_RegOpenKey(const char* key1, const char* key2, const char* key3, const c
 int hvk_RegCloseKey(HKEY* key) { return key != nullptr ? result_of(RegCloseKey(*key)) : -1; }
 
 int hvk_RegDeleteKey(const char* key1, const char* name) {
-  return remove(key1, name, [](HKEY key, const char* path) { return RegDeleteKeyA(key, path); });
+  return remove_key(key1, name, [](HKEY key, const char* path) { return RegDeleteKeyA(key, path); });
 }
 
 int hvk_RegSHDeleteKey(const char* key1, const char* name) {
-  return remove(key1, name, [](HKEY key, const char* path) { return SHDeleteKeyA(key, path); });
+  return remove_key(key1, name, [](HKEY key, const char* path) { return SHDeleteKeyA(key, path); });
 }
 
 int hvk_GetChartwrightInstallFolder(char* buffer, int size) {

@@ -125,7 +125,7 @@ TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
       {[] {}, 0}};
   in_new_process([&] {
     halvark_log_debug_init(folder.suite_path("sub\\").c_str());
-    setenv("ORX_DEBUG_OUTPUT", debugger.c_str(), 1);
+    const ScopedVariable destination("ORX_DEBUG_OUTPUT", debugger.c_str());
     ASSERT_NE(std::freopen(out.c_str(), "w", stdout), nullptr);
     for (const auto& [obstacle, result] : obstacles) {
       fs::remove(path);
@@ -139,6 +139,25 @@ TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
   });
   EXPECT_EQ(read_file(out), "host, host, %s\nhost, %s\nhost, %s\nhost, %s\n");
   EXPECT_EQ(read_file(debugger), "%s\n%s\n%s\n%s\n%s\n");
+}
+
+TEST_F(DebugLog, WritesTheLineOfAThreadThatIsCancelled) {
+  in_new_process([&] {
+    halvark_log_debug_init(folder.suite_path("sub").c_str());
+    const auto write_cancelled = [](void* result) -> void* {
+      pthread_cancel(pthread_self());
+      *static_cast<int*>(result) = halvark_log_debug_write("line");
+      pthread_testcancel();
+      return nullptr;
+    };
+    int result = 1;
+    void* end = nullptr;
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, nullptr, write_cancelled, &result), 0);
+    pthread_join(thread, &end);
+    EXPECT_TRUE(result == 0 && end == PTHREAD_CANCELED);
+  });
+  EXPECT_EQ(Content("sub/DEBUG.LOG"), "Hline\r\n");
 }
 
 TEST_F(DebugLog, DeletesOnlyWhatIsInTheCurrentDirectory) {

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <orx/projects/local_settings.h>
+#include <orx/projects/qpl_file.h>
 
 #include <cstring>
 #include <filesystem>
 #include <string>
 
 #include "tests/support/environment.h"
+#include "tests/support/process.h"
 
 using namespace orx::testing;
 
@@ -193,6 +195,20 @@ TEST(LocalSettings, KeepThreeFolders) {
   settings.GetHalvarkProjectsFolder(b);
   settings.GetHalvarkProgFolder(c);
   EXPECT_EQ(a + b + c, "abc");
+}
+
+// Runs when the statics of the process have been destroyed.
+bool is_used_at_end = false;
+[[gnu::destructor]] void use_at_end() {
+  CStringA path;
+  if (is_used_at_end && GetQPLInfo()->GetProject("late", path) != 1) _exit(1);
+}
+
+TEST(ProcessWide, ObjectsMayBeUsedUntilTheProcessHasEnded) {
+  in_new_process([] {
+    is_used_at_end = true;
+    GetQPLInfo()->SetProject("late", "path");
+  });
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <orx/platform/posix/registry_database.h>
+#include <orx/platform/posix/utf8.h>
+#include <tests/support/process.h>
 #include <tests/support/registry.h>
 
 namespace {
@@ -25,6 +27,48 @@ TEST_F(BusySettingsTest, AStoreThatIsLockedFailsWhenPatienceEnds) {
   }
   sqlite3_close(other);
   orx::platform::registry_patience = 10'000;
+}
+
+// Before names were folded by tables of the program, a machine without locale data kept letters outside ASCII
+// as they were.
+TEST_F(BusySettingsTest, AnOlderStoreIsFoldedAnewOnce) {
+  using orx::testing::in_new_process;
+  in_new_process([] {
+    EXPECT_EQ(hvk_RegWriteInt("M\u00FCller", "Sub", nullptr, nullptr, "here", 1), 0);
+    EXPECT_EQ(hvk_RegWriteInt("M\u00FCller", nullptr, nullptr, nullptr, "\u00FC", 2), 0);
+    EXPECT_EQ(hvk_RegWriteInt("Other", nullptr, nullptr, nullptr, "there", 3), 0);
+    EXPECT_EQ(hvk_RegWriteInt("Other", nullptr, nullptr, nullptr, "\u00DC", 4), 0);
+    EXPECT_EQ(hvk_RegWriteInt("Other", "SUB", nullptr, nullptr, "there", 5), 0);
+  });
+  sqlite3* file = nullptr;
+  ASSERT_EQ(sqlite3_open(folder_.path("config/user.db").c_str(), &file), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(file,
+                         "UPDATE key SET name = 'm\u00FCller', folded = 'M\u00FCLLER' WHERE name = 'Other';"
+                         "PRAGMA user_version = 1",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(file);
+  for (int round = 0; round < 2; ++round) {
+    in_new_process([] {
+      const auto number = [](const char* level, const char* name) {
+        int value = 0;
+        return hvk_RegReadInt("M\u00DCLLER", level, nullptr, nullptr, name, &value) == 0 ? value : 0;
+      };
+      EXPECT_EQ(number("sub", "here"), 1);
+      EXPECT_EQ(number("sub", "there"), 5);
+      EXPECT_EQ(number(nullptr, "there"), 3);
+      EXPECT_EQ(number(nullptr, "\u00FC") + number(nullptr, "\u00FC (2)"), 6) << "neither is lost";
+    });
+  }
+}
+
+TEST(SettingsNames, FoldWithoutLocaleData) {
+  orx::testing::in_new_process([] {
+    setenv("LOCPATH", "/nowhere", 1);
+    std::string folded;
+    EXPECT_TRUE(orx::platform::utf8::to_upper("M\u00FCller \u0436 \u00DF", folded));
+    EXPECT_EQ(folded, "M\u00DCLLER \u0416 \u00DF");
+  });
 }
 
 }  // namespace

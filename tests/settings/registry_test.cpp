@@ -125,9 +125,17 @@ TEST_F(SettingsTest, KeysAreDeletedAloneOrWithAllBelow) {
   EXPECT_EQ(hvk_RegSHDeleteKey("A", "B"), 0);
   EXPECT_EQ(sub_keys(Key("A")), Names{});
   EXPECT_EQ(hvk_RegDeleteKey("New", "none"), -1);
-  EXPECT_EQ(hvk_RegDeleteKey(nullptr, nullptr), -1);
-  EXPECT_EQ(hvk_RegSHDeleteKey(nullptr, nullptr), -1);
+  for (const char* key1 : {static_cast<const char*>(nullptr), "", "\\"}) {
+    for (const char* name : {static_cast<const char*>(nullptr), "", "\\"}) {
+      EXPECT_EQ(hvk_RegDeleteKey(key1, name), -1);
+      EXPECT_EQ(hvk_RegSHDeleteKey(key1, name), -1);
+    }
+  }
   EXPECT_EQ(sub_keys(Key()), (Names{"A", "New"})) << "the key to delete from is made";
+  ASSERT_EQ(hvk_RegWriteInt("New", "Sub", nullptr, nullptr, "x", 1), 0);
+  EXPECT_EQ(hvk_RegDeleteKey("New", nullptr), -1);
+  EXPECT_EQ(hvk_RegSHDeleteKey("New", nullptr), 0);
+  EXPECT_EQ(sub_keys(Key("New")), Names{});
   EXPECT_EQ(hvk_RegDeleteKey(nullptr, "a"), 0);
   EXPECT_EQ(sub_keys(Key()), Names{"New"});
 }

@@ -2,6 +2,7 @@
 
 #include <orx/platform/kept_errno.h>
 #include <orx/platform/paths.h>
+#include <orx/platform/posix/cancellation_held.h>
 #include <orx/platform/posix/error_text.h>
 #include <orx/platform/posix/quiet_write.h>
 
@@ -282,6 +283,7 @@ namespace {
 
 bool write_file(const char* path, int how, std::string_view bytes) {
   const KeptErrno kept;
+  const CancellationHeld held;
   const std::string name = system_path(path);
   const int flags = how | O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
   const int file = uninterrupted([&] { return open(name.c_str(), flags, 0666); });

@@ -4,6 +4,7 @@
 #include <orx/platform/posix/environment.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -77,6 +78,10 @@ std::string suite_path(const char* native) {
   return result;
 }
 
-std::string public_folder() { return variable("PUBLIC"); }
+// Not kept: a host may set it until the application data folder is found.
+std::string public_folder() {
+  const char* folder = secure_getenv("PUBLIC");
+  return folder != nullptr ? folder : "";
+}
 
 }  // namespace orx::platform

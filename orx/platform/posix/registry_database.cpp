@@ -2,6 +2,7 @@
 
 #include <orx/platform/debug_output.h>
 #include <orx/platform/posix/error_text.h>
+#include <orx/platform/posix/utf8.h>
 
 #include <sys/stat.h>
 
@@ -18,7 +19,8 @@ int registry_patience = 10'000;
 namespace {
 
 constexpr int kApplicationId = 0x4F525852;  // "ORXR"
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
+constexpr int kLocaleFolding = 1;  // a store whose names were folded by the locale data of the machine
 
 // Names are kept as they were written, and found by a form without letter case. A value goes with its key, a
 // key with its parent. The number of a key is random, so that no other key ever gets it: not after it was
@@ -39,8 +41,33 @@ CREATE TABLE value (
   PRIMARY KEY (key, folded)) WITHOUT ROWID;
 INSERT INTO key VALUES (1, NULL, '', ''), (random() & 0x7FFFFFFFFFFFFFFF, 1, 'Software', 'SOFTWARE');
 PRAGMA application_id = 0x4F525852;
-PRAGMA user_version = 1;
+PRAGMA user_version = 2;
 )";
+
+// Folds the names of an older store anew. Names that are now equal were written as one name on machines with
+// different locale data: their keys become one, with the sub-keys and values of all. Of equal values the one
+// that was folded as now stays; the others get a number after their name, so that nothing is lost.
+constexpr char kBeginFolding[] =
+    "CREATE TEMP TABLE merged (id INTEGER PRIMARY KEY, keeper INTEGER);"
+    "INSERT INTO merged VALUES (1, 1);";
+// One level of keys; repeated until it adds nothing.
+constexpr char kMergeLevel[] =
+    "INSERT INTO merged SELECT key.id, first_value(key.id) OVER"
+    " (PARTITION BY keeper, fold(name) ORDER BY folded = fold(name) DESC, key.id)"
+    " FROM key JOIN merged ON key.parent = merged.id WHERE key.id NOT IN (SELECT id FROM merged)";
+constexpr char kEndFolding[] =
+    "CREATE TEMP TABLE old AS SELECT keeper, name, fold(name) AS folded, type, data, row_number() OVER"
+    " (PARTITION BY keeper, fold(name) ORDER BY folded = fold(name) DESC, key) AS number"
+    " FROM value JOIN merged ON key = id;"
+    "DELETE FROM value;"
+    "INSERT INTO value SELECT keeper, folded, name, type, data FROM old WHERE number = 1;"
+    "INSERT OR IGNORE INTO value SELECT keeper, fold(name || ' (' || number || ')'),"
+    " name || ' (' || number || ')', type, data FROM old WHERE number > 1;"
+    "UPDATE key SET parent = (SELECT keeper FROM merged WHERE merged.id = parent), folded = id WHERE id > 1;"
+    "DELETE FROM key WHERE id IN (SELECT id FROM merged WHERE id <> keeper);"
+    "UPDATE key SET folded = fold(name) WHERE id > 1;"
+    "DROP TABLE old; DROP TABLE merged;"
+    "PRAGMA user_version = 2;";
 
 // EXTRA is full synchronisation, and of the folder too: a journal that comes back after a power cut would
 // undo what was reported as written.
@@ -101,6 +128,21 @@ LSTATUS status_of_system_error(int error) {
   return error == EACCES || error == EPERM || error == EROFS ? ERROR_ACCESS_DENIED : ERROR_REGISTRY_IO_FAILED;
 }
 
+// The SQL function fold(name).
+void fold_in_sql(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
+  const auto* name = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
+  try {
+    std::string folded;
+    if (name != nullptr && utf8::to_upper(name, folded)) {
+      sqlite3_result_text64(context, folded.data(), folded.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    } else {
+      sqlite3_result_value(context, arguments[0]);
+    }
+  } catch (const std::bad_alloc&) {
+    sqlite3_result_error_nomem(context);
+  }
+}
+
 // Many short waits of unequal length, so that each of several writers gets its turn.
 int wait_for_others(void* pointer, int /*count*/) {
   using std::chrono::steady_clock;
@@ -115,6 +157,7 @@ int wait_for_others(void* pointer, int /*count*/) {
 }  // namespace
 
 void RegistryDatabase::Begin(RegistryTransaction::Intent intent) {
+  cancellation_.emplace();
   is_active_ = true;
   is_writing_ = false;
   failure_ = ERROR_SUCCESS;
@@ -164,6 +207,7 @@ LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
   // was found here.
   if (failure_ != ERROR_SUCCESS && failure_ != ERROR_BUSY) Disconnect();
   signals_.reset();
+  cancellation_.reset();
   return failure_;
 }
 
@@ -251,21 +295,45 @@ LSTATUS RegistryDatabase::Open() {
   return failure_;
 }
 
-// Nothing of a file that is not ours is changed; an empty one is new.
+// A file that is not a store is left alone; an empty file becomes one.
 LSTATUS RegistryDatabase::CheckSchema() {
-  const auto is_empty = [this] {
-    Run run(Prepared(Sql::kSchema));
-    if (Found(run) != ERROR_SUCCESS) return false;
-    if (run.Integer(0) == kApplicationId && run.Integer(1) == kSchemaVersion) return false;
-    if (run.Integer(0) == 0 && run.Integer(1) == 0 && run.Integer(2) == 0) return true;
-    const bool is_later = run.Integer(0) == kApplicationId && run.Integer(1) > kSchemaVersion;
-    Fail(ERROR_BADDB, is_later ? "made by a later version" : "not a store of settings");
-    return false;
-  };
-  if (!is_empty()) return failure_;
-  if (Execute("BEGIN IMMEDIATE") != ERROR_SUCCESS) return failure_;
-  if (is_empty()) Execute(kMakeSchema);  // another process may have been first
+  Schema schema = FindSchema();
+  if (schema == Schema::kCurrent || schema == Schema::kUnknown) return failure_;
+  if (sqlite3_get_autocommit(database_.get()) == 0)
+    return failure_;  // an older store that was opened for reading
+  const int error = sqlite3_exec(database_.get(), "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+  // Most names fold as before, so whoever may not write to the machine's store reads it as it is.
+  if ((error & 0xFF) == SQLITE_READONLY && schema == Schema::kOlder) return failure_;
+  if (error != SQLITE_OK) return Fail(error);
+  schema = FindSchema();  // another process may have been first
+  if (schema == Schema::kNone) Execute(kMakeSchema);
+  if (schema == Schema::kOlder) FoldAnew();
   return Execute(failure_ == ERROR_SUCCESS ? "COMMIT" : "ROLLBACK");
+}
+
+RegistryDatabase::Schema RegistryDatabase::FindSchema() {
+  Run run(Prepared(Sql::kSchema));
+  if (Found(run) != ERROR_SUCCESS) return Schema::kUnknown;
+  const std::int64_t application = run.Integer(0);
+  const std::int64_t version = run.Integer(1);
+  if (application == 0 && version == 0 && run.Integer(2) == 0) return Schema::kNone;
+  if (application == kApplicationId && version == kSchemaVersion) return Schema::kCurrent;
+  if (application == kApplicationId && version == kLocaleFolding) return Schema::kOlder;
+  const bool is_later = application == kApplicationId && version > kSchemaVersion;
+  Fail(ERROR_BADDB, is_later ? "made by a later version" : "not a store of settings");
+  return Schema::kUnknown;
+}
+
+LSTATUS RegistryDatabase::FoldAnew() {
+  constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
+  const int error = sqlite3_create_function_v2(database_.get(), "fold", 1, kFlags, nullptr, fold_in_sql,
+                                               nullptr, nullptr, nullptr);
+  if (error != SQLITE_OK) return Fail(error);
+  if (Execute(kBeginFolding) != ERROR_SUCCESS) return failure_;
+  do {
+    if (Execute(kMergeLevel) != ERROR_SUCCESS) return failure_;
+  } while (sqlite3_changes(database_.get()) > 0);
+  return Execute(kEndFolding);
 }
 
 bool RegistryDatabase::HasMoved() const {

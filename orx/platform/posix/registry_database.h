@@ -2,6 +2,7 @@
 #pragma once
 
 #include <orx/compat/hkey.h>
+#include <orx/platform/posix/cancellation_held.h>
 #include <orx/platform/posix/registry_place.h>
 #include <orx/platform/posix/signals_held.h>
 #include <orx/platform/posix/sqlite_connection.h>
@@ -80,6 +81,9 @@ class RegistryDatabase {
   LSTATUS Connect(bool is_made);
   LSTATUS Open();
   LSTATUS CheckSchema();
+  enum class Schema { kUnknown, kNone, kOlder, kCurrent };  // kUnknown is a failure
+  Schema FindSchema();
+  LSTATUS FoldAnew();
   bool HasMoved() const;
   LSTATUS Start(Sql begin);
 
@@ -92,6 +96,7 @@ class RegistryDatabase {
   std::int64_t data_version_ = 0;
 
   bool is_active_ = false;
+  std::optional<CancellationHeld> cancellation_;  // from Begin to End: the thread holds locks
   bool is_writing_ = false;
   LSTATUS failure_ = ERROR_SUCCESS;
   std::chrono::steady_clock::time_point deadline_;  // from the first wait of a transaction on

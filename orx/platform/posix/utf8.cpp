@@ -2,8 +2,7 @@
 
 #include <orx/compat/atl_exception.h>
 
-#include <locale.h>
-#include <wctype.h>
+#include <utf8proc.h>
 
 #include <algorithm>
 #include <array>
@@ -115,16 +114,15 @@ char* encode(std::uint32_t code_point, char* out) {
   return out;
 }
 
-// The host's locale may know no letters but ASCII's. Null on a system without this one, and on no other
-// ground: what is kept by its capitals must be found again.
-static locale_t unicode_locale() {
-  const locale_t made = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  if (made == nullptr && errno == ENOMEM) throw std::bad_alloc();
-  return made;
+// As in the platform's own names, one letter stays one letter: there a small sharp s has no capital.
+static std::uint32_t capital_of(std::uint32_t letter) {
+  constexpr std::uint32_t kSharpS = 0xDF;
+  return letter == kSharpS
+             ? letter
+             : static_cast<std::uint32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(letter)));
 }
 
 bool to_upper(std::string_view text, std::string& upper) {
-  static const locale_t unicode = unicode_locale();
   if (!is_valid(text)) return false;
   std::string capitals;
   capitals.reserve(text.size());
@@ -134,9 +132,8 @@ bool to_upper(std::string_view text, std::string& upper) {
       capitals += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
       text.remove_prefix(1);
     } else {
-      const auto letter = static_cast<wint_t>(take_first(text));
       char bytes[4];
-      capitals.append(bytes, encode(unicode != nullptr ? towupper_l(letter, unicode) : letter, bytes));
+      capitals.append(bytes, encode(capital_of(static_cast<std::uint32_t>(take_first(text))), bytes));
     }
   }
   upper = std::move(capitals);
