@@ -1,7 +1,6 @@
 #include <orx/platform/dom.h>
 
 #include <orx/platform/code_page.h>
-#include <orx/platform/paths.h>
 #include <orx/platform/posix/dom_host.h>
 #include <orx/platform/posix/dom_parse.h>
 #include <orx/platform/posix/dom_tree.h>
@@ -228,7 +227,7 @@ bool create_root(IXMLDOMDocument& document, const char* name, IXMLDOMElement** r
 }
 
 bool load_file(IXMLDOMDocument& document, const char* path, IXMLDOMElement** root, Reason& reason) {
-  return take(static_cast<Document&>(document), parse_file(system_path(path), reason), root);
+  return take(static_cast<Document&>(document), parse_file(path, reason), root);
 }
 
 bool load_text(IXMLDOMDocument& document, const char* text, IXMLDOMElement** root, Reason& reason) {

@@ -265,10 +265,10 @@ Tree* run(Parse& parse, std::string& reason) {
 
 }  // namespace
 
-Tree* parse_file(const std::string& system_path, std::string& reason) {
+Tree* parse_file(const char* path, std::string& reason) {
   xmlInitParser();
   Parse parse;
-  return parse.source.OpenFile(system_path, reason) ? run(parse, reason) : nullptr;
+  return parse.source.OpenFile(path, reason) ? run(parse, reason) : nullptr;
 }
 
 Tree* parse_text(std::string_view text, std::string& reason) {

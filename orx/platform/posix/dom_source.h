@@ -27,7 +27,7 @@ class Source {
   Source& operator=(const Source&) = delete;
 
   // False with the reason. The text outlives the source.
-  bool OpenFile(const std::string& system_path, std::string& reason);
+  bool OpenFile(const char* path, std::string& reason);
   bool OpenText(std::string_view text, std::string& reason);
 
   // The next bytes, at most `size` (at least 4); 0 at the end, -1 after a problem. Never throws.

@@ -1,8 +1,8 @@
 #include <orx/platform/file_system.h>
 
 #include <orx/platform/kept_errno.h>
-#include <orx/platform/paths.h>
 #include <orx/platform/posix/cancellation_held.h>
+#include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/error_text.h>
 #include <orx/platform/posix/quiet_write.h>
 
@@ -139,16 +139,19 @@ bool is_refused_by_folder(int error) {
 
 EntryKind entry_kind(const char* path) {
   const KeptErrno kept;
+  SystemPath where = parse_path(path);
   struct stat status;
-  if (stat(system_path(path).c_str(), &status) != 0) return EntryKind::kNone;
+  if (on_path(where, [&](const char* name) { return stat(name, &status); }) != 0) return EntryKind::kNone;
   return S_ISDIR(status.st_mode) ? EntryKind::kFolder : EntryKind::kFile;
 }
 
 std::optional<std::uint64_t> readable_size(const char* path) {
   const KeptErrno kept;
-  const std::string name = system_path(path);
+  SystemPath where = parse_path(path);
+  const std::string& name = where.name;
   struct stat status;
-  if (stat(name.c_str(), &status) != 0 || S_ISDIR(status.st_mode) || S_ISSOCK(status.st_mode)) return {};
+  if (on_path(where, [&](const char* candidate) { return stat(candidate, &status); }) != 0) return {};
+  if (S_ISDIR(status.st_mode) || S_ISSOCK(status.st_mode)) return {};
   // Opening a pipe waits for its other end, or sets that going; opening a device may do anything.
   if (!S_ISREG(status.st_mode)) {
     if (faccessat(AT_FDCWD, name.c_str(), R_OK, AT_EACCESS) != 0) return {};
@@ -164,11 +167,12 @@ std::optional<std::uint64_t> readable_size(const char* path) {
 
 std::uint64_t free_space(const char* folder) {
   const KeptErrno kept;
-  const std::string name = system_path(folder);
+  SystemPath where = parse_path(folder);
+  if (where.name.empty()) return 0;
+  where.name += '/';  // refuses what is not a folder
   struct statvfs volume;
-  // The slash refuses what is no folder.
-  const auto ask = [&] { return statvfs((name + '/').c_str(), &volume); };
-  if (name.empty() || uninterrupted(ask) != 0 || volume.f_frsize == 0) return 0;
+  const auto query = [&](const char* name) { return uninterrupted([&] { return statvfs(name, &volume); }); };
+  if (on_path(where, query) != 0 || volume.f_frsize == 0) return 0;
   const std::uint64_t blocks = std::min<std::uint64_t>(volume.f_bavail, UINT64_MAX / volume.f_frsize);
   return blocks * volume.f_frsize;
 }
@@ -324,7 +328,14 @@ struct FileReplacement::State {
   bool Open(const char* path, std::string& reason) {
     struct stat old;
     bool exists = false;
-    if (!Locate(system_path(path), old, exists, reason)) return false;
+    SystemPath where = parse_path(path);
+    bool is_located = Locate(where.name, old, exists, reason);
+    if (where.drive_folder > 0 && !exists) {
+      const int error = find_in_any_case(where);
+      if (error == ENOTUNIQ) return failed(reason, error_text(error));
+      if (error == 0) is_located = Locate(where.name, old, exists, reason);
+    }
+    if (!is_located) return false;
     if (exists && !CheckOld(old, reason)) return false;
     buffer.reserve(kBufferSize);
     // A file that is new is as the umask says.
@@ -405,12 +416,18 @@ bool FileReplacement::Commit(std::string& reason) {
 
 bool create_folder(const char* path) {
   const KeptErrno kept;
-  return mkdir(system_path(path).c_str(), 0777) == 0;
+  SystemPath where = parse_path(path);
+  struct stat status;
+  // What is there in another letter case is there already.
+  const auto is_there = [&](const char* name) { return lstat(name, &status); };
+  if (where.drive_folder > 0 && (on_path(where, is_there) == 0 || errno == ENOTUNIQ)) return false;
+  return mkdir(where.name.c_str(), 0777) == 0;
 }
 
 bool remove_file(const char* path) {
   const KeptErrno kept;
-  return unlink(system_path(path).c_str()) == 0;
+  SystemPath where = parse_path(path);
+  return on_path(where, unlink) == 0;
 }
 
 namespace {
@@ -418,9 +435,15 @@ namespace {
 bool write_file(const char* path, int how, std::string_view bytes) {
   const KeptErrno kept;
   const CancellationHeld held;
-  const std::string name = system_path(path);
-  const int flags = how | O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-  const int file = uninterrupted([&] { return open(name.c_str(), flags, 0666); });
+  SystemPath where = parse_path(path);
+  const int flags = how | O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  const auto open_with = [](int all_flags) {
+    return [=](const char* name) { return uninterrupted([&] { return open(name, all_flags, 0666); }); };
+  };
+  // A file that exists in another letter case is found before a new one is made.
+  const bool is_exact = where.drive_folder == 0;
+  int file = is_exact ? -1 : on_path(where, open_with(flags));
+  if (file < 0 && (is_exact || errno == ENOENT)) file = open_with(flags | O_CREAT)(where.name.c_str());
   if (file < 0) return false;
   const bool written = write_all(file, bytes);
   // Some file systems tell only now that there was no room.
