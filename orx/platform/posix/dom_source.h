@@ -5,6 +5,8 @@
 // for them.
 #pragma once
 
+#include <orx/platform/posix/dom_limits.h>
+
 #include <orx/platform/posix/utf8.h>
 
 #include <iconv.h>
@@ -15,9 +17,6 @@
 #include <string_view>
 
 namespace orx::platform::dom {
-
-// A list of 200,000 projects with the longest paths has 80 MB; what is larger is no file of the suite.
-inline constexpr std::size_t kMaxDocumentBytes = std::size_t{128} << 20;
 
 class Source {
  public:
