@@ -2,9 +2,8 @@
 
 #include <orx/platform/kept_errno.h>
 #include <orx/platform/paths.h>
-#include <orx/platform/posix/cancellation_held.h>
+#include <orx/platform/posix/descriptor.h>
 #include <orx/platform/posix/error_text.h>
-#include <orx/platform/posix/quiet_write.h>
 
 #include <fcntl.h>
 #include <limits.h>
@@ -24,42 +23,6 @@ constexpr std::size_t kBufferSize = 64 * 1024;
 constexpr int kLinksFollowed = 40;         // as many as the system itself follows
 constexpr int kTemporaryNamesTried = 100;  // names left behind by processes that were killed
 constexpr mode_t kPermissionBits = 0777;
-
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-  }
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-
-  bool is_open() const { return number_ >= 0; }
-  operator int() const { return number_; }
-
- private:
-  int number_ = -1;
-};
-
-// The result of a call that a signal may interrupt.
-template <class Call>
-auto uninterrupted(Call call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
-}
-
-bool write_all(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = uninterrupted([&] { return quiet_write(file, bytes.data(), bytes.size()); });
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
 
 bool failed(std::string& reason, std::string text = error_text(errno)) {
   reason = std::move(text);
@@ -269,33 +232,9 @@ bool FileReplacement::Commit(std::string& reason) {
   return state->Commit(reason);
 }
 
-bool create_folder(const char* path) {
-  const KeptErrno kept;
-  return mkdir(system_path(path).c_str(), 0777) == 0;
-}
-
 bool remove_file(const char* path) {
   const KeptErrno kept;
   return unlink(system_path(path).c_str()) == 0;
 }
-
-namespace {
-
-bool write_file(const char* path, int how, std::string_view bytes) {
-  const KeptErrno kept;
-  const CancellationHeld held;
-  const std::string name = system_path(path);
-  const int flags = how | O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-  const int file = uninterrupted([&] { return open(name.c_str(), flags, 0666); });
-  if (file < 0) return false;
-  const bool written = write_all(file, bytes);
-  // Some file systems tell only now that there was no room.
-  return close(file) == 0 && written;
-}
-
-}  // namespace
-
-bool clear_file(const char* path) { return write_file(path, O_TRUNC, ""); }
-bool append_to_file(const char* path, std::string_view bytes) { return write_file(path, O_APPEND, bytes); }
 
 }  // namespace orx::platform
