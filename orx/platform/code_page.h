@@ -21,9 +21,9 @@ const char* last_backslash(const char* text);
 // The number of characters. A byte that is part of no valid character counts as one or as none.
 int count_characters(std::string_view text);
 
-// The length of the longest beginning of the text that has at most `size` bytes and does not end within a
-// character.
-std::size_t whole_characters(std::string_view text, std::size_t size);
+// How many bytes of a text fit into `most` bytes without a character that is cut. Bytes that are not text
+// count as characters of one byte.
+std::size_t whole_characters(std::string_view text, std::size_t most);
 
 // A wide copy that the caller owns (null: the empty text). Raises CAtlException: E_OUTOFMEMORY, or
 // E_INVALIDARG for a text that is not valid in the encoding.

@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace orx::platform {
 
@@ -59,16 +58,7 @@ class FileReplacement {
   std::unique_ptr<State> state_;
 };
 
-// Each of these is false when it could not be done.
-//
-// One level; something that is there already stays.
-bool create_folder(const char* path);
+// False when it could not be done.
 bool remove_file(const char* path);
-
-// Both make a file that does not exist, and wait for nobody, so a pipe without a reader is refused. Bytes are
-// appended in one piece, before or behind those that other processes append, but never among them; only when
-// the disk has no room for all of them some may stay.
-bool clear_file(const char* path);
-bool append_to_file(const char* path, std::string_view bytes);
 
 }  // namespace orx::platform

@@ -307,8 +307,8 @@ done << 'TABLE'
 0|0.0|6,*"NE|0|number -
 0|"Süd \\\\ \\"Feld\\""|0,*"ordinary|0|text 'Süd \ "Feld"' --size 14
 0|"list"|0,*"ordinary|0|long-text list --size 5
-1|"S�"|0,*"ordinary|-3|text Süd --size 3|it does not fit into 3 bytes
-1|null|3,*"NC|-3|dm nc --size 7|it does not fit into 7 bytes
+1|"S"|0,*"ordinary|-3|text Süd --size 3|it does not fit into 3 bytes
+0|0.0|3,*"NC|0|dm nc --size 7
 1|0|0,*"ordinary|-1|yes-no ''|it is not yes or no
 0|1|0,*"ordinary|0|yes-no Y
 0|null|0,*"ordinary|0|5 x

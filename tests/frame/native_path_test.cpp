@@ -30,9 +30,9 @@ TEST(NativePath, FollowsTheEnvironmentOnceTheHostSaysThatItChanged) {
   orx::testing::in_new_process([&] {
     std::thread host([] {
       setenv("ORX_DRIVES", "/b", 1);
-      for (int i = 0; i < 20'000; ++i) setenv(("ORX_TEST_" + std::to_string(i)).c_str(), "", 1);
+      for (int i = 0; i < 3'000; ++i) setenv(("ORX_TEST_" + std::to_string(i)).c_str(), "", 1);
     });
-    for (int i = 0; i < 20'000; ++i) EXPECT_EQ(drive(), "/a/c");
+    for (int i = 0; i < 3'000; ++i) EXPECT_EQ(drive(), "/a/c");
     host.join();
     orx_environment_changed();
     EXPECT_EQ(drive(), "/b/c");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <orx/platform/file_system.h>
+#include <orx/platform/shared_files.h>
 #include <tests/support/environment.h>
 
 namespace fs = std::filesystem;
@@ -81,8 +82,8 @@ TEST(DrivePath, FindsNamesInAnyLetterCase) {
   EXPECT_EQ(existing_path("c:\\süd\\pit\\A.qpr"), folder.path("c/Süd/Pit/a.qpr"));
   EXPECT_EQ(existing_path("c:\\süd\\new\\A.qpr"), folder.path("c/Süd/new/A.qpr"));
   EXPECT_EQ(first_match_size("c:\\süd\\pit\\A*"), 1U);
-  EXPECT_TRUE(append_to_file("c:\\süd\\pit\\A.qpr", "b") && append_to_file("c:\\süd\\pit\\log", "l"));
-  EXPECT_FALSE(create_folder("C:\\SÜD"));
+  EXPECT_TRUE(append_to_log("c:\\süd\\pit\\A.qpr", "b") && append_to_log("c:\\süd\\pit\\log", "l"));
+  EXPECT_FALSE(create_shared_folder("C:\\SÜD"));
   FileReplacement file;
   std::string reason;
   ASSERT_TRUE(file.Open("C:\\SÜD\\pit\\A.QPR", reason) && file.Write("new", 3, reason) && file.Commit(reason))

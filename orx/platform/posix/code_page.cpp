@@ -3,6 +3,7 @@
 #include <orx/platform/posix/utf8.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace orx::platform {
@@ -30,10 +31,13 @@ int count_characters(std::string_view text) {
       std::count_if(text.begin(), text.end(), [](char c) { return !utf8::is_continuation(c); }));
 }
 
-std::size_t whole_characters(std::string_view text, std::size_t size) {
-  if (text.size() <= size) return text.size();
-  while (size > 0 && utf8::is_continuation(text[size])) --size;
-  return size;
+std::size_t whole_characters(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return text.size();
+  constexpr std::size_t kMostContinuations = 3;
+  std::size_t lead = most;
+  while (lead > 0 && most - lead < kMostContinuations && utf8::is_continuation(text[lead])) --lead;
+  const auto length = static_cast<std::size_t>(std::countl_one(static_cast<unsigned char>(text[lead])));
+  return length > most - lead && length <= kMostContinuations + 1 ? lead : most;
 }
 
 BSTR widen(const char* text) { return utf8::to_wide(text != nullptr ? text : ""); }

@@ -39,6 +39,7 @@ bool exists(const std::string& path) {
 }  // namespace
 
 int find_in_any_case(SystemPath& path) {
+  if (path.drive_folder == 0) return ENOENT;
   std::string found = path.name.substr(0, path.drive_folder);
   std::string_view rest = std::string_view(path.name).substr(path.drive_folder);
   while (!rest.empty()) {

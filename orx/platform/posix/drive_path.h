@@ -26,7 +26,7 @@ int find_in_any_case(SystemPath& path);
 template <class Call>
 auto on_path(SystemPath& path, Call call) {
   const auto result = call(path.name.c_str());
-  if (result >= 0 || errno != ENOENT || path.drive_folder == 0) return result;
+  if (result >= 0 || errno != ENOENT) return result;
   errno = find_in_any_case(path);
   return errno == 0 ? call(path.name.c_str()) : result;
 }

@@ -2,9 +2,9 @@
 
 #include <orx/platform/kept_errno.h>
 #include <orx/platform/posix/cancellation_held.h>
+#include <orx/platform/posix/descriptor.h>
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/error_text.h>
-#include <orx/platform/posix/quiet_write.h>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -31,42 +31,6 @@ constexpr int kTemporaryNamesTried = 100;
 constexpr int kEntriesSearched = 10'000;  // for temporaries of killed processes: some milliseconds
 constexpr char kAccessControlList[] = "system.posix_acl_access";
 constexpr mode_t kPermissionBits = 0777;
-
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-  }
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-
-  bool is_open() const { return number_ >= 0; }
-  operator int() const { return number_; }
-
- private:
-  int number_ = -1;
-};
-
-// The result of a call that a signal may interrupt.
-template <class Call>
-auto uninterrupted(Call call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
-}
-
-bool write_all(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = uninterrupted([&] { return quiet_write(file, bytes.data(), bytes.size()); });
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
 
 bool failed(std::string& reason, std::string text = error_text(errno)) {
   reason = std::move(text);
@@ -414,45 +378,10 @@ bool FileReplacement::Commit(std::string& reason) {
   return state->Commit(reason);
 }
 
-bool create_folder(const char* path) {
-  const KeptErrno kept;
-  SystemPath where = parse_path(path);
-  struct stat status;
-  // What is there in another letter case is there already.
-  const auto is_there = [&](const char* name) { return lstat(name, &status); };
-  if (where.drive_folder > 0 && (on_path(where, is_there) == 0 || errno == ENOTUNIQ)) return false;
-  return mkdir(where.name.c_str(), 0777) == 0;
-}
-
 bool remove_file(const char* path) {
   const KeptErrno kept;
   SystemPath where = parse_path(path);
   return on_path(where, unlink) == 0;
 }
-
-namespace {
-
-bool write_file(const char* path, int how, std::string_view bytes) {
-  const KeptErrno kept;
-  const CancellationHeld held;
-  SystemPath where = parse_path(path);
-  const int flags = how | O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-  const auto open_with = [](int all_flags) {
-    return [=](const char* name) { return uninterrupted([&] { return open(name, all_flags, 0666); }); };
-  };
-  // A file that exists in another letter case is found before a new one is made.
-  const bool is_exact = where.drive_folder == 0;
-  int file = is_exact ? -1 : on_path(where, open_with(flags));
-  if (file < 0 && (is_exact || errno == ENOENT)) file = open_with(flags | O_CREAT)(where.name.c_str());
-  if (file < 0) return false;
-  const bool written = write_all(file, bytes);
-  // Some file systems tell only now that there was no room.
-  return close(file) == 0 && written;
-}
-
-}  // namespace
-
-bool clear_file(const char* path) { return write_file(path, O_TRUNC, ""); }
-bool append_to_file(const char* path, std::string_view bytes) { return write_file(path, O_APPEND, bytes); }
 
 }  // namespace orx::platform
