@@ -56,10 +56,11 @@ std::string folder_of_all_users() {
 // False when the machine's settings could not be read, which may pass.
 bool look_for_folder(std::string& folder) {
   const LSTATUS status = read_configured(folder);
-  if (status != ERROR_SUCCESS)
+  if (status != ERROR_SUCCESS) {
     folder = folder_of_all_users();
-  else if (!folder.empty())
+  } else if (!folder.empty()) {
     orx::platform::create_shared_folder(folder.c_str());
+  }
   return status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
 }
 

@@ -61,7 +61,7 @@ void read_all() {
   // The C library reads some variables by itself, on first use: TZ, and LOCPATH to find a locale.
   tzset();
   compat::format_locale();
-  auto fresh = std::make_unique<const Snapshot>(read_values(), newest);
+  std::unique_ptr<const Snapshot> fresh(new Snapshot{read_values(), newest});
   const Snapshot* known = newest;
   while (known != nullptr && known->values != fresh->values) known = known->older;
   if (known == nullptr) newest = known = fresh.release();

@@ -89,8 +89,8 @@ void inherit(int made, const Place& place, mode_t bits) {
   if ((status.st_mode & kFolderBits) != mode) fchmod(made, mode);
 }
 
-// In a shared folder another user may have put a folder of this user in the place of the new one, but hardly
-// an empty one, whose rights do not matter.
+// In a shared folder, another user may have replaced the new folder by another one of this user. Nothing is
+// lost if an empty folder gets new rights.
 bool is_new(int folder) {
   constexpr ssize_t kTwoEntries = 48;  // "." and ".."
   struct stat status;
@@ -99,9 +99,9 @@ bool is_new(int folder) {
          getdents64(folder, entries, sizeof entries) <= kTwoEntries;
 }
 
-// Whether what was opened, or a link, is used although others may write to its folder. Users who can do that
-// can link to a file of this user, or make a pipe. Without links, what they can put there is a file of their
-// own.
+// Whether a log may be written to what was found at its path, or through it if it is a link. Other users who
+// may write to the folder can plant a link or a second name of a file of this user, or a pipe. A file with
+// one name is safe: it was made there, as a log.
 bool may_be_used(const struct stat& status, const Place& place) {
   if (place.IsPrivate()) return true;
   if (S_ISREG(status.st_mode)) return status.st_nlink <= 1;
