@@ -33,13 +33,15 @@ TEST_F(BusySettingsTest, AStoreThatIsLockedFailsWhenPatienceEnds) {
 // as they were.
 TEST_F(BusySettingsTest, AnOlderStoreIsFoldedAnewOnce) {
   using orx::testing::in_new_process;
-  in_new_process([] {
+  // The children leave without closing the store that they share with this process.
+  const auto write_store = [] {
     EXPECT_EQ(hvk_RegWriteInt("M\u00FCller", "Sub", nullptr, nullptr, "here", 1), 0);
     EXPECT_EQ(hvk_RegWriteInt("M\u00FCller", nullptr, nullptr, nullptr, "\u00FC", 2), 0);
     EXPECT_EQ(hvk_RegWriteInt("Other", nullptr, nullptr, nullptr, "there", 3), 0);
     EXPECT_EQ(hvk_RegWriteInt("Other", nullptr, nullptr, nullptr, "\u00DC", 4), 0);
     EXPECT_EQ(hvk_RegWriteInt("Other", "SUB", nullptr, nullptr, "there", 5), 0);
-  });
+  };
+  in_new_process(write_store, _exit);
   sqlite3* file = nullptr;
   ASSERT_EQ(sqlite3_open(folder_.path("config/user.db").c_str(), &file), SQLITE_OK);
   EXPECT_EQ(sqlite3_exec(file,
@@ -49,7 +51,7 @@ TEST_F(BusySettingsTest, AnOlderStoreIsFoldedAnewOnce) {
             SQLITE_OK);
   sqlite3_close(file);
   for (int round = 0; round < 2; ++round) {
-    in_new_process([] {
+    const auto read_store = [] {
       const auto number = [](const char* level, const char* name) {
         int value = 0;
         return hvk_RegReadInt("M\u00DCLLER", level, nullptr, nullptr, name, &value) == 0 ? value : 0;
@@ -58,7 +60,8 @@ TEST_F(BusySettingsTest, AnOlderStoreIsFoldedAnewOnce) {
       EXPECT_EQ(number("sub", "there"), 5);
       EXPECT_EQ(number(nullptr, "there"), 3);
       EXPECT_EQ(number(nullptr, "\u00FC") + number(nullptr, "\u00FC (2)"), 6) << "neither is lost";
-    });
+    };
+    in_new_process(read_store, _exit);
   }
 }
 

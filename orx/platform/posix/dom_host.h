@@ -51,7 +51,7 @@ class HostAside {
     if (error->code == XML_ERR_NO_MEMORY) static_cast<HostAside*>(self)->ran_out_ = true;
   }
 
-  const ThreadSlots slots_;
+  const ThreadSlots slots_{};
   const xmlRegisterNodeFunc old_on_new_ = std::exchange(slots_.on_new, nullptr);
   const xmlDeregisterNodeFunc old_on_free_ = std::exchange(slots_.on_free, nullptr);
   const xmlStructuredErrorFunc old_on_error_ = std::exchange(slots_.on_error, &HostAside::OnError);
