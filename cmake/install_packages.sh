@@ -19,5 +19,5 @@ install_packages() {
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}" >&2
 }
 
-build_packages=(cmake ninja-build g++ libxml2-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev)
+build_packages=(cmake ninja-build g++ libxml2-dev libsqlite3-dev libutf8proc-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev pkg-config)

@@ -17,31 +17,6 @@ int registry_patience = 10'000;
 
 namespace {
 
-constexpr int kApplicationId = 0x4F525852;  // "ORXR"
-constexpr int kSchemaVersion = 1;
-
-// Names are kept as they were written, and found by a form without letter case. A value goes with its key, a
-// key with its parent. The number of a key is random, so that no other key ever gets it: not after it was
-// deleted, not after the transaction that made it was undone, and not in another store.
-constexpr char kMakeSchema[] = R"(
-CREATE TABLE key (
-  id INTEGER PRIMARY KEY,
-  parent INTEGER REFERENCES key ON DELETE CASCADE,
-  name TEXT NOT NULL,
-  folded TEXT NOT NULL,
-  UNIQUE (parent, folded));
-CREATE TABLE value (
-  key INTEGER NOT NULL REFERENCES key ON DELETE CASCADE,
-  folded TEXT NOT NULL,
-  name TEXT NOT NULL,
-  type INTEGER NOT NULL,
-  data BLOB NOT NULL,
-  PRIMARY KEY (key, folded)) WITHOUT ROWID;
-INSERT INTO key VALUES (1, NULL, '', ''), (random() & 0x7FFFFFFFFFFFFFFF, 1, 'Software', 'SOFTWARE');
-PRAGMA application_id = 0x4F525852;
-PRAGMA user_version = 1;
-)";
-
 // EXTRA is full synchronisation, and of the folder too: a journal that comes back after a power cut would
 // undo what was reported as written.
 constexpr char kSettings[] =
@@ -115,6 +90,7 @@ int wait_for_others(void* pointer, int /*count*/) {
 }  // namespace
 
 void RegistryDatabase::Begin(RegistryTransaction::Intent intent) {
+  cancellation_.emplace();
   is_active_ = true;
   is_writing_ = false;
   failure_ = ERROR_SUCCESS;
@@ -134,6 +110,7 @@ LSTATUS RegistryDatabase::StartWriting() {
   if (is_writing_ || failure_ != ERROR_SUCCESS) return failure_;
   is_writing_ = true;
   signals_.emplace();
+  if (kind_ == StoreKind::kOutdated) Disconnect();  // to be brought up to date first
   const bool is_reading = database_ != nullptr && sqlite3_get_autocommit(database_.get()) == 0;
   const LSTATUS status = is_reading ? Do(Sql::kCommit) : Connect(/*is_made=*/true);
   return status == ERROR_SUCCESS ? Start(Sql::kBeginWriting) : status;
@@ -141,12 +118,18 @@ LSTATUS RegistryDatabase::StartWriting() {
 
 LSTATUS RegistryDatabase::Start(Sql begin) {
   if (Do(begin) != ERROR_SUCCESS) return failure_;
-  Run run(Prepared(Sql::kDataVersion));
-  if (Found(run) != ERROR_SUCCESS) return failure_;
-  if (run.Integer(0) == data_version_) return failure_;
-  data_version_ = run.Integer(0);
+  {
+    Run run(Prepared(Sql::kDataVersion));
+    if (Found(run) != ERROR_SUCCESS) return failure_;
+    if (run.Integer(0) == data_version_) return failure_;
+    data_version_ = run.Integer(0);
+  }
   ++epoch_;
-  return CheckSchema();  // who wrote may be of a later version, and have made the file its own
+  const StoreKind kind = ReadKind();
+  if (kind == kind_ || failure_ != ERROR_SUCCESS) return failure_;
+  // The process that wrote has made another kind of store of the file.
+  Disconnect();
+  return Open() == ERROR_SUCCESS ? Start(begin) : failure_;
 }
 
 LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
@@ -164,6 +147,7 @@ LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
   // was found here.
   if (failure_ != ERROR_SUCCESS && failure_ != ERROR_BUSY) Disconnect();
   signals_.reset();
+  cancellation_.reset();
   return failure_;
 }
 
@@ -200,9 +184,8 @@ LSTATUS RegistryDatabase::Do(Sql sql) {
   return Done(run);
 }
 
-LSTATUS RegistryDatabase::Execute(const char* sql) {
-  const int error = sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
-  return error == SQLITE_OK ? LSTATUS{ERROR_SUCCESS} : Fail(error);
+int RegistryDatabase::Execute(const char* sql) {
+  return sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
 }
 
 LSTATUS RegistryDatabase::Fail(int sqlite_error) {
@@ -241,31 +224,44 @@ LSTATUS RegistryDatabase::Open() {
       SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE;
   signals_.emplace();  // a new file is written to, and so is one that a killed process has left half written
   sqlite3* opened = nullptr;
-  const int error = sqlite3_open_v2(path_.c_str(), &opened, kFlags, nullptr);
+  int error = sqlite3_open_v2(path_.c_str(), &opened, kFlags, nullptr);
   database_.reset(opened);
   ++epoch_;
-  if (error == SQLITE_OK) sqlite3_busy_handler(opened, wait_for_others, &deadline_);
+  data_version_ = 0;
+  if (error == SQLITE_OK) error = add_fold_function(opened);
+  if (error == SQLITE_OK) error = sqlite3_busy_handler(opened, wait_for_others, &deadline_);
+  if (error == SQLITE_OK && BringUpToDate() == ERROR_SUCCESS) error = Execute(kSettings);
   if (error != SQLITE_OK) Fail(error);
-  if (failure_ == ERROR_SUCCESS && CheckSchema() == ERROR_SUCCESS) Execute(kSettings);
   if (failure_ != ERROR_SUCCESS) Disconnect();
   return failure_;
 }
 
-// Nothing of a file that is not ours is changed; an empty one is new.
-LSTATUS RegistryDatabase::CheckSchema() {
-  const auto is_empty = [this] {
-    Run run(Prepared(Sql::kSchema));
-    if (Found(run) != ERROR_SUCCESS) return false;
-    if (run.Integer(0) == kApplicationId && run.Integer(1) == kSchemaVersion) return false;
-    if (run.Integer(0) == 0 && run.Integer(1) == 0 && run.Integer(2) == 0) return true;
-    const bool is_later = run.Integer(0) == kApplicationId && run.Integer(1) > kSchemaVersion;
-    Fail(ERROR_BADDB, is_later ? "made by a later version" : "not a store of settings");
-    return false;
-  };
-  if (!is_empty()) return failure_;
-  if (Execute("BEGIN IMMEDIATE") != ERROR_SUCCESS) return failure_;
-  if (is_empty()) Execute(kMakeSchema);  // another process may have been first
-  return Execute(failure_ == ERROR_SUCCESS ? "COMMIT" : "ROLLBACK");
+StoreKind RegistryDatabase::ReadKind() {
+  Run run(Prepared(Sql::kSchema));
+  return Found(run) == ERROR_SUCCESS ? kind_of_store(run.Integer(0), run.Integer(1), run.Integer(2))
+                                     : StoreKind::kForeign;
+}
+
+// Nothing of a file that is not ours is changed. An outdated store that cannot be written can still be read.
+LSTATUS RegistryDatabase::BringUpToDate() {
+  kind_ = ReadKind();
+  if (failure_ != ERROR_SUCCESS || kind_ == StoreKind::kCurrent) return failure_;
+  if (kind_ == StoreKind::kLater) return Fail(ERROR_BADDB, "made by a later version");
+  if (kind_ == StoreKind::kForeign) return Fail(ERROR_BADDB, "not a store of settings");
+  int error = Execute("PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE");
+  if (error == SQLITE_OK) error = TakeSteps();
+  if (error != SQLITE_OK && kind_ == StoreKind::kOutdated && !is_writing_) error = Execute(kReadOutdated);
+  return error == SQLITE_OK ? failure_ : Fail(error);
+}
+
+int RegistryDatabase::TakeSteps() {
+  int error = SQLITE_OK;
+  // Another process may have been first.
+  if (const char* steps = steps_to_current(ReadKind()); steps != nullptr) error = Execute(steps);
+  if (error == SQLITE_OK) error = Execute("COMMIT");
+  if (error == SQLITE_OK) kind_ = StoreKind::kCurrent;
+  if (sqlite3_get_autocommit(database_.get()) == 0) Execute("ROLLBACK");
+  return error;
 }
 
 bool RegistryDatabase::HasMoved() const {

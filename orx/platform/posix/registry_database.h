@@ -2,7 +2,9 @@
 #pragma once
 
 #include <orx/compat/hkey.h>
+#include <orx/platform/posix/cancellation_held.h>
 #include <orx/platform/posix/registry_place.h>
+#include <orx/platform/posix/registry_schema.h>
 #include <orx/platform/posix/signals_held.h>
 #include <orx/platform/posix/sqlite_connection.h>
 #include <orx/platform/registry_key.h>
@@ -74,12 +76,14 @@ class RegistryDatabase {
 
  private:
   LSTATUS Do(Sql sql);
-  LSTATUS Execute(const char* sql);
+  int Execute(const char* sql);  // the result is SQLite's
   LSTATUS Fail(int sqlite_error);
   LSTATUS Fail(LSTATUS status, std::string_view reason);
   LSTATUS Connect(bool is_made);
   LSTATUS Open();
-  LSTATUS CheckSchema();
+  StoreKind ReadKind();
+  LSTATUS BringUpToDate();
+  int TakeSteps();
   bool HasMoved() const;
   LSTATUS Start(Sql begin);
 
@@ -90,11 +94,13 @@ class RegistryDatabase {
   std::array<Statement, static_cast<std::size_t>(Sql::kCount)> statements_;
   std::uint64_t epoch_ = 0;
   std::int64_t data_version_ = 0;
+  StoreKind kind_ = StoreKind::kCurrent;  // outdated: it is read through kReadOutdated
 
   bool is_active_ = false;
   bool is_writing_ = false;
   LSTATUS failure_ = ERROR_SUCCESS;
   std::chrono::steady_clock::time_point deadline_;  // from the first wait of a transaction on
+  std::optional<CancellationHeld> cancellation_;
   std::optional<SignalsHeld> signals_;  // while it writes: the host is not to end by a limit on file sizes
 };
 

@@ -2,16 +2,13 @@
 
 #include <orx/compat/atl_exception.h>
 
-#include <locale.h>
-#include <wctype.h>
+#include <utf8proc.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <utility>
 
 namespace orx::platform::utf8 {
@@ -115,16 +112,19 @@ char* encode(std::uint32_t code_point, char* out) {
   return out;
 }
 
-// The host's locale may know no letters but ASCII's. Null on a system without this one, and on no other
-// ground: what is kept by its capitals must be found again.
-static locale_t unicode_locale() {
-  const locale_t made = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  if (made == nullptr && errno == ENOMEM) throw std::bad_alloc();
-  return made;
+// As the names of files and registry keys on Windows have them: each letter has one capital, and only the
+// letter to which the capital leads back. So a dotless i does not become an I. The library gives the sharp s
+// a capital, which Unicode's simple mapping does not.
+static std::uint32_t capital(std::uint32_t c) {
+  constexpr std::uint32_t kSharpS = 0xDF;
+  constexpr std::uint32_t kFinalSigma = 0x3C2;
+  const auto letter = static_cast<utf8proc_int32_t>(c);
+  const utf8proc_int32_t upper = utf8proc_toupper(letter);
+  const bool is_pair = c != kSharpS && utf8proc_tolower(upper) == letter;
+  return is_pair || c == kFinalSigma ? static_cast<std::uint32_t>(upper) : c;
 }
 
 bool to_upper(std::string_view text, std::string& upper) {
-  static const locale_t unicode = unicode_locale();
   if (!is_valid(text)) return false;
   std::string capitals;
   capitals.reserve(text.size());
@@ -134,9 +134,8 @@ bool to_upper(std::string_view text, std::string& upper) {
       capitals += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
       text.remove_prefix(1);
     } else {
-      const auto letter = static_cast<wint_t>(take_first(text));
       char bytes[4];
-      capitals.append(bytes, encode(unicode != nullptr ? towupper_l(letter, unicode) : letter, bytes));
+      capitals.append(bytes, encode(capital(static_cast<std::uint32_t>(take_first(text))), bytes));
     }
   }
   upper = std::move(capitals);
