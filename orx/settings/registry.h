@@ -4,8 +4,8 @@
 // Up to four level names lead from there to a key; the first null one ends the path, and the rest is ignored.
 // A name may hold several levels, with backslashes between them. A null value name means the key's default
 // value. Every function returns 0, or -1 for any failure. Types are kept and not checked when a value is
-// read. Functions may be called from any thread; a value is written as a whole or not at all, whichever
-// processes write at once.
+// read. Functions may be called from any thread, also in exit handlers; a cancellation of the thread waits
+// until the call has ended. A value is written as a whole or not at all, whichever processes write at once.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -75,13 +75,13 @@ ORX_API int hvk_GetChartwrightInstallFolder(char* buffer, int size);
 // its NUL. -1, with an empty path if there is room, when it does not fit or there is no such file.
 ORX_API int orx_registry_file(HKEY root, char* path, size_t size);
 
-// Calls `change` with `context`, and makes all that the thread writes below a root meanwhile, with the
-// functions above or through open keys, one transaction where the system has such: it is kept as a whole if
-// `change` returns ERROR_SUCCESS, and not at all if it returns anything else, throws, or the store fails; and
-// many writes take about as long as one. Every call of other threads waits for it, and so does what other
-// processes write. Returns what `change` returned, or why its writes could not be kept. A key that was made
-// and is undone is a deleted one. A process that is forked within cannot use the store, and the thread gets
-// no SIGPIPE or SIGXFSZ there.
+// Calls `change` with `context`. All that the thread writes below a root meanwhile, with the functions above
+// or through open keys, is one transaction where the system has transactions: it is kept as a whole if
+// `change` returns ERROR_SUCCESS, and undone if it returns anything else, throws, or the store fails. Many
+// writes take about as long as one. Calls of other threads and writes of other processes wait until `change`
+// has ended; so does a cancellation of the thread. Returns what `change` returned, or why its writes could not
+// be kept. A key that was made and undone is a deleted key. A process that is forked by `change` cannot use
+// the store, and the thread gets no SIGPIPE or SIGXFSZ in it.
 ORX_API LSTATUS orx_registry_change(HKEY root, LSTATUS (*change)(void* context), void* context);
 
 ORX_C_END

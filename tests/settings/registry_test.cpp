@@ -4,13 +4,17 @@
 #include <tests/support/process.h>
 #include <tests/support/registry.h>
 
+#include <pthread.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
+#include <future>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -256,6 +260,34 @@ TEST_F(SettingsTest, AForkedProcessGoesOnWithTheKeysOfItsParent) {
   });
   EXPECT_EQ(RegDeleteValueA(key, "y"), ERROR_SUCCESS);
   EXPECT_EQ(Stored(), "x=4:02000000 ");
+}
+
+TEST_F(SettingsTest, AProcessEndsWhileAThreadChangesSettings) {
+  orx::testing::in_new_process([] {
+    alarm(20);  // kills the process if it waits for the thread
+    std::promise<void> is_changing;
+    const auto change = [](void* promise) -> LSTATUS {
+      static_cast<std::promise<void>*>(promise)->set_value();
+      for (;;) pause();
+    };
+    std::thread(orx_registry_change, HKEY_CURRENT_USER, change, &is_changing).detach();
+    is_changing.get_future().wait();
+  });
+}
+
+TEST_F(SettingsTest, ACancelledThreadEndsAfterItsCall) {
+  const auto write_cancelled = [](void*) -> void* {
+    pthread_cancel(pthread_self());
+    hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1);
+    pthread_testcancel();
+    return nullptr;
+  };
+  pthread_t thread;
+  ASSERT_EQ(pthread_create(&thread, nullptr, write_cancelled, nullptr), 0);
+  void* result = nullptr;
+  pthread_join(thread, &result);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+  EXPECT_EQ(Stored("A"), "x=4:01000000 ");
 }
 
 }  // namespace

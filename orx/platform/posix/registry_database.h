@@ -69,8 +69,6 @@ class RegistryDatabase {
   LSTATUS Found(Run& run);
   LSTATUS Done(Run& run);
 
-  // Closes the file.
-  void Disconnect();
   // Forgets the file without closing it: it belongs to the process that this one was forked from.
   void Abandon();
 
@@ -81,6 +79,7 @@ class RegistryDatabase {
   LSTATUS Fail(LSTATUS status, std::string_view reason);
   LSTATUS Connect(bool is_made);
   LSTATUS Open();
+  void Disconnect();
   StoreKind ReadKind();
   LSTATUS BringUpToDate();
   int TakeSteps();

@@ -3,7 +3,6 @@
 #include <pthread.h>
 
 #include <cstddef>
-#include <memory>
 #include <new>
 
 namespace orx::platform {
@@ -32,39 +31,19 @@ void abandon_registry() {
   new (&registry().mutex) std::recursive_mutex;
 }
 
-alignas(Registry) std::byte place_of_registry[sizeof(Registry)];
-
-// The registry is closed with the library, but not destroyed: what a host does after that still finds it.
-struct Life {
-  Life() {
-    new (place_of_registry) Registry;
-    pthread_atfork(lock_registry, unlock_registry, abandon_registry);
-  }
-  ~Life() { registry().Close(); }
-};
-
-void renew(RegistryStore& store, const RegistryPlace& place) {
-  std::destroy_at(&store);
-  std::construct_at(&store, place);
-}
+alignas(Registry) std::byte storage[sizeof(Registry)];
 
 }  // namespace
 
+// Never destroyed, and its files are never closed: at the end of the process other threads may still be in a
+// call, and the host's own exit handlers may make one.
 Registry& registry() {
-  static const Life life;
-  return *std::launder(reinterpret_cast<Registry*>(place_of_registry));
-}
-
-// Other threads may still be at it.
-void Registry::Close() {
-  const std::lock_guard lock(mutex);
-  user.database().Disconnect();
-  machine.database().Disconnect();
-  if (free_places.size() != keys.size()) return;
-  renew(user, kUserRegistry);
-  renew(machine, kMachineRegistry);
-  keys = std::vector<OpenKey>();
-  free_places = std::vector<std::uint32_t>();
+  static Registry* const made = [] {
+    auto* const created = new (storage) Registry;
+    pthread_atfork(lock_registry, unlock_registry, abandon_registry);
+    return created;
+  }();
+  return *made;
 }
 
 const OpenKey* Registry::Find(HKEY handle) const {
