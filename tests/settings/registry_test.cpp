@@ -129,11 +129,32 @@ TEST_F(SettingsTest, KeysAreDeletedAloneOrWithAllBelow) {
   EXPECT_EQ(hvk_RegSHDeleteKey("A", "B"), 0);
   EXPECT_EQ(sub_keys(Key("A")), Names{});
   EXPECT_EQ(hvk_RegDeleteKey("New", "none"), -1);
-  EXPECT_EQ(hvk_RegDeleteKey(nullptr, nullptr), -1);
-  EXPECT_EQ(hvk_RegSHDeleteKey(nullptr, nullptr), -1);
   EXPECT_EQ(sub_keys(Key()), (Names{"A", "New"})) << "the key to delete from is made";
   EXPECT_EQ(hvk_RegDeleteKey(nullptr, "a"), 0);
   EXPECT_EQ(sub_keys(Key()), Names{"New"});
+}
+
+TEST_F(SettingsTest, DeletingWithoutANameSparesTheProductKey) {
+  const struct {
+    const char* key1;
+    const char* name;
+    int deleted, tree_deleted;
+    Names left;  // below the product key, in which there is A\B before
+  } kRows[] = {
+      {nullptr, nullptr, -1, -1, {"A"}}, {nullptr, "", -1, -1, {"A"}},   {"", nullptr, -1, -1, {"A"}},
+      {"", "", -1, -1, {"A"}},           {nullptr, "\\", -1, -1, {"A"}}, {"\\", nullptr, -1, -1, {"A"}},
+      {"C", nullptr, -1, 0, {"A", "C"}}, {"C", "", 0, 0, {"A", "C"}},    {"A\\", "", -1, 0, {"A"}},
+  };
+  EXPECT_EQ(hvk_RegDeleteKey(nullptr, ""), -1) << "although nothing is below it";
+  for (const auto& [key1, name, deleted, tree_deleted, left] : kRows) {
+    ASSERT_EQ(hvk_RegWriteInt("A", "B", nullptr, nullptr, "x", 1), 0);
+    SCOPED_TRACE(std::string(key1 ? key1 : "null") + ", " + (name ? name : "null"));
+    EXPECT_EQ(hvk_RegDeleteKey(key1, name), deleted);
+    EXPECT_EQ(hvk_RegSHDeleteKey(key1, name), tree_deleted);
+    EXPECT_EQ(sub_keys(Key()), left);
+    hvk_RegSHDeleteKey(nullptr, "C");
+  }
+  EXPECT_EQ(sub_keys(Key("A")), Names{}) << "emptied by the last row";
 }
 
 TEST_F(SettingsTest, AnOpenedKeyIsTheCallersToClose) {
@@ -224,9 +245,12 @@ TEST_F(SettingsTest, WhatFailsIsToldToTheDebugger) {
   {
     const ScopedVariable user("ORX_USER_REGISTRY", notes.c_str());
     EXPECT_EQ(hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1), -1);
-    EXPECT_EQ(read_file(folder_.path("debug.txt")), "Settings in " + notes + ": file is not a database\n");
-    EXPECT_EQ(hvk_RegOpenKey("A", nullptr, nullptr, nullptr, &key), -1);
+    EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "x", &number), -1);
     EXPECT_EQ(hvk_RegSHDeleteKey(nullptr, "A"), -1);
+    const std::string reason = "Settings in " + notes + ": file is not a database\n";
+    EXPECT_EQ(read_file(folder_.path("debug.txt")), reason + reason + reason) << "no value was queried";
+    EXPECT_EQ(hvk_RegOpenKey("A", nullptr, nullptr, nullptr, &key), -1);
+    EXPECT_TRUE(read_file(folder_.path("debug.txt")).ends_with("\nRegistry is corrupt.\r\n\n"));
     EXPECT_EQ(read_file(notes), "These are my notes.");
   }
   EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "x", &number), -1);
