@@ -275,6 +275,10 @@ void RegistryDatabase::Disconnect() {
   database_.reset();
 }
 
+void RegistryDatabase::CloseIfIdle() {
+  if (!is_active_) Disconnect();
+}
+
 void RegistryDatabase::Abandon() {
   for (Statement& statement : statements_) (void)statement.release();
   inherited_ = database_.release();

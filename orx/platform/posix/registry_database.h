@@ -69,6 +69,8 @@ class RegistryDatabase {
   LSTATUS Found(Run& run);
   LSTATUS Done(Run& run);
 
+  // Closes the file, unless the calling thread is in a transaction.
+  void CloseIfIdle();
   // Forgets the file without closing it: it belongs to the process that this one was forked from.
   void Abandon();
 

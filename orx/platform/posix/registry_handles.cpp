@@ -33,17 +33,27 @@ void abandon_registry() {
 
 alignas(Registry) std::byte storage[sizeof(Registry)];
 
+// The registry is never destroyed: at the end of the process other threads may still be in a call, and the
+// host's own exit handlers may make one. So the end closes the files only if no call is going on, and does
+// not wait for one. A later call opens its file again.
+struct RegistryLifetime {
+  RegistryLifetime() {
+    new (storage) Registry;
+    pthread_atfork(lock_registry, unlock_registry, abandon_registry);
+  }
+  ~RegistryLifetime() {
+    const std::unique_lock lock(registry().mutex, std::try_to_lock);
+    if (!lock) return;
+    registry().user.database().CloseIfIdle();
+    registry().machine.database().CloseIfIdle();
+  }
+};
+
 }  // namespace
 
-// Never destroyed, and its files are never closed: at the end of the process other threads may still be in a
-// call, and the host's own exit handlers may make one.
 Registry& registry() {
-  static Registry* const made = [] {
-    auto* const created = new (storage) Registry;
-    pthread_atfork(lock_registry, unlock_registry, abandon_registry);
-    return created;
-  }();
-  return *made;
+  static const RegistryLifetime lifetime;
+  return *std::launder(reinterpret_cast<Registry*>(storage));
 }
 
 const OpenKey* Registry::Find(HKEY handle) const {

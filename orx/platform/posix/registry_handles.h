@@ -32,7 +32,7 @@ struct Registry {
   bool Remove(HKEY handle);
 };
 
-// Made on first use.
+// Made on first use, and never destroyed.
 Registry& registry();
 
 }  // namespace orx::platform
