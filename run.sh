@@ -1,16 +1,25 @@
 #!/usr/bin/env bash
-# Builds the library and the command-line host, then runs the host with the arguments given; without any, it shows its
-# commands and the sample suite.
+# Builds the library and the command-line host, then runs the host with the arguments given. Without arguments it shows
+# the commands and the sample suite. ORX_NO_INSTALL=1 installs no packages.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$root/cmake/install_packages.sh"
+. "$root/cmake/configure.sh"
 
-install_packages "${build_packages[@]}"
-build=$root/build/release
-[ -f "$build/build.ninja" ] || (cd "$root" && cmake --preset release) >&2
-cmake --build "$build" --target orx-cli -- --quiet | sed '/^ninja: no work to do/d' >&2
+# Standard output belongs to the host.
+build_host() {
+  cd "$root"
+  install_packages "${build_packages[@]}"
+  configure release
+  local build=(cmake --build --preset release --target orx-cli)
+  if ! "${build[@]}" -- -n | grep -q 'no work to do'; then
+    echo "Building orx" >&2
+    "${build[@]}"
+  fi
+}
+(build_host) >&2
 
-orx=$build/apps/orx/orx
+orx=$root/build/release/apps/orx/orx
 [ $# = 0 ] || exec "$orx" "$@"
 
 "$orx" --help

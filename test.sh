@@ -1,12 +1,11 @@
 #!/usr/bin/env bash
-# Builds everything, with the tests, and runs them. Arguments go to ctest.
+# Builds everything, with the tests, and runs them. Arguments go to ctest. ORX_NO_INSTALL=1 installs no packages.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 . cmake/install_packages.sh
+. cmake/configure.sh
 
 install_packages "${build_packages[@]}" "${test_packages[@]}"
-if [ ! -f build/release/build.ninja ] || ! grep -q '^ORX_TESTS:BOOL=ON$' build/release/CMakeCache.txt; then
-  cmake --preset release -DORX_TESTS=ON
-fi
+configure release -DORX_TESTS=ON
 cmake --build --preset release
 ctest --preset release -j"$(nproc)" "$@"

@@ -1,6 +1,7 @@
 // Settings against SQLite used directly, by somebody who knows the number of the key and has all statements
 // prepared, and against QSettings, if Qt is there. Files lie on a disk, and both sides flush them as well.
 #include <benchmark/benchmark.h>
+#include <orx/frame/environment.h>
 #include <orx/settings/registry.h>
 #include <sqlite3.h>
 #include <stdlib.h>
@@ -117,7 +118,10 @@ class Stores {
     connection.Run(("VACUUM INTO '" + own_ + "'").c_str());
   }
 
-  void Use() const { setenv("ORX_USER_REGISTRY", library_.c_str(), 1); }
+  void Use() const {
+    setenv("ORX_USER_REGISTRY", library_.c_str(), 1);
+    orx_environment_changed();
+  }
   const std::string& own() const { return own_; }
 
  private:

@@ -12,10 +12,10 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s\n", failure.what());
     return 1;
   }
-  char database[256];
-  char place[155];
-  ProjectSetting_GetSiteDatabase(database);
-  ProjectSetting_GetSiteProjectDatagroup(place);
+  char database[sizeof(QPRInfo::SiteDatabase)];
+  char place[sizeof(QPRInfo)];
+  ProjectSetting_GetSiteDatabaseN(database, sizeof database, nullptr);
+  ProjectSetting_GetSiteProjectDatagroupN(place, sizeof place, nullptr);
   std::printf("%s in %s\n", place, database);
 
   CQPRFile& project = *GetCurrentQPRInfo();

@@ -13,6 +13,7 @@
 #include <orx/datetime/date_time_parse.h>
 #include <orx/frame/application_data.h>
 #include <orx/frame/debug_log.h>
+#include <orx/frame/environment.h>
 #include <orx/frame/file_queries.h>
 #include <orx/frame/host_callbacks.h>
 #include <orx/frame/native_path.h>

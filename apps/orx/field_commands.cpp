@@ -36,7 +36,7 @@ class Limit {
 
  private:
   bool is_given_;
-  std::array<char, sizeof(double)> bytes_{};
+  std::array<char, ORX_FIELD_VALUE_SIZE> bytes_{};
 };
 
 struct Imported {
@@ -95,14 +95,15 @@ void field(const Arguments& arguments, std::ostream& out) {
   const FieldType& type = *find_type(Among::kTypes, arguments.type);
   const Limit low(type, "--low", arguments.low);
   const Limit high(type, "--high", arguments.high);
-  // More than the text or a number needs makes no difference.
-  std::string bytes(std::max(arguments.text.size() + 1, sizeof(double)), '\0');
+  // More than the text or a value needs makes no difference.
+  constexpr std::size_t kValueSize = ORX_FIELD_VALUE_SIZE;
+  std::string bytes(std::max(arguments.text.size() + 1, kValueSize), '\0');
   const int size = std::min(arguments.size, static_cast<int>(bytes.size()));
   Imported imported{};
   imported.result =
       orxdb_StrToVal(arguments.text.c_str(), low.get(), high.get(), type.number,
                      arguments.subtype.value_or(type.kind.subtype), size, &imported.special, bytes.data());
-  if (static_cast<std::size_t>(size) >= type.kind.size) imported.value = type.kind.value(bytes.data());
+  imported.value = type.kind.value(bytes.data());
   write(out, field_record(type.kind, imported), arguments.format);
   if (imported.result == 0) return;
   throw Failure(arguments.text, imported.result == -1

@@ -40,17 +40,17 @@ bool read_limit(const std::string& text, char* bytes) {
 }
 
 constexpr ValueKind moment(int kind, const char* expected) {
-  return {sizeof(double), number_value<double>, nullptr, expected, orxDayMonthYear, kind};
+  return {number_value<double>, nullptr, expected, orxDayMonthYear, kind};
 }
 
-constexpr ValueKind kInteger{sizeof(std::int32_t), integer_value, read_limit<std::int32_t>, nullptr, 0, 0};
-constexpr ValueKind kFloat{sizeof(float), number_value<float>, read_limit<float>, nullptr, 0, 0};
-constexpr ValueKind kDouble{sizeof(double), number_value<double>, read_limit<double>, nullptr, 0, 0};
-constexpr ValueKind kNumber{sizeof(double), number_value<double>, nullptr, nullptr, 0, 0};
+constexpr ValueKind kInteger{integer_value, read_limit<std::int32_t>, nullptr, 0, 0};
+constexpr ValueKind kFloat{number_value<float>, read_limit<float>, nullptr, 0, 0};
+constexpr ValueKind kDouble{number_value<double>, read_limit<double>, nullptr, 0, 0};
+constexpr ValueKind kNumber{number_value<double>, nullptr, nullptr, 0, 0};
 constexpr ValueKind kAngle = kNumber;
-constexpr ValueKind kText{1, text_value, nullptr, nullptr, 0, 0};
-constexpr ValueKind kYesNo{sizeof(std::int32_t), integer_value, nullptr, "yes or no", 0, 0};
-constexpr ValueKind kNothing{0, no_value, nullptr, nullptr, 0, 0};
+constexpr ValueKind kText{text_value, nullptr, nullptr, 0, 0};
+constexpr ValueKind kYesNo{integer_value, nullptr, "yes or no", 0, 0};
+constexpr ValueKind kNothing{no_value, nullptr, nullptr, 0, 0};
 constexpr ValueKind kDate = moment(orxDateTimeDate, "a date");
 constexpr ValueKind kTime = moment(orxDateTimeTime, "a time");
 constexpr ValueKind kDateTime = moment(orxDateTimeFull, "a date and a time");

@@ -10,7 +10,6 @@ namespace orx::cli {
 
 // How values lie in a field.
 struct ValueKind {
-  std::size_t size;  // the least that a field needs
   Value (*value)(const char* bytes);
   bool (*read_limit)(const std::string& text, char* bytes);  // null when values are not below or above limits
   const char* expected;                                      // null when a text cannot fail to be read

@@ -18,6 +18,7 @@ namespace orx::cli {
 namespace {
 
 constexpr std::size_t kLongestName = 260;  // the library cuts the names of logs there
+static_assert(kLongestName + 1 >= ORX_APPLICATION_DATA_PATH_SIZE);
 constexpr std::streamoff kBlock = 65536;
 constexpr std::size_t kHead = 512;
 constexpr std::chrono::milliseconds kPause(200);

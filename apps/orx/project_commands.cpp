@@ -87,8 +87,9 @@ void project_show(const Arguments& arguments, std::ostream& out) {
   // Loaded in the place of the current project, but not verified: a broken project is shown too.
   CQPRFile& project = *GetCurrentQPRInfo();
   load(project, arguments.file);
-  std::array<char, 155> site_project_datagroup{};
-  ProjectSetting_GetSiteProjectDatagroup(site_project_datagroup.data());
+  std::array<char, sizeof(QPRInfo)> site_project_datagroup{};
+  ProjectSetting_GetSiteProjectDatagroupN(site_project_datagroup.data(), site_project_datagroup.size(),
+                                          nullptr);
   const QPRInfo& info = *project.GetQPRInfo();
 
   Record record = properties_of(project);

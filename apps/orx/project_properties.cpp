@@ -17,6 +17,7 @@ using NumberField = int& (*)(QPRInfo& info);
 struct Property {
   const char* name;
   TextField text;
+  std::size_t length;  // of the longest text in characters
   NumberField number;
 };
 
@@ -31,17 +32,17 @@ int& number(QPRInfo& info) {
 }
 
 constexpr Property kProperties[] = {
-    {"SiteName", text<&QPRInfo::SiteName>, nullptr},
-    {"SiteDatabase", text<&QPRInfo::SiteDatabase>, nullptr},
-    {"SiteDatabasePlatform", nullptr, nullptr},
-    {"SiteDatabaseServerName", text<&QPRInfo::SiteDatabaseServerName>, nullptr},
-    {"ProjectName", text<&QPRInfo::ProjectName>, nullptr},
-    {"DataGroupName", text<&QPRInfo::DataGroupName>, nullptr},
-    {"Coordinates", text<&QPRInfo::Coordinates>, nullptr},
-    {"Description", text<&QPRInfo::Description>, nullptr},
-    {"MajorVersion", nullptr, number<&QPRInfo::MajorVersion>},
-    {"MinorVersion", nullptr, number<&QPRInfo::MinorVersion>},
-    {"ReleaseVersion", nullptr, number<&QPRInfo::ReleaseVersion>},
+    {"SiteName", text<&QPRInfo::SiteName>, ORX_SITE_NAME_LENGTH, nullptr},
+    {"SiteDatabase", text<&QPRInfo::SiteDatabase>, ORX_SITE_DATABASE_LENGTH, nullptr},
+    {"SiteDatabasePlatform", nullptr, 0, nullptr},
+    {"SiteDatabaseServerName", text<&QPRInfo::SiteDatabaseServerName>, ORX_SERVER_NAME_LENGTH, nullptr},
+    {"ProjectName", text<&QPRInfo::ProjectName>, ORX_PROJECT_NAME_LENGTH, nullptr},
+    {"DataGroupName", text<&QPRInfo::DataGroupName>, ORX_DATA_GROUP_NAME_LENGTH, nullptr},
+    {"Coordinates", text<&QPRInfo::Coordinates>, ORX_COORDINATES_LENGTH, nullptr},
+    {"Description", text<&QPRInfo::Description>, ORX_DESCRIPTION_LENGTH, nullptr},
+    {"MajorVersion", nullptr, 0, number<&QPRInfo::MajorVersion>},
+    {"MinorVersion", nullptr, 0, number<&QPRInfo::MinorVersion>},
+    {"ReleaseVersion", nullptr, 0, number<&QPRInfo::ReleaseVersion>},
 };
 
 Value platform_name(CQPRFile& project) {
@@ -50,10 +51,10 @@ Value platform_name(CQPRFile& project) {
   return name.GetString();
 }
 
-bool set_text(std::span<char> field, const std::string& value, std::string& reason) {
-  if (value.size() >= field.size()) {
+bool set_text(std::span<char> field, std::size_t length, const std::string& value, std::string& reason) {
+  if (width_of(value) > length || value.size() >= field.size()) {
     reason =
-        "takes " + std::to_string(field.size() - 1) + " bytes at most, not " + std::to_string(value.size());
+        "takes " + std::to_string(length) + " characters at most, not " + std::to_string(width_of(value));
     return false;
   }
   std::ranges::fill(std::ranges::copy(value, field.begin()).out, field.end(), '\0');
@@ -102,7 +103,7 @@ bool set_property(QPRInfo& info, const std::string& setting, std::string& reason
     return false;
   }
   std::string why;
-  const bool done = property->text != nullptr     ? set_text(property->text(info), value, why)
+  const bool done = property->text != nullptr ? set_text(property->text(info), property->length, value, why)
                     : property->number != nullptr ? set_number(property->number(info), value, why)
                                                   : set_platform(info.SiteDatabasePlatform, value, why);
   if (!done) reason = std::string(property->name) + ' ' + why;

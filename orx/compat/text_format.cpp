@@ -3,8 +3,6 @@
 #include <cerrno>
 #include <cstdio>
 
-#include <locale.h>
-
 namespace orx::compat {
 namespace {
 
@@ -16,10 +14,14 @@ locale_t made_locale() {
 
 }  // namespace
 
+locale_t format_locale() {
+  static const locale_t locale = made_locale();
+  return locale;
+}
+
 int format_text(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
   const int host_errno = errno;
-  static const locale_t own_locale = made_locale();
-  const locale_t host_locale = uselocale(own_locale);
+  const locale_t host_locale = uselocale(format_locale());
   errno = host_errno;  // for %m
   const int length = std::vsnprintf(buffer, size, format, arguments);
   uselocale(host_locale);

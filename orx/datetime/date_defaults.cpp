@@ -18,7 +18,8 @@ namespace {
 using orx::datetime::static_defaults;
 
 orxDateTime conversion_record(int kind) {
-  return {0.0, static_cast<int16_t>(static_defaults.conversion_order), static_cast<int16_t>(kind), 0};
+  return {0.0, orx::datetime::for_record(static_defaults.conversion_order), orx::datetime::for_record(kind),
+          0};
 }
 
 void put(int* output, int value) {
@@ -41,7 +42,7 @@ int orxDateTime_GetStaticDefaults(int* ymdFormat, int* pivot, int* fourDigitYear
 
 int orxDateTime_SetYMDFormat(orxDateTime* dt, int order) {
   const bool is_known = order >= orxMonthDayYear && order <= orxYearMonthDay;
-  if (dt != nullptr) dt->ymdFormat = static_cast<int16_t>(is_known ? order : static_defaults.order);
+  if (dt != nullptr) dt->ymdFormat = orx::datetime::for_record(is_known ? order : static_defaults.order);
   return 1;
 }
 

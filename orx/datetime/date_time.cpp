@@ -84,8 +84,9 @@ double value_of(const Fields& fields) {
 }  // namespace
 
 orxDateTime* orxDateTime_New(int kind) {
-  const auto order = static_cast<int16_t>(orx::datetime::static_defaults.order);
-  return new (std::nothrow) orxDateTime{0.0, order, static_cast<int16_t>(kind), kNoError};
+  using orx::datetime::for_record;
+  const std::int16_t order = for_record(orx::datetime::static_defaults.order);
+  return new (std::nothrow) orxDateTime{0.0, order, for_record(kind), kNoError};
 }
 
 int orxDateTime_Free(orxDateTime* dt) {

@@ -1,83 +1,98 @@
 #include <orx/frame/application_data.h>
 
-#include <orx/platform/file_system.h>
+#include <orx/frame/application_data_folder.h>
 #include <orx/platform/kept_errno.h>
 #include <orx/platform/paths.h>
 #include <orx/platform/registry_key.h>
+#include <orx/platform/shared_files.h>
 #include <orx/text/strings.h>
 
 #include <atomic>
+#include <cstring>
 #include <exception>
 #include <string>
 
 namespace {
 
 constexpr const char* kInstallKey = "SOFTWARE\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS";
-constexpr DWORD kConfiguredCapacity = 260;  // a longer value counts as none
+constexpr DWORD kConfiguredCapacity = ORX_APPLICATION_DATA_PATH_SIZE - 1;  // a longer value is ignored
 
-// The folder once it is found. Each log may look for it on its own thread; who comes second keeps to what the
-// first one found.
-constinit std::atomic<const CStringA*> found_folder = nullptr;
+// Each log may look for the folder on its own thread. The first answer that no failure has influenced is
+// kept. It is never freed, since threads may still write to a log while the process ends.
+enum Search { kOpen, kEnding, kDone };
+constinit std::atomic<Search> search = kOpen;
+constinit orx::ApplicationDataFolder kept_folder = "";
 
-// Frees it when the library goes. What still calls then, a static of the host, say, finds it once more.
-const struct Unloading {
-  ~Unloading() { delete found_folder.exchange(nullptr); }
-} unloading;
+void keep(const std::string& folder) {
+  Search expected = kOpen;
+  if (!search.compare_exchange_strong(expected, kEnding)) return;
+  std::memcpy(kept_folder, folder.c_str(), folder.size() + 1);
+  search = kDone;
+}
 
-bool read_configured(CStringA& folder) {
+LSTATUS read_configured(std::string& folder) {
   orx::platform::RegistryKey key;
-  if (key.Open(HKEY_LOCAL_MACHINE, kInstallKey, KEY_READ) != ERROR_SUCCESS) return false;
   char value[kConfiguredCapacity + 1] = "";
-  if (key.Query("ConfigFolder", value, kConfiguredCapacity) != ERROR_SUCCESS) return false;
-  folder = value;
-  return true;
+  LSTATUS status = key.Open(HKEY_LOCAL_MACHINE, kInstallKey, KEY_READ);
+  if (status == ERROR_SUCCESS) status = key.Query("ConfigFolder", value, kConfiguredCapacity);
+  if (status == ERROR_SUCCESS) folder = value;
+  return status == ERROR_MORE_DATA ? LSTATUS{ERROR_FILE_NOT_FOUND} : status;
 }
 
-CStringA folder_below(const std::string& shared) {
-  CStringA folder = shared.c_str();
-  for (const char* level : {"\\Halvark", "\\TESSEL"}) {
+// Empty when the variable is not set, or names a folder that is too long.
+std::string folder_of_all_users() {
+  std::string folder = orx::platform::public_folder();
+  constexpr const char* kLevels[] = {"\\Halvark", "\\TESSEL", "\\6.9.1\\"};
+  std::size_t length = folder.size();
+  for (const char* level : kLevels) length += std::strlen(level);
+  if (folder.empty() || length >= ORX_APPLICATION_DATA_PATH_SIZE) return "";
+  for (const char* level : kLevels) {
     folder += level;
-    orx::platform::create_folder(folder);
+    orx::platform::create_shared_folder(folder.c_str());
   }
-  return folder + "\\6.9.1\\";
-}
-
-CStringA look_for_folder() {
-  CStringA folder;
-  if (!read_configured(folder)) {
-    const std::string shared = orx::platform::public_folder();
-    if (!shared.empty()) folder = folder_below(shared);
-  }
-  if (!folder.IsEmpty()) orx::platform::create_folder(folder);
   return folder;
 }
 
-CStringA application_data_folder() {
-  if (const CStringA* found = found_folder) return *found;
-  const CStringA folder = look_for_folder();
-  if (folder.IsEmpty()) return folder;
-  const auto* mine = new CStringA(folder);
-  const CStringA* first = nullptr;
-  if (found_folder.compare_exchange_strong(first, mine)) return folder;
-  delete mine;
-  return *first;
+// False when the machine's settings could not be read, which may pass.
+bool look_for_folder(std::string& folder) {
+  const LSTATUS status = read_configured(folder);
+  if (status != ERROR_SUCCESS) {
+    folder = folder_of_all_users();
+  } else if (!folder.empty()) {
+    orx::platform::create_shared_folder(folder.c_str());
+  }
+  return status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
 }
 
 }  // namespace
 
+bool orx::find_application_data_folder(ApplicationDataFolder& folder) {
+  const platform::KeptErrno kept;
+  *folder = '\0';
+  try {
+    std::string found;
+    if (search != kDone && look_for_folder(found) && !found.empty()) keep(found);
+    const char* const answer = search == kDone ? kept_folder : found.c_str();
+    std::memcpy(folder, answer, std::strlen(answer) + 1);
+  } catch (const std::exception&) {  // by name: a thread that is cancelled unwinds through here
+  }
+  return search == kDone;
+}
+
 void GetApplicationDataPath(char* buffer, int size) {
   if (buffer == nullptr || size < 0) return;
-  CStringA path;
-  GetApplicationDataPathString(path);
-  ORX_strncpy(buffer, path, static_cast<std::size_t>(size));
+  orx::ApplicationDataFolder folder;
+  orx::find_application_data_folder(folder);
+  ORX_strncpy(buffer, folder, static_cast<std::size_t>(size));
 }
 
 void GetApplicationDataPathString(CStringA& path) {
   const orx::platform::KeptErrno kept;
+  orx::ApplicationDataFolder folder;
+  orx::find_application_data_folder(folder);
   path.Empty();
   try {
-    path = application_data_folder();
+    path = folder;
   } catch (const CAtlException&) {
-  } catch (const std::exception&) {  // by name: a thread that is cancelled unwinds through here
   }
 }

@@ -3,10 +3,11 @@
 #include <orx/compat/text_format.h>
 #include <orx/datetime/date_time.h>
 #include <orx/datetime/date_time_format.h>
-#include <orx/frame/application_data.h>
+#include <orx/frame/application_data_folder.h>
 #include <orx/platform/debug_output.h>
 #include <orx/platform/file_system.h>
 #include <orx/platform/kept_errno.h>
+#include <orx/platform/shared_files.h>
 #include <orx/text/strings.h>
 
 #include <atomic>
@@ -25,10 +26,11 @@ constexpr std::size_t kLongestFormatted = 4096;
 struct Log {
   const char* file;
   char name[kLongestName + 1];  // in full; empty until the first line or halvark_log_debug_init sets it
+  bool is_fixed;                // the next line does not look for the application data folder again
 };
 
-constinit Log main_log{"DEBUG.LOG", ""};
-constinit Log thread_log{"DEBUGThread.LOG", ""};
+constinit Log main_log{"DEBUG.LOG", "", false};
+constinit Log thread_log{"DEBUGThread.LOG", "", false};
 
 // Shared by the logs, and so by their threads.
 constinit std::atomic<bool> started = false;  // a start or a line was tried, in either log
@@ -37,11 +39,12 @@ constinit std::atomic<bool> echoes = false;
 // A null or empty folder: the application data folder. Where that is empty too there is no name, and no log
 // until it is found.
 void set_name(Log& log, const char* folder) {
-  char chosen[kLongestName + 1];
-  if (folder != nullptr && *folder != '\0') {
+  orx::ApplicationDataFolder chosen;
+  log.is_fixed = folder != nullptr && *folder != '\0';
+  if (log.is_fixed) {
     ORX_strncpy(chosen, folder, kLongestName);
   } else {
-    GetApplicationDataPath(chosen, kLongestName);
+    log.is_fixed = orx::find_application_data_folder(chosen);
   }
   const bool separated = std::string_view(chosen).ends_with('\\');
   *log.name = '\0';
@@ -76,8 +79,8 @@ int write(Log& log, const char* text) {
   if (echoes) std::puts(text);
   orx::platform::debug_output(text);
   started = true;
-  if (*log.name == '\0') set_name(log, nullptr);
-  return succeeds([&] { return orx::platform::append_to_file(log.name, line_of(text)); }) ? 0 : -1;
+  if (!log.is_fixed) set_name(log, nullptr);
+  return succeeds([&] { return orx::platform::append_to_log(log.name, line_of(text)); }) ? 0 : -1;
 }
 
 ORX_PRINTF(2, 0)
@@ -110,7 +113,8 @@ void write_header(Log& log) {
 int halvark_log_debug_init(const char* folder) {
   started = true;
   set_name(main_log, folder);
-  if (!succeeds([] { return orx::platform::clear_file(main_log.name); })) {
+  main_log.is_fixed = succeeds([] { return orx::platform::clear_log(main_log.name); });
+  if (!main_log.is_fixed) {
     *main_log.name = '\0';
     return -1;
   }

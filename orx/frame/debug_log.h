@@ -8,6 +8,11 @@
 // A line also goes to the debugger output and, on request, to the standard output of the C runtime, whatever
 // becomes of the file. Functions that write return 0, or -1 for a line that is not, or not wholly, in the
 // file; the next line tries the same file again. Each log is for one thread at a time.
+//
+// A log that does not exist is made, and whoever may write to its folder may write to it. In a folder where
+// other users may write, a link is followed only if this user or the administrator made it, a pipe or a
+// device is used only if it belongs to one of them, and a file with more than one name is refused: any of
+// these can be a trap that makes this user overwrite a file of his own.
 #pragma once
 
 #include <orx/compat/export.h>

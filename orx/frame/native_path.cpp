@@ -29,5 +29,5 @@ int orx_path_from_native(const char* native, char* out, size_t size) {
 }
 
 int orx_path_to_native(const char* path, char* out, size_t size) {
-  return convert(orx::platform::system_path, path, out, size);
+  return convert(orx::platform::existing_path, path, out, size);
 }

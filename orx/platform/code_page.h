@@ -4,6 +4,9 @@
 
 #include <orx/compat/bstr.h>
 
+#include <cstddef>
+#include <string_view>
+
 namespace orx::platform {
 
 // Space, tab, line feed, vertical tab, form feed, carriage return.
@@ -14,6 +17,13 @@ int compare_no_case(const char* left, const char* right);
 
 // The last backslash that is a character of its own, or null.
 const char* last_backslash(const char* text);
+
+// The number of characters. A byte that is part of no valid character counts as one or as none.
+int count_characters(std::string_view text);
+
+// How many bytes of a text fit into `most` bytes without a character that is cut. Bytes that are not text
+// count as characters of one byte.
+std::size_t whole_characters(std::string_view text, std::size_t most);
 
 // A wide copy that the caller owns (null: the empty text). Raises CAtlException: E_OUTOFMEMORY, or
 // E_INVALIDARG for a text that is not valid in the encoding.

@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace orx::platform {
 
@@ -31,10 +30,17 @@ std::uint64_t first_match_size(const char* pattern);
 // Bytes that the user may still write on the volume that holds a folder; 0 when that can't be had.
 std::uint64_t free_space(const char* folder);
 
-// Replaces a file as a whole, or creates it: what is written goes to a temporary file in the same folder, and
-// Commit flushes it to disk and puts it in the place of the old one, with the old one's permissions. A link
-// stays, its target is replaced. Until Commit has succeeded the old file is untouched; if it never does,
-// nothing is left behind. A file that may not be written, and anything that is not a file, is refused.
+// Replaces a file as a whole, or creates it. The content goes to a temporary file in the same folder, whose
+// name cannot be foretold. Commit flushes it to disk and renames it over the old file, with the old file's
+// permissions, access control list and, as far as the user may, owner. A link stays and its target is
+// replaced. Until Commit succeeds the old file is untouched. After a failure no temporary file is left; after
+// a kill the next replacement of the same file removes it, unless the folder has more than some thousand
+// entries or the file system has no locks.
+//
+// Where the folder refuses a replacement but the file may be written (a folder of somebody else, a file
+// mounted by itself), Commit writes into the file and restores the old content when that fails. This way is
+// not safe against a power cut or a kill. A file that may not be written, and anything that is not a regular
+// file, is refused.
 class FileReplacement {
  public:
   FileReplacement();
@@ -52,16 +58,7 @@ class FileReplacement {
   std::unique_ptr<State> state_;
 };
 
-// Each of these is false when it could not be done.
-//
-// One level; something that is there already stays.
-bool create_folder(const char* path);
+// False when it could not be done.
 bool remove_file(const char* path);
-
-// Both make a file that does not exist, and wait for nobody, so a pipe without a reader is refused. Bytes are
-// appended in one piece, before or behind those that other processes append, but never among them; only when
-// the disk has no room for all of them some may stay.
-bool clear_file(const char* path);
-bool append_to_file(const char* path, std::string_view bytes);
 
 }  // namespace orx::platform

@@ -5,16 +5,21 @@
 
 namespace orx::platform {
 
-// Gives errno back at the end of the scope as it was at its beginning.
+// Restores errno at the end of the scope to its value at the beginning.
+//
+// Both accesses are volatile. Clang assumes that `new (std::nothrow)` leaves errno alone. It would read errno
+// after the allocation, or would not write it back.
 class KeptErrno {
  public:
   KeptErrno() = default;
   KeptErrno(const KeptErrno&) = delete;
   KeptErrno& operator=(const KeptErrno&) = delete;
-  ~KeptErrno() { errno = value_; }
+  ~KeptErrno() { current() = value_; }
 
  private:
-  int value_ = errno;
+  static volatile int& current() { return errno; }
+
+  int value_ = current();
 };
 
 }  // namespace orx::platform

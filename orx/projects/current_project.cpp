@@ -2,59 +2,150 @@
 
 #include <orx/platform/code_page.h>
 #include <orx/platform/file_system.h>
+#include <orx/projects/never_destroyed.h>
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <string>
 #include <string_view>
 
 namespace {
 
-// Made when the library is loaded and not on demand, so that they are still there when the statics of a host
-// go.
-CQPRFile current_project;
-CQPRFile previous_project;
+orx::NeverDestroyed<CQPRFile> current;
+orx::NeverDestroyed<CQPRFile> previous;
+CQPRFile& current_project = current.object;
+CQPRFile& previous_project = previous.object;
 
-constexpr std::size_t kPathCapacity = 260;  // of the hosts' buffers for paths, with the NUL
-constexpr int kLongestMessage = 199;
+// An item as the getters see it. An item that is missing has no text.
+struct Item {
+  std::string_view text;
+  bool is_there = true;
+};
 
-// A host may have filled a field without its NUL: what it copies into has room for the longest text only.
+// A host may have filled a field without its NUL.
 template <std::size_t size>
-std::string_view view(const char (&field)[size]) {
-  return {field, strnlen(field, size - 1)};
+Item optional_item(const char (&field)[size]) {
+  return {{field, strnlen(field, size - 1)}};
 }
 
-int copy_text(char* buffer, std::string_view text) {
-  if (buffer == nullptr) return -1;
+template <std::size_t size>
+Item required_item(const char (&field)[size]) {
+  const std::string_view text = optional_item(field).text;
+  return {text, !text.empty()};
+}
+
+int copy_text(std::string_view text, char* buffer, std::size_t size) {
+  if (size <= text.size()) {
+    if (size > 0) *buffer = '\0';
+    return -1;
+  }
   text.copy(buffer, text.size());
   buffer[text.size()] = '\0';
   return 0;
 }
 
-int copy_filled(char* buffer, std::string_view text) { return text.empty() ? -1 : copy_text(buffer, text); }
+int copy_item(const Item& item, char* buffer, std::size_t size) {
+  return item.is_there && buffer != nullptr ? copy_text(item.text, buffer, size) : -1;
+}
 
-[[noreturn]] void fail_load(const CStringA& message) {
-  throw QprLoadFailedException(message.Left(kLongestMessage).GetString());
+int copy_item(const Item& item, char* buffer, std::size_t size, std::size_t* needed) {
+  if (needed != nullptr) *needed = item.is_there ? item.text.size() + 1 : 0;
+  if (buffer == nullptr) return item.is_there && needed != nullptr ? 0 : -1;
+  return copy_item(item, buffer, size);
+}
+
+// The message may need memory that is not there.
+[[noreturn]] void fail_load(const std::string& message) {
+  const std::string cut =
+      message.substr(0, orx::platform::whole_characters(message, ORX_LOAD_MESSAGE_LENGTH));
+  throw QprLoadFailedException(cut.c_str());
+}
+
+void load_current_project(const char* path) {
+  const std::string file = path != nullptr ? path : "";
+  CQPRFile fresh;
+  CStringA broken_rule;
+  if (orx::platform::entry_kind(file.c_str()) == orx::platform::EntryKind::kNone) {
+    fail_load("Cannot find the TESSEL project file '" + file + "'.");
+  }
+  fresh.SetFileName(file.c_str());
+  if (!fresh.Load()) fail_load("Failed when loading the TESSEL project file '" + file + "'.");
+  if (!fresh.Verify(broken_rule)) {
+    fail_load("The TESSEL project file '" + file + "' is invalid. " + broken_rule.GetString());
+  }
+  previous_project.CopyFrom(&current_project);
+  current_project.CopyFrom(&fresh);
 }
 
 const QPRInfo& info() { return *current_project.GetQPRInfo(); }
+
+Item site_name() { return required_item(info().SiteName); }
+Item site_database() { return required_item(info().SiteDatabase); }
+Item project_name() { return required_item(info().ProjectName); }
+Item data_group_name() { return required_item(info().DataGroupName); }
+Item base_path() { return required_item(info().ProjectBasePath); }
+Item description() { return optional_item(info().Description); }
+Item coordinates() { return optional_item(info().Coordinates); }
+
+// A JET database has no server.
+Item server_name() {
+  const auto& name = info().SiteDatabaseServerName;
+  return current_project.IsJETPlatform() ? optional_item(name) : required_item(name);
+}
+
+Item project_file() {
+  const std::string_view path = current_project.GetFileName();
+  return {path, !path.empty()};
+}
+
+Item project_folder() {
+  const Item file = project_file();
+  const char* end = orx::platform::last_backslash(file.text.data());
+  const std::size_t length = end != nullptr ? static_cast<std::size_t>(end - file.text.data()) : 0;
+  return {file.text.substr(0, length), file.is_there};
+}
+
+// "\site\project\data group\", with a placeholder for a name that is empty.
+class ComposedPath {
+ public:
+  ComposedPath() {
+    append("\\");
+    append_name(site_name(), "Unknown Site");
+    append_name(project_name(), "Unknown Project");
+    append_name(data_group_name(), "Unknown Datagroup");
+  }
+
+  std::string_view text() const { return {text_, length_}; }
+  bool is_complete() const { return is_complete_; }
+
+ private:
+  void append(std::string_view part) { length_ += part.copy(text_ + length_, part.size()); }
+
+  void append_name(const Item& name, std::string_view placeholder) {
+    append(name.is_there ? name.text : placeholder);
+    append("\\");
+    is_complete_ = is_complete_ && name.is_there;
+  }
+
+  char text_[sizeof(QPRInfo::SiteName) + sizeof(QPRInfo::ProjectName) + sizeof(QPRInfo::DataGroupName) + 1];
+  std::size_t length_ = 0;
+  bool is_complete_ = true;
+};
 
 }  // namespace
 
 CQPRFile* GetCurrentQPRInfo() { return &current_project; }
 
 void ProjectSetting_LoadCurrentQPRInfo(const char* path) {
-  const CStringA file(path);
-  CQPRFile fresh;
-  CStringA broken;
-  if (orx::platform::entry_kind(file) == orx::platform::EntryKind::kNone) {
-    fail_load("Cannot find the TESSEL project file '" + file + "'.");
+  try {
+    load_current_project(path);
+  } catch (const CAtlException&) {
+    throw QprLoadFailedException();
+  } catch (const std::bad_alloc&) {
+    throw QprLoadFailedException();
   }
-  fresh.SetFileName(file);
-  if (!fresh.Load()) fail_load("Failed when loading the TESSEL project file '" + file + "'.");
-  if (!fresh.Verify(broken)) fail_load("The TESSEL project file '" + file + "' is invalid. " + broken);
-  previous_project.CopyFrom(&current_project);
-  current_project.CopyFrom(&fresh);
 }
 
 int ProjectSetting_SaveCurrentQPRInfo(const char*) {
@@ -72,31 +163,69 @@ int ProjectSetting_RestorePreviousQPRInfo() {
   return 1;
 }
 
-int ProjectSetting_GetSiteName(char* buffer) { return copy_filled(buffer, view(info().SiteName)); }
-int ProjectSetting_GetSiteDatabase(char* buffer) { return copy_filled(buffer, view(info().SiteDatabase)); }
-int ProjectSetting_GetProjectName(char* buffer) { return ProjectSetting_GetProjectNameEx(buffer, nullptr); }
-int ProjectSetting_GetDataGroupName(char* buffer) { return copy_filled(buffer, view(info().DataGroupName)); }
-int ProjectSetting_GetProjectBasePath(char* buffer) {
-  return copy_filled(buffer, view(info().ProjectBasePath));
+int ProjectSetting_GetSiteName(char* buffer) { return copy_item(site_name(), buffer, ORX_SITE_NAME_SIZE); }
+int ProjectSetting_GetSiteNameN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(site_name(), buffer, size, needed);
+}
+
+int ProjectSetting_GetSiteDatabase(char* buffer) {
+  return copy_item(site_database(), buffer, ORX_SITE_DATABASE_SIZE);
+}
+int ProjectSetting_GetSiteDatabaseN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(site_database(), buffer, size, needed);
 }
 
 int ProjectSetting_GetDatabaseServerName(char* buffer) {
-  const std::string_view server = view(info().SiteDatabaseServerName);
-  return current_project.IsJETPlatform() ? copy_text(buffer, server) : copy_filled(buffer, server);
+  return copy_item(server_name(), buffer, ORX_SERVER_NAME_SIZE);
+}
+int ProjectSetting_GetDatabaseServerNameN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(server_name(), buffer, size, needed);
+}
+
+int ProjectSetting_GetProjectName(char* buffer) {
+  return copy_item(project_name(), buffer, ORX_PROJECT_NAME_SIZE);
+}
+int ProjectSetting_GetProjectNameN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(project_name(), buffer, size, needed);
+}
+
+int ProjectSetting_GetDataGroupName(char* buffer) {
+  return copy_item(data_group_name(), buffer, ORX_DATA_GROUP_NAME_SIZE);
+}
+int ProjectSetting_GetDataGroupNameN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(data_group_name(), buffer, size, needed);
+}
+
+int ProjectSetting_GetProjectBasePath(char* buffer) {
+  return copy_item(base_path(), buffer, ORX_BASE_PATH_SIZE);
+}
+int ProjectSetting_GetProjectBasePathN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(base_path(), buffer, size, needed);
+}
+
+int ProjectSetting_GetProjectDescription(char* buffer) {
+  return copy_item(description(), buffer, ORX_DESCRIPTION_SIZE);
+}
+int ProjectSetting_GetProjectDescriptionN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(description(), buffer, size, needed);
+}
+
+int ProjectSetting_GetProjectCoordinates(char* buffer) {
+  return copy_item(coordinates(), buffer, ORX_COORDINATES_SIZE);
+}
+int ProjectSetting_GetProjectCoordinatesN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(coordinates(), buffer, size, needed);
 }
 
 int ProjectSetting_GetProjectNameEx(char* buffer, size_t* length) {
-  const std::string_view name = view(info().ProjectName);
-  if (buffer == nullptr) {
-    if (length == nullptr) return -1;
-    *length = name.size();
-    return 0;
+  const std::string_view name = optional_item(info().ProjectName).text;
+  if (buffer != nullptr) {
+    const std::size_t size = length != nullptr ? std::min(*length, name.size()) + 1 : ORX_PROJECT_NAME_SIZE;
+    return copy_item(project_name(), buffer, size);
   }
-  if (!name.empty() && length != nullptr && name.size() > *length) {
-    *buffer = '\0';
-    return -1;
-  }
-  return copy_filled(buffer, name);
+  if (length == nullptr) return -1;
+  *length = name.size();
+  return 0;
 }
 
 int ProjectSetting_GetDatabasePlatform(int* platform) {
@@ -105,38 +234,34 @@ int ProjectSetting_GetDatabasePlatform(int* platform) {
   return 0;
 }
 
-int ProjectSetting_GetProjectDescription(char* buffer) { return copy_text(buffer, view(info().Description)); }
-int ProjectSetting_GetProjectCoordinates(char* buffer) { return copy_text(buffer, view(info().Coordinates)); }
-
 int ProjectSetting_GetCurrentQPRPath(char* buffer) {
-  const std::string_view path = current_project.GetFileName();
-  return path.size() < kPathCapacity && copy_filled(buffer, path) == 0;
+  const Item path = project_file();
+  const bool fits = path.text.size() < ORX_PROJECT_PATH_SIZE;
+  return fits && copy_item(path, buffer, ORX_PROJECT_PATH_SIZE) == 0 ? 1 : 0;
+}
+
+int ProjectSetting_GetCurrentQPRPathN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(project_file(), buffer, size, needed);
 }
 
 int ProjectSetting_GetCurrentProjectPath(char* buffer) {
-  const char* path = current_project.GetFileName();
-  if (*path == '\0') return -1;
-  const char* end = orx::platform::last_backslash(path);
-  const std::string_view folder(path, end != nullptr ? static_cast<std::size_t>(end - path) : 0);
-  return folder.size() < kPathCapacity ? copy_text(buffer, folder) : -1;
+  const Item folder = project_folder();
+  const bool fits = folder.text.size() < ORX_PROJECT_PATH_SIZE;
+  return fits ? copy_item(folder, buffer, ORX_PROJECT_PATH_SIZE) : -1;
+}
+
+int ProjectSetting_GetCurrentProjectPathN(char* buffer, size_t size, size_t* needed) {
+  return copy_item(project_folder(), buffer, size, needed);
 }
 
 int ProjectSetting_GetSiteProjectDatagroup(char* out) {
-  if (out == nullptr) return -1;
-  int result = 0;
-  const auto part = [&result](std::string_view name, const char* placeholder) {
-    if (!name.empty()) return name;
-    result = -1;
-    return std::string_view(placeholder);
-  };
-  char* end = out;
-  *end++ = '\\';
-  for (const std::string_view name :
-       {part(view(info().SiteName), "Unknown Site"), part(view(info().ProjectName), "Unknown Project"),
-        part(view(info().DataGroupName), "Unknown Datagroup")}) {
-    end += name.copy(end, name.size());
-    *end++ = '\\';
-  }
-  *end = '\0';
-  return result;
+  const ComposedPath path;
+  const int result = copy_item({path.text()}, out, ORX_SITE_PROJECT_DATAGROUP_SIZE);
+  return path.is_complete() ? result : -1;
+}
+
+int ProjectSetting_GetSiteProjectDatagroupN(char* out, size_t size, size_t* needed) {
+  const ComposedPath path;
+  const int result = copy_item({path.text()}, out, size, needed);
+  return path.is_complete() ? result : -1;
 }

@@ -1,9 +1,10 @@
 #include <orx/projects/local_settings.h>
 
+#include <orx/projects/never_destroyed.h>
+
 namespace {
 
-// Made when the library is loaded, so that it outlives the statics of hosts.
-CLocalProjectSettings local_project_settings;
+orx::NeverDestroyed<CLocalProjectSettings> local_project_settings;
 
 }  // namespace
 
@@ -32,4 +33,4 @@ void CLocalProjectSettings::GetHalvarkProgFolder(CStringA& folder) const { folde
 
 void CLocalProjectSettings::SetHalvarkProgFolder(const CStringA& folder) { suite_program_folder_ = folder; }
 
-CLocalProjectSettings* GetLocalProjectSettings() { return &local_project_settings; }
+CLocalProjectSettings* GetLocalProjectSettings() { return &local_project_settings.object; }

@@ -1,9 +1,12 @@
 #include <orx/projects/qpl_file.h>
 
 #include <orx/platform/code_page.h>
+#include <orx/projects/never_destroyed.h>
 #include <orx/projects/xml_handle.h>
 
 #include <map>
+#include <memory>
+#include <new>
 
 using orx::XmlHandle;
 
@@ -27,17 +30,26 @@ struct CQPLFile::List {
 
 namespace {
 
-// Made when the library is loaded and not on demand, so that it is still there when the statics of a host go.
-CQPLFile project_list;
+// Runs the work of a member; out of memory leaves it as CAtlException.
+template <class Work>
+auto with_one_exception(Work work) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    AtlThrow(E_OUTOFMEMORY);
+  }
+}
+
+orx::NeverDestroyed<CQPLFile> project_list;
 
 }  // namespace
 
-CQPLFile::CQPLFile() : list_(std::make_unique<List>()) {}
+CQPLFile::CQPLFile() : list_(with_one_exception([] { return std::make_unique<List>(); })) {}
 CQPLFile::CQPLFile(const CQPLFile& other)
-    : CProjectFile(other), list_(std::make_unique<List>(*other.list_)) {}
+    : CProjectFile(other), list_(with_one_exception([&] { return std::make_unique<List>(*other.list_); })) {}
 
 CQPLFile& CQPLFile::operator=(const CQPLFile& other) {
-  auto copy = std::make_unique<List>(*other.list_);
+  auto copy = with_one_exception([&] { return std::make_unique<List>(*other.list_); });
   CProjectFile::operator=(other);
   list_ = std::move(copy);
   return *this;
@@ -99,7 +111,9 @@ void CQPLFile::Clear() {
   list_->cursor = list_->projects.end();
 }
 
-void CQPLFile::SetProject(const CStringA& name, const CStringA& path) { list_->projects[name] = path; }
+void CQPLFile::SetProject(const CStringA& name, const CStringA& path) {
+  with_one_exception([&] { list_->projects[name] = path; });
+}
 
 int CQPLFile::GetProject(const CStringA& name, CStringA& path) const {
   const auto found = list_->projects.find(name);
@@ -130,4 +144,4 @@ int CQPLFile::GetNextProject(CStringA& name, CStringA& path) {
   return list_->Current(name, path);
 }
 
-CQPLFile* GetQPLInfo() { return &project_list; }
+CQPLFile* GetQPLInfo() { return &project_list.object; }

@@ -30,7 +30,8 @@ struct Property {
   const char* name;
   Kind kind;
   std::size_t offset;
-  std::size_t size;  // of the field, with the NUL of a text
+  std::size_t size;  // of the field in bytes
+  int length;        // of the longest text in characters
 
   char* Text(QPRInfo& info) const { return reinterpret_cast<char*>(&info) + offset; }
   int& Number(QPRInfo& info) const {
@@ -40,18 +41,23 @@ struct Property {
 
 // In the order in which they are written.
 constexpr Property kProperties[] = {
-    {"SiteName", Kind::kText, offsetof(QPRInfo, SiteName), sizeof(QPRInfo::SiteName)},
-    {"SiteDatabase", Kind::kText, offsetof(QPRInfo, SiteDatabase), sizeof(QPRInfo::SiteDatabase)},
-    {"SiteDatabasePlatform", Kind::kPlatform, offsetof(QPRInfo, SiteDatabasePlatform), sizeof(int)},
+    {"SiteName", Kind::kText, offsetof(QPRInfo, SiteName), sizeof(QPRInfo::SiteName), ORX_SITE_NAME_LENGTH},
+    {"SiteDatabase", Kind::kText, offsetof(QPRInfo, SiteDatabase), sizeof(QPRInfo::SiteDatabase),
+     ORX_SITE_DATABASE_LENGTH},
+    {"SiteDatabasePlatform", Kind::kPlatform, offsetof(QPRInfo, SiteDatabasePlatform), sizeof(int), 0},
     {"SiteDatabaseServerName", Kind::kText, offsetof(QPRInfo, SiteDatabaseServerName),
-     sizeof(QPRInfo::SiteDatabaseServerName)},
-    {"ProjectName", Kind::kText, offsetof(QPRInfo, ProjectName), sizeof(QPRInfo::ProjectName)},
-    {"DataGroupName", Kind::kText, offsetof(QPRInfo, DataGroupName), sizeof(QPRInfo::DataGroupName)},
-    {"Coordinates", Kind::kText, offsetof(QPRInfo, Coordinates), sizeof(QPRInfo::Coordinates)},
-    {"Description", Kind::kText, offsetof(QPRInfo, Description), sizeof(QPRInfo::Description)},
-    {"MajorVersion", Kind::kNumber, offsetof(QPRInfo, MajorVersion), sizeof(int)},
-    {"MinorVersion", Kind::kNumber, offsetof(QPRInfo, MinorVersion), sizeof(int)},
-    {"ReleaseVersion", Kind::kNumber, offsetof(QPRInfo, ReleaseVersion), sizeof(int)},
+     sizeof(QPRInfo::SiteDatabaseServerName), ORX_SERVER_NAME_LENGTH},
+    {"ProjectName", Kind::kText, offsetof(QPRInfo, ProjectName), sizeof(QPRInfo::ProjectName),
+     ORX_PROJECT_NAME_LENGTH},
+    {"DataGroupName", Kind::kText, offsetof(QPRInfo, DataGroupName), sizeof(QPRInfo::DataGroupName),
+     ORX_DATA_GROUP_NAME_LENGTH},
+    {"Coordinates", Kind::kText, offsetof(QPRInfo, Coordinates), sizeof(QPRInfo::Coordinates),
+     ORX_COORDINATES_LENGTH},
+    {"Description", Kind::kText, offsetof(QPRInfo, Description), sizeof(QPRInfo::Description),
+     ORX_DESCRIPTION_LENGTH},
+    {"MajorVersion", Kind::kNumber, offsetof(QPRInfo, MajorVersion), sizeof(int), 0},
+    {"MinorVersion", Kind::kNumber, offsetof(QPRInfo, MinorVersion), sizeof(int), 0},
+    {"ReleaseVersion", Kind::kNumber, offsetof(QPRInfo, ReleaseVersion), sizeof(int), 0},
 };
 
 const Property* find_property(const char* name) {
@@ -74,16 +80,25 @@ int to_int(std::string_view text) {
   return static_cast<int>(std::clamp<long long>(number, INT_MIN, INT_MAX));
 }
 
-bool store(char* field, std::size_t size, std::string_view text) {
-  if (text.size() >= size) return false;
+// Fills the field, whose array has space for any text of that length.
+template <std::size_t size>
+bool store(char (&field)[size], int length, std::string_view text) {
+  if (orx::platform::count_characters(text) > length) return false;
   std::memset(field, 0, size);
-  text.copy(field, text.size());
+  text.copy(field, size - 1);
   return true;
 }
 
 bool is_platform_of(const QPRInfo& info, int type) {
   int its_type = 0;
   return CDbPlatformUtil::GetPlatformType(info.SiteDatabasePlatform, &its_type) && its_type == type;
+}
+
+bool check_length(const Property& property, std::string_view text, CStringA& reason) {
+  const int length = orx::platform::count_characters(text);
+  if (length <= property.length) return true;
+  reason.Format("%s has %d characters, it may have %d", property.name, length, property.length);
+  return false;
 }
 
 // A value that its field cannot hold is refused, rather than opening a project with a name cut short.
@@ -99,9 +114,18 @@ bool read_value(QPRInfo& info, const Property& property, const CStringA& value, 
     case Kind::kText:
       break;
   }
-  if (store(property.Text(info), property.size, value.GetString())) return true;
-  reason.Format("%s has %d bytes, it may have %d", property.name, value.GetLength(),
-                static_cast<int>(property.size - 1));
+  if (!check_length(property, value.GetString(), reason)) return false;
+  std::memset(property.Text(info), 0, property.size);
+  std::memcpy(property.Text(info), value.GetString(), static_cast<std::size_t>(value.GetLength()));
+  return true;
+}
+
+// Hosts write the record directly, so its texts may be anything.
+bool check_text(QPRInfo& info, const Property& property, CStringA& reason) {
+  const char* text = property.Text(info);
+  const std::size_t size = strnlen(text, property.size);
+  if (size < property.size) return check_length(property, {text, size}, reason);
+  reason = CStringA(property.name) + ": the text has no end";
   return false;
 }
 
@@ -145,11 +169,17 @@ CQPRFile& CQPRFile::operator=(const CQPRFile&) = default;
 CQPRFile::~CQPRFile() = default;
 
 int CQPRFile::Load() {
-  return Complete([this] { return ReadProperties() && DerivePaths(); });
+  return Complete([this] {
+    // A copy, which becomes the record only when nothing can fail any more for a lack of memory.
+    QPRInfo info{};
+    if (!ReadProperties(info)) return 0;
+    const int result = DerivePaths(info);
+    info_ = info;
+    return result;
+  });
 }
 
-// Fills a copy, which becomes the record when the whole file has been read.
-int CQPRFile::ReadProperties() {
+int CQPRFile::ReadProperties(QPRInfo& info) {
   XmlHandle<IXMLDOMElement> root;
   XmlHandle<IXMLDOMNode> project;
   XmlHandle<IXMLDOMNodeList> properties;
@@ -157,7 +187,6 @@ int CQPRFile::ReadProperties() {
   if (project == nullptr) return Fail("there is no PROJECT element");
   if (!SelectXMLNodes(project, "//PROPERTY", properties.Out())) return 0;
 
-  QPRInfo info{};
   info.SiteDatabasePlatform = kUnknownPlatform;
   std::memcpy(info.ProjectBasePath, info_.ProjectBasePath, sizeof info.ProjectBasePath);
   std::memcpy(info.Coordinates, info_.Coordinates, sizeof info.Coordinates);
@@ -171,12 +200,11 @@ int CQPRFile::ReadProperties() {
     if (property == nullptr || !FindXMLAttribute(node, "VALUE", value)) continue;
     if (!read_value(info, *property, value, reason)) return Fail(reason);
   }
-  info_ = info;
   return 1;
 }
 
 // A project lies in a folder of its own below the base path, and a JET database beside the project file.
-int CQPRFile::DerivePaths() {
+int CQPRFile::DerivePaths(QPRInfo& info) {
   const char* file = GetFileName();
   const char* file_end = last_backslash(file);
   const CStringA folder(file,
@@ -186,16 +214,16 @@ int CQPRFile::DerivePaths() {
   int result = 1;
   if (base_length <= 1) {
     result = Fail("the path is too shallow to hold a project folder");
-  } else if (!store(info_.ProjectBasePath, sizeof info_.ProjectBasePath,
+  } else if (!store(info.ProjectBasePath, ORX_BASE_PATH_LENGTH,
                     {folder.GetString(), static_cast<std::size_t>(base_length)})) {
     result = Fail("the path is too long to hold a project folder");
   }
 
-  if (IsJETPlatform()) {
-    const char* separator = last_backslash(info_.SiteDatabase);
-    const bool has_folder = separator != nullptr && separator > info_.SiteDatabase;
-    const CStringA database = folder + '\\' + (has_folder ? separator + 1 : info_.SiteDatabase);
-    store(info_.SiteDatabase, sizeof info_.SiteDatabase, database.GetString());
+  if (is_platform_of(info, enDbPlatformTypeJET)) {
+    const char* separator = last_backslash(info.SiteDatabase);
+    const bool has_folder = separator != nullptr && separator > info.SiteDatabase;
+    const CStringA database = folder + '\\' + (has_folder ? separator + 1 : info.SiteDatabase);
+    store(info.SiteDatabase, ORX_SITE_DATABASE_LENGTH, database.GetString());
   }
   return result;
 }
@@ -208,15 +236,13 @@ int CQPRFile::WriteProperties() {
   XmlHandle<IXMLDOMElement> root, project, element;
   if (!CreateXMLDocument(root.Out(), "QPR") || !CreateXMLElement(root, "PROJECT", project.Out())) return 0;
   for (const Property& property : kProperties) {
-    if (property.kind == Kind::kText && strnlen(property.Text(info_), property.size) == property.size) {
-      return Fail(CStringA(property.name) + ": the text has no end");
-    }
+    CStringA reason;
+    if (property.kind == Kind::kText && !check_text(info_, property, reason)) return Fail(reason);
     if (!CreateXMLElement(project, "PROPERTY", element.Out()) ||
         !SetXMLAttributeText(element, "NAME", property.name)) {
       return 0;
     }
     if (!SetXMLAttributeText(element, "VALUE", written_value(info_, property))) {
-      CStringA reason;
       GetLastFailure(reason);
       return Fail(CStringA(property.name) + ": " + reason);
     }

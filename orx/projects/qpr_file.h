@@ -9,18 +9,34 @@
 
 #include <stddef.h>
 
-// Texts are NUL-terminated, their arrays one byte larger than the longest text; copying the bytes copies a
-// project.
+// The longest texts of a project in characters: code points where narrow text is UTF-8, otherwise characters
+// of the ANSI code page.
+#define ORX_SITE_NAME_LENGTH 50
+#define ORX_SITE_DATABASE_LENGTH 255
+#define ORX_SERVER_NAME_LENGTH 80
+#define ORX_PROJECT_NAME_LENGTH 50
+#define ORX_DATA_GROUP_NAME_LENGTH 50
+#define ORX_BASE_PATH_LENGTH 260
+#define ORX_COORDINATES_LENGTH 19
+#define ORX_DESCRIPTION_LENGTH 128
+
+// The bytes of a field for `length` characters: a character has at most four bytes, and a NUL follows the
+// text.
+#define ORX_FIELD_SIZE(length) (4 * (length) + 1)
+
+// One project. Texts are NUL-terminated. Copying the bytes copies the project.
 typedef struct QPRInfo {
-  char SiteName[51];
-  char SiteDatabase[256];    // JET: the path of the database file; SQL: the database on the server
+  char SiteName[ORX_FIELD_SIZE(ORX_SITE_NAME_LENGTH)];
+  // JET: the path of the database file. SQL: the name of the database on the server.
+  char SiteDatabase[ORX_FIELD_SIZE(ORX_SITE_DATABASE_LENGTH)];
   int SiteDatabasePlatform;  // an identifier of the platform catalogue; -1: unknown; 0: cleared
-  char SiteDatabaseServerName[81];
-  char ProjectName[51];
-  char DataGroupName[51];
-  char ProjectBasePath[261];  // derived on load: the folder that contains the folder of the project file
-  char Coordinates[20];
-  char Description[129];
+  char SiteDatabaseServerName[ORX_FIELD_SIZE(ORX_SERVER_NAME_LENGTH)];
+  char ProjectName[ORX_FIELD_SIZE(ORX_PROJECT_NAME_LENGTH)];
+  char DataGroupName[ORX_FIELD_SIZE(ORX_DATA_GROUP_NAME_LENGTH)];
+  // Derived on load: the folder that contains the folder of the project file.
+  char ProjectBasePath[ORX_FIELD_SIZE(ORX_BASE_PATH_LENGTH)];
+  char Coordinates[ORX_FIELD_SIZE(ORX_COORDINATES_LENGTH)];
+  char Description[ORX_FIELD_SIZE(ORX_DESCRIPTION_LENGTH)];
   int MajorVersion;
   int MinorVersion;
   int ReleaseVersion;
@@ -40,9 +56,10 @@ typedef enum enProjectVersionT {
 #include <exception>
 #include <string>
 
-static_assert(offsetof(QPRInfo, SiteDatabasePlatform) == 308 &&
-              offsetof(QPRInfo, SiteDatabaseServerName) == 312 && offsetof(QPRInfo, ProjectBasePath) == 495 &&
-              offsetof(QPRInfo, MajorVersion) == 908 && sizeof(QPRInfo) == 920);
+static_assert(offsetof(QPRInfo, SiteDatabasePlatform) == 1224 &&
+              offsetof(QPRInfo, SiteDatabaseServerName) == 1228 &&
+              offsetof(QPRInfo, ProjectBasePath) == 1951 && offsetof(QPRInfo, MajorVersion) == 3584 &&
+              sizeof(QPRInfo) == 3596);
 
 // Why the current project could not be loaded.
 class ORX_API QprLoadFailedException : public std::exception {
@@ -66,14 +83,15 @@ class ORX_API CQPRFile : public CProjectFile {
   CQPRFile& operator=(const CQPRFile& other);
   ~CQPRFile() override;
 
-  // Reads the file. Coordinates and Description keep what they held when the file does not set them, the base
-  // path when it cannot be derived. A JET database is looked for beside the project file, whatever folder the
-  // file says. When the folder is too shallow to have a base path the result is 0 although the record holds
-  // what the file said; after any other failure, a value longer than its field among them, the record is
-  // unchanged.
+  // Reads the file into the record. Coordinates and Description keep their values when the file does not set
+  // them. A JET database is looked for beside the project file, whatever folder the file names. When the
+  // file's path has no base path, the result is 0 although the record holds the content of the file, and the
+  // base path keeps its value. After any other failure, for example a value that is longer than its field,
+  // the record is unchanged.
   int Load() override;
 
-  // Replaces the file by the record, unverified.
+  // Replaces the file by the record, without verifying it. A text that Load would refuse as too long is
+  // refused.
   int Save() override;
 
   // 1 and the message unchanged, or 0 and the first rule that is broken.
@@ -101,9 +119,9 @@ class ORX_API CQPRFile : public CProjectFile {
   int IsJETPlatform();
 
  private:
-  int ReadProperties();
+  int ReadProperties(QPRInfo& info);
   int WriteProperties();
-  int DerivePaths();
+  int DerivePaths(QPRInfo& info);
 
   QPRInfo info_;
 };

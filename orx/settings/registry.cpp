@@ -143,7 +143,7 @@ int initialise(const Levels& levels, const char* name, const Value& value) {
 
 // An empty name is the key itself. The product key is not to be deleted or emptied.
 template <class Delete>
-int remove(const char* key1, const char* name, Delete delete_key) {
+int remove_key(const char* key1, const char* name, Delete delete_key) {
   return guarded([&] {
     const Path path({key1}, EmptyLevel::kPassedOver);
     const bool is_empty = name == nullptr || *name == '\0';
@@ -262,11 +262,11 @@ int hvk_RegOpenKey(const char* key1, const char* key2, const char* key3, const c
 int hvk_RegCloseKey(HKEY* key) { return key != nullptr ? result_of(RegCloseKey(*key)) : -1; }
 
 int hvk_RegDeleteKey(const char* key1, const char* name) {
-  return remove(key1, name, [](HKEY key, const char* path) { return RegDeleteKeyA(key, path); });
+  return remove_key(key1, name, [](HKEY key, const char* path) { return RegDeleteKeyA(key, path); });
 }
 
 int hvk_RegSHDeleteKey(const char* key1, const char* name) {
-  return remove(key1, name, [](HKEY key, const char* path) { return SHDeleteKeyA(key, path); });
+  return remove_key(key1, name, [](HKEY key, const char* path) { return SHDeleteKeyA(key, path); });
 }
 
 int hvk_GetChartwrightInstallFolder(char* buffer, int size) {

@@ -2,6 +2,7 @@
 
 #include <orx/compat/number_text.h>
 #include <orx/datetime/date_time_parse.h>
+#include <orx/datetime/static_defaults.h>
 #include <orx/platform/code_page.h>
 #include <orx/text/angle_text.h>
 #include <orx/text/strings.h>
@@ -64,10 +65,12 @@ int read_angle(const Field& field) {
 int read_nothing(const Field&) { return 0; }
 
 int read_text(const Field& field) {
+  if (field.size <= 0) return kCut;
   const auto size = static_cast<std::size_t>(field.size);
-  const std::size_t length = strnlen(field.text, size);
-  std::memcpy(field.dst, field.text, std::min(length, size - 1));
-  return length < size ? 0 : kCut;
+  const std::string_view text(field.text, strnlen(field.text, size));
+  const std::size_t stored = orx::platform::whole_characters(text, size - 1);
+  std::memcpy(field.dst, field.text, stored);
+  return text.size() < size ? 0 : kCut;
 }
 
 int read_yes_no(const Field& field) {
@@ -82,7 +85,8 @@ int read_yes_no(const Field& field) {
 
 int read_moment(const Field& field, int kind, const char* text) {
   orxdb_SetDateFormat(field.subtype);
-  orxDateTime moment{0.0, static_cast<std::int16_t>(date_order), static_cast<std::int16_t>(kind), 0};
+  using orx::datetime::for_record;
+  orxDateTime moment{0.0, for_record(date_order), for_record(kind), 0};
   if (orxDateTime_ParseString(&moment, text) != 0) return kNotRead;
   store(field, moment.value);
   return 0;
@@ -103,7 +107,7 @@ enum class Tokens { kNone, kOfValue, kOfMeasurement };
 
 struct Type {
   Tokens tokens;
-  int least_size;
+  std::size_t value_size;
   int (*read)(const Field& field);
   bool (*read_plain)(const Field& field) = nullptr;
 };
@@ -112,7 +116,7 @@ constexpr Type kTypes[] = {
     {Tokens::kNone, 0, read_nothing},
     {Tokens::kOfMeasurement, sizeof(std::int32_t), read_integer},
     {Tokens::kOfMeasurement, sizeof(float), read_number<float>, read_plain_number<float>},
-    {Tokens::kNone, 1, read_text},
+    {Tokens::kNone, 0, read_text},
     {Tokens::kNone, sizeof(std::int32_t), read_yes_no},
     {Tokens::kNone, 0, read_nothing},
     {Tokens::kOfValue, sizeof(double), read_date},
@@ -124,7 +128,7 @@ constexpr Type kTypes[] = {
     {Tokens::kOfValue, sizeof(double), read_angle},
     {Tokens::kOfValue, sizeof(double), read_angle},
     {Tokens::kOfValue, sizeof(double), read_angle},
-    {Tokens::kNone, 1, read_text},
+    {Tokens::kNone, 0, read_text},
     {Tokens::kOfValue, sizeof(double), read_angle},
     {Tokens::kOfValue, sizeof(double), read_number<double>, read_plain_number<double>},
 };
@@ -192,7 +196,7 @@ void read_limited(Field field, const Type& type, char sign, const void* limit) {
   if (*field.text != '\0') {
     type.read(field);
   } else if (limit != nullptr) {
-    std::copy_n(static_cast<const char*>(limit), type.least_size, static_cast<char*>(field.dst));
+    std::memcpy(field.dst, limit, type.value_size);
   }
 }
 
@@ -201,18 +205,20 @@ void read_limited(Field field, const Type& type, char sign, const void* limit) {
 int orxdb_StrToVal(const char* text, const void* lowLimit, const void* highLimit, int type, int subtype,
                    int size, int* special, void* dst) {
   int ignored;
+  char unwanted[sizeof(double)];
   if (special == nullptr) special = &ignored;
   if (text == nullptr) text = "";
-  if (dst == nullptr) size = 0;
-  if (size > 0) std::memset(dst, 0, static_cast<std::size_t>(size));
+  if (dst == nullptr) {
+    dst = unwanted;
+    size = 0;
+  }
   if (type == orxdbDouble) type = double_type(subtype);
   const Type& row = type_of(type);
   const Field field{text, type, subtype, size, dst};
-  const bool has_room = size >= row.least_size;
+  if (size > 0) std::memset(dst, 0, static_cast<std::size_t>(size));
   *special = orxdbOrdinary;
-  if (has_room && row.read_plain != nullptr && row.read_plain(field)) return 0;
+  if (row.read_plain != nullptr && row.read_plain(field)) return 0;
   orxdb_StrToSpecialVal(type, text, special);
-  if (!has_room) return kCut;
   if (*special == orxdbOrdinary) return row.read(field);
   if (*special == orxdbBelow) read_limited(field, row, '<', lowLimit);
   if (*special == orxdbAbove) read_limited(field, row, '>', highLimit);

@@ -22,8 +22,8 @@ bool is_value(VARTYPE type) {
          type != VT_ARRAY;
 }
 
-// Carries out one operation: 1, or 0 with its reason in `failure`. Exhausted memory is told as the strings
-// tell it.
+// Carries out one operation: 1, or 0 with its reason in `failure`. Out of memory raises
+// CAtlException, as in CStringA.
 template <class Operation>
 int attempt(CStringA& failure, Operation operation) {
   const orx::platform::KeptErrno kept;
@@ -42,7 +42,11 @@ template <class Operation>
 int through_narrow(std::string& text, Operation operation) {
   CStringA narrow(text.data(), static_cast<int>(text.size()));
   const int result = operation(narrow);
-  text.assign(narrow, static_cast<std::size_t>(narrow.GetLength()));
+  try {
+    text.assign(narrow, static_cast<std::size_t>(narrow.GetLength()));
+  } catch (const std::bad_alloc&) {
+    AtlThrow(E_OUTOFMEMORY);
+  }
   return result;
 }
 

@@ -55,7 +55,7 @@ unchanged bad.qpr row 1 '' 'orx: bad.qpr: The site name cannot be empty.' projec
 # project set: all settings or none
 refused() { unchanged 'jét 1.qpr' row 1 '' "orx: jét 1.qpr: $1" project set 'jét 1.qpr' Coordinates=changed "$2"; }
 refused "a project has no property 'Bogus'" Bogus=1
-refused 'SiteName takes 50 bytes at most, not 51' "siteNAME=$(printf 'x%.0s' {1..51})"
+refused 'SiteName takes 50 characters at most, not 51' "siteNAME=$(printf 'x%.0s' {1..51})"
 refused "SiteDatabasePlatform takes a name*'SQL2'" SiteDatabasePlatform=SQL2
 refused "MajorVersion takes a whole number, not '6x'" MajorVersion=6x
 refused "ReleaseVersion takes a whole number, not '99999999999'" ReleaseVersion=99999999999
@@ -83,7 +83,7 @@ row 1 '{*"Valid": false,*"Reason": "The database*}' 'orx: broken.qpr: The *' pro
 unchanged broken.qpr row 1 '' 'orx: broken.qpr: The *' project set broken.qpr Coordinates=c
 echo '<QPR>' > torn.qpr
 row 1 '{*"Reason": "?*"*}' 'orx: torn.qpr: ?*' project verify --json torn.qpr
-row 1 $'{*"File": "\uFFFD"*}' $'orx: \xff: *' project verify --json $'\xff'
+row 1 $'{*"File": "\xef\xbf\xbd"*}' $'orx: \xff: *' project verify --json $'\xff'
 row 0 'sql.qpr: valid' '' project verify sql.qpr
 row 0 '{*"Valid": true,*"Reason": null*}' '' project verify --json sql.qpr
 
@@ -307,8 +307,8 @@ done << 'TABLE'
 0|0.0|6,*"NE|0|number -
 0|"Süd \\\\ \\"Feld\\""|0,*"ordinary|0|text 'Süd \ "Feld"' --size 14
 0|"list"|0,*"ordinary|0|long-text list --size 5
-1|"S�"|0,*"ordinary|-3|text Süd --size 3|it does not fit into 3 bytes
-1|null|3,*"NC|-3|dm nc --size 7|it does not fit into 7 bytes
+1|"S"|0,*"ordinary|-3|text Süd --size 3|it does not fit into 3 bytes
+0|0.0|3,*"NC|0|dm nc --size 7
 1|0|0,*"ordinary|-1|yes-no ''|it is not yes or no
 0|1|0,*"ordinary|0|yes-no Y
 0|null|0,*"ordinary|0|5 x

@@ -49,6 +49,9 @@ TEST(DateTimeFormat, DefaultsDecideDigitsAndOrders) {
   EXPECT_EQ(record->ymdFormat, 1);
   EXPECT_EQ(orxDateTime_SetYMDFormat(record, 0) + record->ymdFormat, 1);
   EXPECT_EQ(orxDateTime_SetYMDFormat(record, 5) + record->ymdFormat, 2) << "the default";
+  orxDateTime_SetStaticDefaults(65537, 30, 0);
+  orxDateTime_SetYMDFormat(record, -65535);
+  EXPECT_GT(record->ymdFormat, orxYearMonthDay) << "an unknown order is not another one";
   orxDateTime_Free(record);
   orxDateTime_SetStaticDefaults(2, 30, 0);
 }
@@ -61,6 +64,8 @@ TEST(DateTimeFormat, ConvertsInOneCall) {
   EXPECT_STREQ(text, "15/03/23 12:00:00");
   EXPECT_EQ(orxutil_StrToDateTimeEx(text, &value), 0);
   EXPECT_EQ(value, 45000.5);
+  orxutil_SetDateFormatEx(65537);
+  EXPECT_EQ(orxutil_StrToDateTimeEx(text, &value), -1);
   orxutil_SetDateFormatEx(2);
   EXPECT_EQ(orxutil_StrToDateTimeEx("99/99/99", &value), -1);
   EXPECT_EQ(value, 45000.5) << "unchanged";

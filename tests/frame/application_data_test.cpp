@@ -1,6 +1,8 @@
 #include <orx/frame/application_data.h>
 
 #include <gtest/gtest.h>
+#include <orx/frame/debug_log.h>
+#include <sys/resource.h>
 #include <tests/support/process.h>
 #include <tests/support/registry.h>
 
@@ -23,6 +25,13 @@ class ApplicationData : public RegistryTest {
     return path.GetString();
   }
 
+  void Configure(const std::string& value, DWORD type) {
+    const HKEY key =
+        Made("Software\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS", HKEY_LOCAL_MACHINE);
+    const auto* data = reinterpret_cast<const BYTE*>(value.c_str());
+    RegSetValueExA(key, "ConfigFolder", 0, type, data, static_cast<DWORD>(value.size() + 1));
+  }
+
   const ScopedVariable drives_{"ORX_DRIVES", folder_.path().c_str()};
 };
 
@@ -33,8 +42,9 @@ TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
   for (const auto& [shared, is_made] : cases) {
     fs::remove_all(folder_.path("c"));
     fs::create_directory(folder_.path("c"));
-    in_new_process([&] {
+    in_new_process([&, &shared = shared, is_made = is_made] {
       EXPECT_EQ(Found(nullptr) + Found(""), "") << "looked for again";
+      EXPECT_EQ(Found(std::string(239, 'n').c_str()), "") << "too long";
       const std::string found = Found(shared.c_str());
       EXPECT_EQ(found, shared + "\\Halvark\\TESSEL\\6.9.1\\");
       EXPECT_EQ(fs::remove(made), is_made);
@@ -61,16 +71,30 @@ TEST_F(ApplicationData, IsAsItIsConfigured) {
                                                                {longest + "n", REG_SZ, of_public},
                                                                {"", REG_SZ, ""}};
   for (const auto& [value, type, found] : cases) {
-    in_new_process([&] {
-      const HKEY key =
-          Made("Software\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS", HKEY_LOCAL_MACHINE);
-      const auto* data = reinterpret_cast<const BYTE*>(value.c_str());
-      RegSetValueExA(key, "ConfigFolder", 0, type, data, static_cast<DWORD>(value.size() + 1));
+    in_new_process([&, &value = value, type = type, &found = found] {
+      Configure(value, type);
       EXPECT_EQ(Found("C:"), found);
     });
   }
   for (const char* made : {"TESSEL", "%OS%", "Halvark/TESSEL/6.9.1"})
     EXPECT_TRUE(fs::is_directory(folder_.path("c") + "/" + made)) << made;
+}
+
+TEST_F(ApplicationData, IsNotKeptWhenTheConfiguredFolderCouldNotBeRead) {
+  in_new_process([&] { Configure("C:\\TESSEL", REG_SZ); });
+  in_new_process([&] {
+    rlimit files;
+    getrlimit(RLIMIT_NOFILE, &files);
+    const rlimit none{0, files.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_EQ(Found("C:"), "C:\\Halvark\\TESSEL\\6.9.1\\");
+    EXPECT_EQ(halvark_log_debug_write("lost"), -1);
+    setrlimit(RLIMIT_NOFILE, &files);
+    fs::create_directories(folder_.path("c/TESSEL"));
+    EXPECT_EQ(halvark_log_debug_write("line"), 0);
+    EXPECT_EQ(Found("C:"), "C:\\TESSEL");
+  });
+  EXPECT_EQ(read_file(folder_.path("c/TESSEL/DEBUG.LOG")), "line\r\n");
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ TEST(DebugLogHeader, TellsNameAndTime) {
                                                              {12, "", "12:07 PM on 26/11/16 12:07:42"},
                                                              {13, "\\", "1:07 PM on 26/11/16 13:07:42"}};
   for (const auto& [hour, log_folder, time] : cases) {
-    in_new_process([&] {
+    in_new_process([&, hour = hour, log_folder = log_folder] {
       orx::platform::replace_clock(running_clock);
       now = {2026, 11, 16, hour, 7, 42};
       EXPECT_EQ(halvark_log_debug_init((folder.suite_path() + log_folder).c_str()), 0);

@@ -125,7 +125,7 @@ TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
       {[] {}, 0}};
   in_new_process([&] {
     halvark_log_debug_init(folder.suite_path("sub\\").c_str());
-    setenv("ORX_DEBUG_OUTPUT", debugger.c_str(), 1);
+    const ScopedVariable destination("ORX_DEBUG_OUTPUT", debugger.c_str());
     ASSERT_NE(std::freopen(out.c_str(), "w", stdout), nullptr);
     for (const auto& [obstacle, result] : obstacles) {
       fs::remove(path);
@@ -139,6 +139,68 @@ TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
   });
   EXPECT_EQ(read_file(out), "host, host, %s\nhost, %s\nhost, %s\nhost, %s\n");
   EXPECT_EQ(read_file(debugger), "%s\n%s\n%s\n%s\n%s\n");
+}
+
+TEST_F(DebugLog, WritesTheLineOfAThreadThatIsCancelled) {
+  in_new_process([&] {
+    halvark_log_debug_init(folder.suite_path("sub").c_str());
+    const auto write_cancelled = [](void* result) -> void* {
+      pthread_cancel(pthread_self());
+      *static_cast<int*>(result) = halvark_log_debug_write("line");
+      pthread_testcancel();
+      return nullptr;
+    };
+    int result = 1;
+    void* end = nullptr;
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, nullptr, write_cancelled, &result), 0);
+    pthread_join(thread, &end);
+    EXPECT_TRUE(result == 0 && end == PTHREAD_CANCELED);
+  });
+  EXPECT_EQ(Content("sub/DEBUG.LOG"), "Hline\r\n");
+}
+
+TEST_F(DebugLog, IsForEverybodyWhoMayUseTheFolderThatAllUsersShare) {
+  for (const mode_t mode : {01777U, 02777U, 0700U}) {
+    fs::remove_all(folder.path("Halvark"));
+    chmod(folder.path().c_str(), mode);
+    in_new_process([] {
+      umask(077);
+      EXPECT_EQ(setgid(5678), geteuid() == 0 ? 0 : -1);  // the group of the folder is passed on
+      EXPECT_EQ(halvark_log_debug_write("first"), 0);
+    });
+    struct stat parent, level, log;
+    ASSERT_EQ(stat(folder.path().c_str(), &parent) | stat(folder.path("Halvark/TESSEL").c_str(), &level) |
+                  stat(folder.path(main).c_str(), &log),
+              0);
+    EXPECT_EQ(level.st_mode, parent.st_mode);
+    EXPECT_EQ(log.st_mode & 07777, mode & 0666);
+    EXPECT_EQ(std::pair(level.st_gid, log.st_gid), std::pair(parent.st_gid, parent.st_gid));
+    if (mode != 0700) as_nobody([] { EXPECT_EQ(halvark_log_debug_write("second"), 0); });
+  }
+}
+
+TEST_F(DebugLog, IsNotATrapInASharedFolder) {
+  const std::string path = folder.path("sub/DEBUG.LOG"), victim = folder.path("victim");
+  const auto link_of_another = [&] {
+    fs::create_symlink("../victim", path);
+    return lchown(path.c_str(), 1234, 1234) == 0;  // only the administrator can pretend to be another user
+  };
+  const auto second_name = [&] { return fs::create_hard_link(victim, path), true; };
+  const auto own_link = [&] { return fs::create_symlink("../victim", path), false; };
+  const std::pair<mode_t, std::function<bool()>> cases[] = {{0777, link_of_another}, {01777, link_of_another},
+                                                            {0775, second_name},     {0777, own_link},
+                                                            {0755, link_of_another}, {0755, second_name}};
+  for (const auto& [mode, plant] : cases) {
+    fs::remove(path);
+    write_file(victim, "victim");
+    chmod(folder.path("sub").c_str(), mode);
+    const bool is_refused = plant() && mode != 0755;
+    in_new_process([&] {
+      EXPECT_EQ(halvark_log_debug_init(folder.suite_path("sub").c_str()), is_refused ? -1 : 0);
+    });
+    EXPECT_EQ(Content("victim"), is_refused ? "victim" : "H") << mode;
+  }
 }
 
 TEST_F(DebugLog, DeletesOnlyWhatIsInTheCurrentDirectory) {

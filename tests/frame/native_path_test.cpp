@@ -1,6 +1,10 @@
 #include <orx/frame/native_path.h>
 
 #include <gtest/gtest.h>
+#include <tests/support/environment.h>
+#include <tests/support/process.h>
+
+#include <thread>
 
 TEST(NativePath, ConvertsIntoABufferThatIsLargeEnough) {
   char out[] = "###############";
@@ -14,4 +18,23 @@ TEST(NativePath, ConvertsIntoABufferThatIsLargeEnough) {
   EXPECT_EQ(orx_path_to_native("", out, 1), 0);
   EXPECT_EQ(orx_path_to_native(nullptr, out, 1), -1);
   EXPECT_EQ(orx_path_to_native("", out, 0) + orx_path_to_native("", nullptr, 16), -2);
+}
+
+TEST(NativePath, FollowsTheEnvironmentOnceTheHostSaysThatItChanged) {
+  const auto drive = [] {
+    char out[8] = "";
+    orx_path_to_native("C:", out, sizeof out);
+    return std::string(out);
+  };
+  const orx::testing::ScopedVariable drives("ORX_DRIVES", "/a");
+  orx::testing::in_new_process([&] {
+    std::thread host([] {
+      setenv("ORX_DRIVES", "/b", 1);
+      for (int i = 0; i < 3'000; ++i) setenv(("ORX_TEST_" + std::to_string(i)).c_str(), "", 1);
+    });
+    for (int i = 0; i < 3'000; ++i) EXPECT_EQ(drive(), "/a/c");
+    host.join();
+    orx_environment_changed();
+    EXPECT_EQ(drive(), "/b/c");
+  });
 }

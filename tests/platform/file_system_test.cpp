@@ -4,8 +4,10 @@
 #include <tests/support/environment.h>
 #include <tests/support/process.h>
 
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -101,14 +103,58 @@ TEST_F(Replacement, RefusesWhatTheUserMayNotWrite) {
   for (const auto& [name, mode] : modes) fs::permissions(folder.path(name), fs::perms(mode));
   as_nobody([&] {
     EXPECT_EQ(replace(folder.path("new"), "new"), "");
-    for (const char* name : {"read_only", "closed/file", "closed/new"})
+    for (const char* name : {"read_only", "closed/new"})
       EXPECT_EQ(replace(folder.path(name), "new"), "Permission denied") << name;
-    const rlimit nothing{};
-    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &nothing), 0);
-    EXPECT_EQ(replace(folder.path("new"), "x"), "File too large");
+    for (const char* content : {"in place, since the folder refuses a temporary", "new"}) {
+      EXPECT_EQ(replace(folder.path("closed/file"), content), "");
+      EXPECT_EQ(read_file(folder.path("closed/file")), content);
+    }
+    const rlimit three_bytes{3, 3};
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &three_bytes), 0);
+    EXPECT_EQ(replace(folder.path("new"), "four"), "File too large");
+    EXPECT_EQ(replace(folder.path("closed/file"), "four"), "File too large");
+    EXPECT_EQ(read_file(folder.path("closed/file")), "new") << "restored";
   });
   EXPECT_EQ(Entries(), 3);
   fs::permissions(folder.path("closed"), fs::perms(0777));  // or its owner can't remove it
+}
+
+TEST_F(Replacement, KeepsTheAccessControlList) {
+  // u::rw- u:1234:r-- g::--- m::rw- o::---
+  const unsigned char list[] = {2, 0,   0,   0,   1,   0,   6,  0, 255, 255, 255, 255, 2,   0,  4,
+                                0, 210, 4,   0,   0,   4,   0,  0, 0,   255, 255, 255, 255, 16, 0,
+                                6, 0,   255, 255, 255, 255, 32, 0, 0,   0,   255, 255, 255, 255};
+  constexpr char kName[] = "system.posix_acl_access";
+  write_file(old, "old");
+  if (setxattr(old.c_str(), kName, list, sizeof list, 0) != 0) GTEST_SKIP() << "no lists on this file system";
+  EXPECT_EQ(replace(old, "new"), "");
+  unsigned char kept[64] = {};
+  EXPECT_EQ(getxattr(old.c_str(), kName, kept, sizeof kept), static_cast<ssize_t>(sizeof list));
+  EXPECT_TRUE(std::equal(std::begin(list), std::end(list), kept));
+  EXPECT_EQ(setxattr(folder.path().c_str(), "system.posix_acl_default", list, sizeof list, 0), 0);
+  EXPECT_EQ(removexattr(old.c_str(), kName), 0);
+  EXPECT_EQ(replace(old, "new"), "");
+  EXPECT_EQ(getxattr(old.c_str(), kName, kept, sizeof kept), -1) << "the folder's list is for new files";
+}
+
+TEST_F(Replacement, RemovesWhatAKilledOneLeft) {
+  write_file(old, "old");
+  FileReplacement running;
+  std::string reason;
+  ASSERT_TRUE(running.Open(old.c_str(), reason)) << reason;
+  const pid_t child = start_process(
+      [&] {
+        FileReplacement killed;
+        killed.Open(old.c_str(), reason);
+        raise(SIGKILL);
+      },
+      _exit);
+  ASSERT_EQ(waitpid(child, nullptr, 0), child);
+  EXPECT_EQ(Entries(), 3);
+  EXPECT_EQ(replace(folder.path("other"), "") + replace(old, "new"), "");
+  EXPECT_EQ(Entries(), 3) << "only the temporary of the running one is left, beside two files";
+  ASSERT_TRUE(running.Write("last", 4, reason) && running.Commit(reason)) << reason;
+  EXPECT_EQ(read_file(old), "last");
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <orx/platform/paths.h>
 
 #include <gtest/gtest.h>
+#include <orx/platform/file_system.h>
+#include <orx/platform/shared_files.h>
 #include <tests/support/environment.h>
 
 namespace fs = std::filesystem;
@@ -14,6 +16,10 @@ TEST(SystemPath, IsTheSystemsFormOfASuitePath) {
       {"C:pit1.qpr", "/drives/c/pit1.qpr"},  // a drive has no current directory of its own
       {"\\\\Server\\share\\pit1.qpr", "/drives/unc/Server/share/pit1.qpr"},
       {"\\\\", "//"},  // names no server
+      {"\\\\?\\C:\\Projects\\pit1.qpr", "/drives/c/Projects/pit1.qpr"},
+      {"\\\\?\\unc\\Server\\share\\pit1.qpr", "/drives/unc/Server/share/pit1.qpr"},
+      {"C:/Projects/pit1.qpr", "/drives/c/Projects/pit1.qpr"},
+      {"//home/ann", "//home/ann"},  // not a server of the drive folder
       {"\\home\\ann\\pit1.qpr", "/home/ann/pit1.qpr"},
       {"/srv/public\\suite", "/srv/public/suite"},  // a folder of the system, continued by the suite
   };
@@ -54,4 +60,37 @@ TEST(SuitePath, IsTheSuitesFormOfANativePath) {
   };
   for (const auto& [native, expected] : cases) EXPECT_EQ(suite_path(native.c_str()), expected) << native;
   fs::current_path(before);
+}
+
+TEST(DrivePath, FindsNamesInAnyLetterCase) {
+  const TempFolder folder;
+  const ScopedVariable drives("ORX_DRIVES", folder.path().c_str());
+  fs::create_directories(folder.path("c/Süd/Pit"));
+  fs::create_directories(folder.path("unc/Server/Share"));
+  write_file(folder.path("c/Süd/Pit/a.qpr"), "a");
+  write_file(folder.path("c/Süd/Pit/twice"), "1");
+  write_file(folder.path("c/Süd/Pit/TWICE"), "2");
+  write_file(folder.path("unc/Server/Share/b"), "b");
+  const std::pair<const char*, EntryKind> cases[] = {
+      {"C:\\SÜD\\PIT\\A.QPR", EntryKind::kFile},  {"c:/süd/pit", EntryKind::kFolder},
+      {"\\\\SERVER\\share\\B", EntryKind::kFile}, {"//server/share/b", EntryKind::kFile},
+      {"C:\\Süd\\Pit\\twice", EntryKind::kFile},  {"C:\\Süd\\Pit\\Twice", EntryKind::kNone},
+      {"C:\\Süd\\Pit\\none", EntryKind::kNone},   {"C:\\sud\\pit\\a.qpr", EntryKind::kNone}};
+  for (const auto& [path, kind] : cases) EXPECT_EQ(entry_kind(path), kind) << path;
+  const std::string exact = folder.path("c/süd");
+  EXPECT_EQ(entry_kind(exact.c_str()), EntryKind::kNone) << "paths of the system are exact";
+  EXPECT_EQ(existing_path("c:\\süd\\pit\\A.qpr"), folder.path("c/Süd/Pit/a.qpr"));
+  EXPECT_EQ(existing_path("c:\\süd\\new\\A.qpr"), folder.path("c/Süd/new/A.qpr"));
+  EXPECT_EQ(first_match_size("c:\\süd\\pit\\A*"), 1U);
+  EXPECT_TRUE(append_to_log("c:\\süd\\pit\\A.qpr", "b") && append_to_log("c:\\süd\\pit\\log", "l"));
+  EXPECT_FALSE(create_shared_folder("C:\\SÜD"));
+  FileReplacement file;
+  std::string reason;
+  ASSERT_TRUE(file.Open("C:\\SÜD\\pit\\A.QPR", reason) && file.Write("new", 3, reason) && file.Commit(reason))
+      << reason;
+  EXPECT_EQ(read_file(folder.path("c/Süd/Pit/a.qpr")), "new") << "in its place, not beside it";
+  EXPECT_FALSE(file.Open("C:\\Süd\\Pit\\Twice", reason));
+  EXPECT_EQ(reason, "Two names differ only in letter case");
+  EXPECT_TRUE(remove_file("C:\\SÜD\\pit\\A.QPR"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path("c/Süd/Pit")), {}), 3);
 }

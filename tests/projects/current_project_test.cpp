@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <orx/projects/local_settings.h>
+#include <orx/projects/qpl_file.h>
 
 #include <cstring>
 #include <filesystem>
 #include <string>
 
 #include "tests/support/environment.h"
+#include "tests/support/process.h"
 
 using namespace orx::testing;
 
@@ -114,23 +116,63 @@ TEST_F(CurrentProject, PathsHaveRoomFor259Bytes) {
   }
 }
 
-TEST_F(CurrentProject, ATextWithoutItsEndIsCut) {
-  for (auto* name : {&info.SiteName, &info.ProjectName, &info.DataGroupName}) std::memset(name, 'x', 51);
-  const std::string longest(50, 'x');
-  EXPECT_EQ(answer(ProjectSetting_GetSiteName), "0:" + longest);
-  EXPECT_EQ(answer(ProjectSetting_GetSiteProjectDatagroup),
-            "0:\\" + longest + "\\" + longest + "\\" + longest + "\\");
+TEST_F(CurrentProject, TextsThatDoNotFitLeaveTheBufferEmpty) {
+  const struct {
+    int (*get)(char*);
+    int (*get_sized)(char*, std::size_t, std::size_t*);
+    char* field;
+    std::size_t size;
+  } getters[] = {{ProjectSetting_GetSiteName, ProjectSetting_GetSiteNameN, info.SiteName, ORX_SITE_NAME_SIZE},
+                 {ProjectSetting_GetSiteDatabase, ProjectSetting_GetSiteDatabaseN, info.SiteDatabase,
+                  ORX_SITE_DATABASE_SIZE},
+                 {ProjectSetting_GetDatabaseServerName, ProjectSetting_GetDatabaseServerNameN,
+                  info.SiteDatabaseServerName, ORX_SERVER_NAME_SIZE},
+                 {ProjectSetting_GetProjectName, ProjectSetting_GetProjectNameN, info.ProjectName,
+                  ORX_PROJECT_NAME_SIZE},
+                 {ProjectSetting_GetDataGroupName, ProjectSetting_GetDataGroupNameN, info.DataGroupName,
+                  ORX_DATA_GROUP_NAME_SIZE},
+                 {ProjectSetting_GetProjectBasePath, ProjectSetting_GetProjectBasePathN, info.ProjectBasePath,
+                  ORX_BASE_PATH_SIZE},
+                 {ProjectSetting_GetProjectDescription, ProjectSetting_GetProjectDescriptionN,
+                  info.Description, ORX_DESCRIPTION_SIZE},
+                 {ProjectSetting_GetProjectCoordinates, ProjectSetting_GetProjectCoordinatesN,
+                  info.Coordinates, ORX_COORDINATES_SIZE}};
+  for (const auto& [get, get_sized, field, size] : getters) {
+    const std::string longest(size - 1, 'x'), longer = longest + "\u0416";
+    std::strcpy(field, longest.c_str());
+    EXPECT_EQ(answer(get), "0:" + longest);
+    std::strcpy(field, longer.c_str());
+    EXPECT_EQ(answer(get), "-1:");
+    std::size_t needed = 0;
+    EXPECT_EQ(get_sized(nullptr, 0, &needed), 0);
+    EXPECT_EQ(needed, longer.size() + 1);
+    const auto sized = [&, get_sized = get_sized](std::size_t space) {
+      return answer([&](char* buffer) { return get_sized(buffer, space, nullptr); });
+    };
+    EXPECT_EQ(sized(needed), "0:" + longer);
+    EXPECT_EQ(sized(needed - 1), "-1:");
+    EXPECT_EQ(sized(0), "-1:untouched");
+    EXPECT_EQ(get_sized(nullptr, 0, nullptr), -1);
+  }
+  EXPECT_EQ(answer(ProjectSetting_GetSiteProjectDatagroup), "-1:");
+  std::memset(info.SiteName, 'x', sizeof info.SiteName);
+  EXPECT_EQ(answer([](char* buffer) { return ProjectSetting_GetSiteNameN(buffer, 300, nullptr); }),
+            "0:" + std::string(sizeof info.SiteName - 1, 'x'))
+      << "a host that left out the NUL";
 }
 
 TEST_F(CurrentProject, FailuresThrowAndChangeNothing) {
   const std::string a = Write("a.qpr", "A"), b = Write("b.qpr", "B"), nameless = Write("c.qpr", "");
   const std::string missing = folder.suite_path("missing"), directory = folder.suite_path("Pit1");
   const std::string distant = "C:\\" + std::string(300, 'x');
+  std::string cyrillic = "C:\\";
+  for (int i = 0; i < 100; ++i) cyrillic += "\u0416";
   const std::pair<std::string, std::string> loads[] = {
       {a, ""},
       {b, ""},
       {missing, "Cannot find the TESSEL project file '" + missing + "'."},
       {distant, ("Cannot find the TESSEL project file '" + distant).substr(0, 199)},
+      {cyrillic, ("Cannot find the TESSEL project file '" + cyrillic).substr(0, 198)},
       {directory, "Failed when loading the TESSEL project file '" + directory + "'."},
       {nameless, "The TESSEL project file '" + nameless + "' is invalid. The site name cannot be empty."}};
   for (const auto& [path, failure] : loads) EXPECT_EQ(failure_to_load(path), failure);
@@ -153,6 +195,20 @@ TEST(LocalSettings, KeepThreeFolders) {
   settings.GetHalvarkProjectsFolder(b);
   settings.GetHalvarkProgFolder(c);
   EXPECT_EQ(a + b + c, "abc");
+}
+
+// Runs when the statics of the process have been destroyed.
+bool is_used_at_end = false;
+[[gnu::destructor]] void use_at_end() {
+  CStringA path;
+  if (is_used_at_end && GetQPLInfo()->GetProject("late", path) != 1) _exit(1);
+}
+
+TEST(ProcessWide, ObjectsMayBeUsedUntilTheProcessHasEnded) {
+  in_new_process([] {
+    is_used_at_end = true;
+    GetQPLInfo()->SetProject("late", "path");
+  });
 }
 
 }  // namespace

@@ -92,21 +92,36 @@ TEST_F(QprFile, ReadsPropertiesByName) {
   EXPECT_EQ(fields_of(info), "||-1||||" + base + "|local|text|0.0.0");
 }
 
-TEST_F(QprFile, RefusesAValueLongerThanItsField) {
-  const std::pair<const char*, std::size_t> fields[] = {
-      {"SiteName", 50},    {"SiteDatabase", 255}, {"SiteDatabaseServerName", 80},
-      {"ProjectName", 50}, {"DataGroupName", 50}, {"Coordinates", 19},
-      {"Description", 128}};
-  for (const auto& [name, longest] : fields) {
-    ASSERT_EQ(Load(property(name, std::string(longest, 'x'))), 1) << name << failure_of(file);
-    const std::string before = fields_of(info);
-    EXPECT_EQ(Load(property("MajorVersion", "9") + property(name, std::string(longest + 1, 'y'))), 0);
-    EXPECT_EQ(failure_of(file), std::string(name) + " has " + std::to_string(longest + 1) +
-                                    " bytes, it may have " + std::to_string(longest));
-    EXPECT_EQ(LoadText("<QPR/>"), 0);
-    EXPECT_EQ(failure_of(file), "there is no PROJECT element");
-    EXPECT_EQ(fields_of(info), before) << "the record is unchanged";
+TEST_F(QprFile, LimitsCountCharacters) {
+  const std::tuple<const char*, int, char*> fields[] = {
+      {"SiteName", ORX_SITE_NAME_LENGTH, info.SiteName},
+      {"SiteDatabase", ORX_SITE_DATABASE_LENGTH, info.SiteDatabase},
+      {"SiteDatabaseServerName", ORX_SERVER_NAME_LENGTH, info.SiteDatabaseServerName},
+      {"ProjectName", ORX_PROJECT_NAME_LENGTH, info.ProjectName},
+      {"DataGroupName", ORX_DATA_GROUP_NAME_LENGTH, info.DataGroupName},
+      {"Coordinates", ORX_COORDINATES_LENGTH, info.Coordinates},
+      {"Description", ORX_DESCRIPTION_LENGTH, info.Description}};
+  for (const auto& [name, length, field] : fields) {
+    for (const std::string character : {"x", "\u0416", "\u77FF", "\U00020000"}) {
+      std::string value;
+      for (int i = 0; i < length; ++i) value += character;
+      ASSERT_EQ(Load(property(name, value)), 1) << name << failure_of(file);
+      EXPECT_EQ(field, value);
+      const std::string before = fields_of(info);
+      const std::string reason = std::string(name) + " has " + std::to_string(length + 1) +
+                                 " characters, it may have " + std::to_string(length);
+      EXPECT_EQ(Load(property("MajorVersion", "9") + property(name, value + "y")), 0);
+      EXPECT_EQ(failure_of(file), reason);
+      EXPECT_EQ(fields_of(info), before) << "the record is unchanged";
+    }
+    const std::string saved = read_file(path), too_long(static_cast<std::size_t>(length) + 1, 'z');
+    std::strcpy(field, too_long.c_str());
+    EXPECT_EQ(file.Save(), 0) << "could not be loaded";
+    EXPECT_EQ(read_file(path), saved);
+    field[0] = '\0';
   }
+  EXPECT_EQ(LoadText("<QPR/>"), 0);
+  EXPECT_EQ(failure_of(file), "there is no PROJECT element");
 }
 
 TEST_F(QprFile, NeedsAFolderInAFolder) {

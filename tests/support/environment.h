@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <orx/frame/environment.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -64,6 +65,7 @@ class ScopedVariable {
  private:
   void put(const char* value) const {
     value != nullptr ? setenv(name_.c_str(), value, 1) : unsetenv(name_.c_str());
+    orx_environment_changed();
   }
 
   std::string name_;

@@ -105,6 +105,8 @@ TEST(FieldValue, Reads) {
       {7, 0, "24:00", {0, 0, -1}},
       {8, 2, "2024/03/05 18:00", {45356.75, 0, 0}},
       {8, 3, "2024/03/05", {0, 0, -1}},
+      {8, 65538, "2024/03/05", {0, 0, -1}},  // no order either
+      {6, -65535, "05/03/2024", {0, 0, -1}},
       {8, 2, "soon 12:00", {0, 0, -1}},
       {5, 0, "1", {0, 0, 0}},
       {99, 0, "1", {0, 0, 0}},
@@ -135,23 +137,34 @@ TEST(FieldValue, KnowsTokens) {
   EXPECT_EQ(orxdb_StrToSpecialVal(orxdbNumber, "NC", nullptr), 0);
 }
 
-TEST(FieldValue, CutsTextAndLeavesOutWhatHasNoRoom) {
+TEST(FieldValue, CutsOnlyTextAndClearsTheSize) {
   const struct {
     int type, size;
     const char *text, *stored;  // the first bytes of eight that were '#'
     int result;
-  } rows[] = {
-      {3, 4, "abcdef", "abc\0####", -3}, {15, 4, "abc", "abc\0####", 0}, {3, 6, "NE", "NE\0\0\0\0##", 0},
-      {3, 1, "", "\0#######", 0},        {3, 1, "a", "\0#######", -3},   {3, 0, "", "########", -3},
-      {9, 4, "1", "\0\0\0\0####", -3},   {1, -1, "1", "########", -3},   {5, 8, "1", "\0\0\0\0\0\0\0\0", 0}};
+  } rows[] = {{3, 4, "abcdef", "abc\0####", -3},
+              {15, 4, "abc", "abc\0####", 0},
+              {3, 6, "NE", "NE\0\0\0\0##", 0},
+              {3, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a character is not cut
+              {3, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
+              {3, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // it is not text
+              {3, 1, "", "\0#######", 0},
+              {3, 1, "a", "\0#######", -3},
+              {3, 0, "", "########", -3},
+              {1, 8, "1", "\1\0\0\0\0\0\0\0", 0},
+              {1, 2, "-2", "\xFE\xFF\xFF\xFF####", 0},
+              {4, -1, "yes", "\1\0\0\0####", 0},
+              {9, 4, ">", "\0\0\0\0\0\0\1@", 0},
+              {10, 3, "NC", "\0\0\0#####", 0},
+              {5, 8, "1", "\0\0\0\0\0\0\0\0", 0}};
+  const double high = 2.125;
   for (const auto& row : rows) {
     char dst[] = "########";
-    int special = -9;
-    EXPECT_EQ(orxdb_StrToVal(row.text, nullptr, nullptr, row.type, 0, row.size, &special, dst), row.result);
+    EXPECT_EQ(orxdb_StrToVal(row.text, nullptr, &high, row.type, 0, row.size, nullptr, dst), row.result);
     EXPECT_EQ(std::string(dst, 8), std::string(row.stored, 8)) << row.type << ' ' << row.size;
-    EXPECT_EQ(special, 0);
   }
-  EXPECT_EQ(orxdb_StrToVal("1", nullptr, nullptr, orxdbDouble, 0, 8, nullptr, nullptr), -3);
+  int special = -9;
+  EXPECT_EQ(orxdb_StrToVal("NC", nullptr, nullptr, orxdbDouble, 0, 8, &special, nullptr) + special, orxdbNC);
   double value = 1;
   EXPECT_EQ(orxdb_StrToVal(">", nullptr, nullptr, orxdbDouble, 0, 8, nullptr, &value), 0);
   EXPECT_EQ(value, 0);

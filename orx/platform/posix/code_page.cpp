@@ -2,6 +2,8 @@
 
 #include <orx/platform/posix/utf8.h>
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace orx::platform {
@@ -23,6 +25,20 @@ int compare_no_case(const char* left, const char* right) {
 
 // No byte of a multibyte character is a backslash in UTF-8.
 const char* last_backslash(const char* text) { return std::strrchr(text, '\\'); }
+
+int count_characters(std::string_view text) {
+  return static_cast<int>(
+      std::count_if(text.begin(), text.end(), [](char c) { return !utf8::is_continuation(c); }));
+}
+
+std::size_t whole_characters(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return text.size();
+  constexpr std::size_t kMostContinuations = 3;
+  std::size_t lead = most;
+  while (lead > 0 && most - lead < kMostContinuations && utf8::is_continuation(text[lead])) --lead;
+  const auto length = static_cast<std::size_t>(std::countl_one(static_cast<unsigned char>(text[lead])));
+  return length > most - lead && length <= kMostContinuations + 1 ? lead : most;
+}
 
 BSTR widen(const char* text) { return utf8::to_wide(text != nullptr ? text : ""); }
 

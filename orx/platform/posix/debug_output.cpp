@@ -1,14 +1,16 @@
 #include <orx/platform/debug_output.h>
 
 #include <orx/platform/kept_errno.h>
+#include <orx/platform/posix/cancellation_held.h>
+#include <orx/platform/posix/environment.h>
 #include <orx/platform/posix/signals_held.h>
 
 #include <fcntl.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace orx::platform {
 namespace {
@@ -21,12 +23,22 @@ void write_line(int file, const char* text) {
   [[maybe_unused]] const ssize_t ignored = writev(file, pieces, 2);
 }
 
+const char* destination() {
+  try {
+    return variable("ORX_DEBUG_OUTPUT").c_str();
+  } catch (const std::bad_alloc&) {
+    return "";
+  }
+}
+
 }  // namespace
 
 void debug_output(const char* text) {
   const KeptErrno kept;
-  const char* where = secure_getenv("ORX_DEBUG_OUTPUT");
-  if (text == nullptr || *text == '\0' || where == nullptr || *where == '\0') return;
+  const CancellationHeld held;
+  if (text == nullptr || *text == '\0') return;
+  const char* const where = destination();
+  if (*where == '\0') return;
   if (std::strcmp(where, "stderr") == 0) return write_line(STDERR_FILENO, text);
   // Not blocking: a pipe that nobody reads must not stop the host.
   constexpr int kFlags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;

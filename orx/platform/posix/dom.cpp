@@ -1,8 +1,8 @@
 #include <orx/platform/dom.h>
 
 #include <orx/platform/code_page.h>
-#include <orx/platform/paths.h>
 #include <orx/platform/posix/dom_host.h>
+#include <orx/platform/posix/dom_limits.h>
 #include <orx/platform/posix/dom_parse.h>
 #include <orx/platform/posix/dom_tree.h>
 #include <orx/platform/posix/utf8.h>
@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,34 +24,11 @@ namespace {
 
 constexpr const char* kBlanks = " \t\r\n";
 
-// libxml2 reads no value of 10,000,000 bytes, no name of more than 50,000 and nothing deeper than this.
-constexpr std::size_t kMaxTextBytes = 9'900'000;
-constexpr std::size_t kMaxNameBytes = 50'000;
-constexpr int kMaxDepth = 256;
-
 using XmlText = std::unique_ptr<xmlChar, decltype(xmlFree)>;
 
 Tree& tree_of(IXMLDOMDocument& document) { return static_cast<Document&>(document).tree(); }
 Node& handle_of(IXMLDOMNode& node) { return static_cast<Node&>(node); }
 xmlNode& node_of(IXMLDOMNode& node) { return *handle_of(node).node; }
-
-bool is_forbidden(char c) {
-  return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-}
-
-// Whether a document that holds the text can be read again. The first look has no early end, so that the
-// compiler takes many characters at a time; it is all that most texts need.
-bool is_text(std::string_view text) {
-  bool has_low = false;
-  bool has_high = false;
-  for (const char c : text) {
-    has_low |= static_cast<unsigned char>(c) < 0x20;
-    has_high |= static_cast<unsigned char>(c) >= 0x80;
-  }
-  if (has_low && std::any_of(text.begin(), text.end(), is_forbidden)) return false;
-  return !has_high || (utf8::is_valid(text) && text.find("\xEF\xBF\xBE") == text.npos &&
-                       text.find("\xEF\xBF\xBF") == text.npos);
-}
 
 std::size_t written_size(std::string_view text) {
   constexpr std::size_t kLongestEscape = 6;
@@ -77,8 +55,10 @@ bool accept_name(const char* name, Reason& reason) {
     reason = "the name is too long";
     return false;
   }
-  if (xmlValidateQName(as_xml(name), 0) == 0) return true;
-  reason = "\"" + std::string(name) + "\" is not a name of XML";
+  // libxml2's own check reads beyond a character that is cut short.
+  if (is_text(name) && xmlValidateQName(as_xml(name), 0) == 0) return true;
+  reason =
+      is_text(name) ? "\"" + std::string(name) + "\" is not a name of XML" : "the name is not a text of XML";
   return false;
 }
 
@@ -145,6 +125,17 @@ xmlNode* new_element(xmlDoc* doc, const char* name) {
   return host.Whole(xmlNewDocNode(doc, nullptr, as_xml(name), nullptr), xmlFreeNode);
 }
 
+// Before the node is in the document: an element that cannot be handed out is not part of it.
+Node* handle_or_free(Tree& tree, xmlNode* node) {
+  try {
+    return tree.HandleOf(node);
+  } catch (const std::bad_alloc&) {
+    const HostAside host;
+    xmlFreeNode(node);
+    throw;
+  }
+}
+
 void add_attribute(xmlNode& element, const char* name, const char* text) {
   const HostAside host;
   host.Whole(xmlNewProp(&element, as_xml(name), as_xml(text)), xmlRemoveProp);
@@ -189,27 +180,63 @@ bool put_text(const Node& handle, const std::string& text, Reason& reason) {
 struct Writing {
   const Sink& sink;
   bool goes_on = true;
+  std::exception_ptr failure;
 };
 
-// libxml2 would report a failed write on the standard error stream, so it never hears of one.
+// libxml2 reports a failed write on the standard error stream, so it is never told of one. No exception may
+// pass through it.
 int write_chunk(void* context, const char* bytes, int size) {
   auto& writing = *static_cast<Writing*>(context);
-  writing.goes_on = writing.goes_on && writing.sink(bytes, static_cast<std::size_t>(size));
+  if (!writing.goes_on) return size;
+  try {
+    writing.goes_on = writing.sink(bytes, static_cast<std::size_t>(size));
+  } catch (const std::exception&) {
+    writing.goes_on = false;
+    writing.failure = std::current_exception();
+  }
   return size;
 }
 
 bool write_tree(const Tree& tree, const Sink& sink) {
   const SettingsAside settings;
   const HostAside host;
-  Writing writing{sink};
+  Writing writing{.sink = sink, .failure = nullptr};
   const int options = XML_SAVE_AS_XML | XML_SAVE_NO_XHTML | (tree.declared ? 0 : XML_SAVE_NO_DECL) |
                       (tree.laid_out ? XML_SAVE_FORMAT : 0);
   xmlSaveCtxt* context = allocated(xmlSaveToIO(write_chunk, nullptr, &writing, "UTF-8", options));
   xmlSaveDoc(context, tree.doc());
   xmlSaveClose(context);
+  if (writing.failure != nullptr) std::rethrow_exception(writing.failure);
   if (host.ran_out_of_memory()) throw std::bad_alloc();
   return writing.goes_on;
 }
+
+// The document as it would be read again. False when it is too large, or when an edit made it a document that
+// a load refuses.
+bool accept_document(const Tree& tree, Reason& reason) {
+  std::string text;
+  write_tree(tree, [&text](const char* bytes, std::size_t size) { return text.append(bytes, size), true; });
+  Tree* copy = parse_text(text, reason);
+  if (copy != nullptr) copy->Release();
+  return copy != nullptr;
+}
+
+bool accept_nodes(Tree& tree, Reason& reason) {
+  if (tree.nodes < kMaxNodes) return true;
+  reason = "the document would have too many nodes";
+  return false;
+}
+
+bool accept_attribute(const xmlNode& element, Reason& reason) {
+  int count = 1;
+  for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next)
+    ++count;
+  if (count <= kMaxAttributes) return true;
+  reason = "the element would have too many attributes";
+  return false;
+}
+
+bool declares_namespace(std::string_view name) { return name == "xmlns" || name.starts_with("xmlns:"); }
 
 }  // namespace
 
@@ -222,13 +249,14 @@ bool create_root(IXMLDOMDocument& document, const char* name, IXMLDOMElement** r
   if (!accept_name(name, reason)) return false;
   xmlDoc* doc = target.tree().doc();
   xmlNode* node = new_element(doc, name);
+  Node* handle = handle_or_free(target.tree(), node);
   xmlDocSetRootElement(doc, node);
-  *root = target.tree().HandleOf(node);
+  *root = handle;
   return true;
 }
 
 bool load_file(IXMLDOMDocument& document, const char* path, IXMLDOMElement** root, Reason& reason) {
-  return take(static_cast<Document&>(document), parse_file(system_path(path), reason), root);
+  return take(static_cast<Document&>(document), parse_file(path, reason), root);
 }
 
 bool load_text(IXMLDOMDocument& document, const char* text, IXMLDOMElement** root, Reason& reason) {
@@ -242,9 +270,18 @@ bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason&) {
 
 bool write_file(IXMLDOMDocument& document, const Sink& sink, Reason& reason) {
   const Tree& tree = tree_of(document);
-  if (xmlDocGetRootElement(tree.doc()) != nullptr) return write_tree(tree, sink);
-  reason = "the document is empty";
-  return false;
+  if (xmlDocGetRootElement(tree.doc()) == nullptr) {
+    reason = "the document is empty";
+    return false;
+  }
+  if (tree.is_doubtful && !accept_document(tree, reason)) return false;
+  std::size_t written = 0;
+  return write_tree(tree, [&](const char* bytes, std::size_t size) {
+    written += size;
+    if (written <= kMaxDocumentBytes) return sink(bytes, size);
+    reason = "the document is larger than 128 MiB";
+    return false;
+  });
 }
 
 bool indent(IXMLDOMDocument& document, Reason& reason) {
@@ -274,9 +311,12 @@ bool append_element(IXMLDOMDocument&, IXMLDOMElement& parent, const char* name, 
   *child = nullptr;
   const Node& owner = handle_of(parent);
   if (!accept_name(name, reason) || !accept_depth(*owner.node, reason)) return false;
+  if (!accept_nodes(owner.tree, reason)) return false;
   xmlNode* node = new_element(owner.node->doc, name);
+  Node* handle = handle_or_free(owner.tree, node);
   xmlAddChild(owner.node, node);
-  *child = owner.tree.HandleOf(node);
+  ++owner.tree.nodes;
+  *child = handle;
   return true;
 }
 
@@ -360,6 +400,10 @@ bool get_attribute(IXMLDOMElement& element, const char* name, VARIANT* value, Re
 
 bool set_attribute(IXMLDOMElement& element, const char* name, const char* text, Reason& reason) {
   if (!accept_name(name, reason) || !accept_text(text, reason)) return false;
+  if (declares_namespace(name) && !can_name_namespace(text)) {
+    reason = kUnsupportedNamespace;
+    return false;
+  }
   const Node& handle = handle_of(element);
   if (xmlAttr* attribute = find_attribute(*handle.node, name)) {
     replace_children(handle.tree, *reinterpret_cast<xmlNode*>(attribute), text);
@@ -367,7 +411,10 @@ bool set_attribute(IXMLDOMElement& element, const char* name, const char* text, 
   }
   const xmlNs* ns = find_namespace(*handle.node, name);
   if (ns == nullptr) {
+    if (!accept_attribute(*handle.node, reason) || !accept_nodes(handle.tree, reason)) return false;
     add_attribute(*handle.node, name, text);
+    ++handle.tree.nodes;
+    handle.tree.is_doubtful |= declares_namespace(name);
     return true;
   }
   if (std::strcmp(text, as_text(ns->href)) == 0) return true;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <libxml/globals.h>
+#include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
 #include <new>
@@ -11,7 +12,8 @@
 
 namespace orx::platform::dom {
 
-// Where libxml2 keeps some of them for this thread. Asking costs more than making a node, so it is done once.
+// Where libxml2 keeps some of them for this thread. The places are looked up for each use: libxml2 frees them
+// when the thread ends, and a host's own destructors for the thread may still close documents after that.
 struct ThreadSlots {
   xmlRegisterNodeFunc& on_new = xmlRegisterNodeDefaultValue;
   xmlDeregisterNodeFunc& on_free = xmlDeregisterNodeDefaultValue;
@@ -19,13 +21,9 @@ struct ThreadSlots {
   void*& context = xmlStructuredErrorContext;
 };
 
-inline const ThreadSlots& thread_slots() {
-  thread_local const ThreadSlots slots;
-  return slots;
-}
-
 // Around whatever makes or frees nodes. A host that is called for each node may take `_private` for its own.
-// And libxml2 goes on without a name or text that it had no memory for, and tells only the error handler.
+// libxml2 goes on without a name or text that it had no memory for, and reports that to the error handler
+// only.
 class HostAside {
  public:
   HostAside() = default;
@@ -53,7 +51,7 @@ class HostAside {
     if (error->code == XML_ERR_NO_MEMORY) static_cast<HostAside*>(self)->ran_out_ = true;
   }
 
-  const ThreadSlots& slots_ = thread_slots();
+  const ThreadSlots slots_;
   const xmlRegisterNodeFunc old_on_new_ = std::exchange(slots_.on_new, nullptr);
   const xmlDeregisterNodeFunc old_on_free_ = std::exchange(slots_.on_free, nullptr);
   const xmlStructuredErrorFunc old_on_error_ = std::exchange(slots_.on_error, &HostAside::OnError);
@@ -87,5 +85,17 @@ class SettingsAside {
   const xmlGenericErrorFunc on_message_ = std::exchange(xmlGenericError, ignore_message);
   const xmlError last_error_ = std::exchange(xmlLastError, xmlError{});
 };
+
+// Before the first use of the parser. libxml2's own check for a first use is a data race, and it reports a
+// lack of memory on the standard error stream unless the handlers are set.
+inline void initialise_parser() {
+  static const bool is_done = [] {
+    const SettingsAside settings;
+    const HostAside host;
+    xmlInitParser();
+    return true;
+  }();
+  static_cast<void>(is_done);
+}
 
 }  // namespace orx::platform::dom

@@ -20,18 +20,16 @@ namespace {
 // A few bytes of attribute defaults in a DOCTYPE can stand for a value in each of millions of elements.
 constexpr std::size_t kMaxDefaultedBytes = std::size_t{64} << 20;
 
-// libxml2 compares every attribute of an element with all the others. It asks for more bytes before it
-// compares, and says by the room it has made (five pointers an attribute) how many there are.
-constexpr int kManyAttributes = 2000;
+// libxml2 asks for more bytes before it compares the attributes of an element with each other. How much space
+// it has made for them, five pointers an attribute, shows how many there are; the space doubles.
+constexpr int kAttributePointers = 5 * 2 * kMaxAttributes;
+constexpr const char* kTooManyAttributes = "an element has too many attributes";
 
 // It also walks the list of an element's declared attributes for each of them.
 constexpr std::size_t kMaxDoctypeBytes = std::size_t{64} << 10;
 
 // And the list of the namespaces in scope, for each declaration and for each name with a prefix.
 constexpr int kManyNamespaces = 250;
-
-// Ten million nodes take more than a gigabyte.
-constexpr std::size_t kMaxNodes = 10'000'000;
 
 constexpr const char* kUnsupportedDefault = "it declares an attribute default that is not supported";
 
@@ -117,11 +115,6 @@ void drop_blank(void* context) {
   xmlFreeNode(node);
 }
 
-// libxml2 writes the name of a namespace as it is.
-bool can_be_written(const xmlChar* namespace_name) {
-  return std::strpbrk(as_text(namespace_name), "<&\t\r\n") == nullptr;
-}
-
 // An attribute as libxml2 hands it on: five pointers, of which the last two enclose the value.
 struct Attribute {
   const xmlChar* name;
@@ -144,12 +137,13 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
   Parse& parse = parse_of(context);
   const std::size_t level = level_of(context) + 1;
   if (level >= kLevels) return refuse(context, "its elements are nested too deep");
+  if (attributes + namespaces > kMaxAttributes) return refuse(context, kTooManyAttributes);
   parse.nodes += 1 + static_cast<std::size_t>(attributes);
   if (parse.nodes > kMaxNodes) return refuse(context, "it has too many elements");
   parse.keeps_space[level] = parse.keeps_space[level - 1];
   for (int i = 0; i < namespaces; ++i) {  // a prefix and a name each
-    if (!can_be_written(namespace_table[2 * i + 1]))
-      return refuse(context, "the name of a namespace is not supported");
+    if (!can_name_namespace(as_text(namespace_table[2 * i + 1])))
+      return refuse(context, kUnsupportedNamespace);
   }
   for (int i = 0; i < attributes; ++i) {
     const xmlChar** at = attribute_table + 5 * i;
@@ -191,8 +185,8 @@ void on_reference(void* context, const xmlChar* name) {
 
 int read_more(void* context, char* buffer, int size) {
   Parse& parse = *static_cast<Parse*>(context);
-  if (parse.context->maxatts > 5 * kManyAttributes) {
-    parse.refusal = "an element has too many attributes";
+  if (parse.context->maxatts > kAttributePointers + 100) {
+    parse.refusal = kTooManyAttributes;
   } else if (parse.context->nsNr > 2 * kManyNamespaces) {  // two pointers each
     parse.refusal = "it declares too many namespaces";
   } else if (parse.context->inSubset != 0 && parse.source.bytes_read() > kMaxDoctypeBytes) {
@@ -225,6 +219,7 @@ bool is_accepted(const xmlParserCtxt& context, const Parse& parse, std::string& 
 }
 
 Tree* run(Parse& parse, std::string& reason) {
+  initialise_parser();
   const SettingsAside settings;
   const HostAside host;
   const ContextPointer context(allocated(xmlNewParserCtxt()), &xmlFreeParserCtxt);
@@ -243,21 +238,24 @@ Tree* run(Parse& parse, std::string& reason) {
   handler.cdataBlock = on_cdata;
   handler.reference = on_reference;
   parse.context = context.get();
-  xmlParserInputBuffer* input =
-      allocated(xmlParserInputBufferCreateIO(read_more, nullptr, &parse, XML_CHAR_ENCODING_NONE));
-  inputPush(context.get(), allocated(xmlNewIOInputStream(context.get(), input, XML_CHAR_ENCODING_NONE)));
+  std::unique_ptr<xmlParserInputBuffer, decltype(&xmlFreeParserInputBuffer)> buffer(
+      allocated(xmlParserInputBufferCreateIO(read_more, nullptr, &parse, XML_CHAR_ENCODING_NONE)),
+      xmlFreeParserInputBuffer);
+  inputPush(context.get(),
+            allocated(xmlNewIOInputStream(context.get(), buffer.get(), XML_CHAR_ENCODING_NONE)));
+  buffer.release();
   xmlParseDocument(context.get());
 
   if (host.ran_out_of_memory()) parse.refusal = kOutOfMemory;
 
-  xmlDoc* doc = context->myDoc;
-  if (!is_accepted(*context, parse, reason)) {
-    xmlFreeDoc(doc);
-    return nullptr;
-  }
+  DocumentPointer doc(context->myDoc, xmlFreeDoc);
+  if (!is_accepted(*context, parse, reason)) return nullptr;
   xmlFree(const_cast<xmlChar*>(doc->encoding));
   doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
-  Tree* tree = new Tree(host.Whole(doc, xmlFreeDoc));
+  if (host.ran_out_of_memory()) throw std::bad_alloc();
+  Tree* tree = new Tree(doc.get());
+  doc.release();
+  tree->nodes = parse.nodes;
   tree->declared = context->standalone != -1;
   tree->laid_out = parse.has_lines;
   return tree;
@@ -265,14 +263,12 @@ Tree* run(Parse& parse, std::string& reason) {
 
 }  // namespace
 
-Tree* parse_file(const std::string& system_path, std::string& reason) {
-  xmlInitParser();
+Tree* parse_file(const char* path, std::string& reason) {
   Parse parse;
-  return parse.source.OpenFile(system_path, reason) ? run(parse, reason) : nullptr;
+  return parse.source.OpenFile(path, reason) ? run(parse, reason) : nullptr;
 }
 
 Tree* parse_text(std::string_view text, std::string& reason) {
-  xmlInitParser();
   Parse parse;
   return parse.source.OpenText(text, reason) ? run(parse, reason) : nullptr;
 }

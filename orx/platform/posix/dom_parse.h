@@ -10,7 +10,7 @@ namespace orx::platform::dom {
 
 // The tree of a file of the system, or of a text of the process's encoding, whatever encoding its declaration
 // says; with a reference of the caller, or null with the reason.
-Tree* parse_file(const std::string& system_path, std::string& reason);
+Tree* parse_file(const char* path, std::string& reason);
 Tree* parse_text(std::string_view text, std::string& reason);
 
 }  // namespace orx::platform::dom

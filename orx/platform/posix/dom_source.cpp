@@ -1,5 +1,6 @@
 #include <orx/platform/posix/dom_source.h>
 
+#include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/error_text.h>
 
 #include <fcntl.h>
@@ -58,9 +59,11 @@ Source::~Source() {
   if (converter_ != no_converter()) iconv_close(converter_);
 }
 
-bool Source::OpenFile(const std::string& system_path, std::string& reason) {
+bool Source::OpenFile(const char* path, std::string& reason) {
   // Without O_NONBLOCK a FIFO would be waited on.
-  file_ = open(system_path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  SystemPath where = parse_path(path);
+  file_ = on_path(where,
+                  [](const char* name) { return open(name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
   if (!is_readable(file_, reason)) return false;
   char head[512];
   const ssize_t size = pread(file_, head, sizeof head, 0);

@@ -5,6 +5,8 @@
 // for them.
 #pragma once
 
+#include <orx/platform/posix/dom_limits.h>
+
 #include <orx/platform/posix/utf8.h>
 
 #include <iconv.h>
@@ -16,9 +18,6 @@
 
 namespace orx::platform::dom {
 
-// A list of 200,000 projects with the longest paths has 80 MB; what is larger is no file of the suite.
-inline constexpr std::size_t kMaxDocumentBytes = std::size_t{128} << 20;
-
 class Source {
  public:
   Source() = default;
@@ -27,7 +26,7 @@ class Source {
   Source& operator=(const Source&) = delete;
 
   // False with the reason. The text outlives the source.
-  bool OpenFile(const std::string& system_path, std::string& reason);
+  bool OpenFile(const char* path, std::string& reason);
   bool OpenText(std::string_view text, std::string& reason);
 
   // The next bytes, at most `size` (at least 4); 0 at the end, -1 after a problem. Never throws.

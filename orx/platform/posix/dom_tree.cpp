@@ -114,10 +114,14 @@ void Document::Hold(Tree* tree) {
 }
 
 Tree* Document::NewTree() {
+  initialise_parser();
   const HostAside host;
-  xmlDoc* doc = host.Whole(xmlNewDoc(as_xml("1.0")), xmlFreeDoc);
+  DocumentPointer doc(host.Whole(xmlNewDoc(as_xml("1.0")), xmlFreeDoc), xmlFreeDoc);
   doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
-  return new Tree(host.Whole(doc, xmlFreeDoc));
+  if (host.ran_out_of_memory()) throw std::bad_alloc();
+  auto* tree = new Tree(doc.get());
+  doc.release();
+  return tree;
 }
 
 void forget_id(xmlNode& node) {

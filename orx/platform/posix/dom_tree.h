@@ -13,6 +13,7 @@
 #include <libxml/tree.h>
 
 #include <cstddef>
+#include <memory>
 #include <new>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,8 @@ inline const xmlChar* as_xml(const char* text) { return reinterpret_cast<const x
 inline const char* as_text(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
 class Node;
+
+using DocumentPointer = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
 class Tree {
  public:
@@ -52,6 +55,10 @@ class Tree {
 
   bool declared = false;  // begins with an XML declaration
   bool laid_out = false;  // is written one element a line
+  // An edit may have made it a document that a load refuses: declarations of namespaces count for a whole
+  // subtree.
+  bool is_doubtful = false;
+  std::size_t nodes = 0;  // elements and attributes, with those that were removed since
 
  private:
   ~Tree();

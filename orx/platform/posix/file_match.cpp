@@ -1,6 +1,6 @@
 #include <orx/platform/file_system.h>
 #include <orx/platform/kept_errno.h>
-#include <orx/platform/paths.h>
+#include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/utf8.h>
 
 #include <dirent.h>
@@ -94,25 +94,33 @@ std::string first_match(DIR* folder, std::string_view wildcards, bool is_root) {
   return first_name;
 }
 
-std::uint64_t size_of(int folder, const std::string& name) {
-  struct stat status;
-  if (fstatat(folder, name.c_str(), &status, 0) != 0 || !S_ISREG(status.st_mode)) return 0;
-  return static_cast<std::uint64_t>(status.st_size);
+std::uint64_t size_of(const struct stat& status) {
+  return S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
 }  // namespace
 
 std::uint64_t first_match_size(const char* pattern) {
   const KeptErrno kept;
-  const std::string path = system_path(pattern);
+  SystemPath path = parse_path(pattern);
+  struct stat status;
   const char* wildcard = std::strpbrk(pattern, "*?");
-  if (wildcard == nullptr) return size_of(AT_FDCWD, path);
-  const std::size_t name_at = path.rfind('/') + 1;
-  const std::string name = path.substr(name_at);
+  if (wildcard == nullptr) {
+    return on_path(path, [&](const char* name) { return stat(name, &status); }) == 0 ? size_of(status) : 0;
+  }
+  const std::size_t name_at = path.name.rfind('/') + 1;
+  const std::string name = path.name.substr(name_at);
   if (std::strpbrk(wildcard, "\\/") != nullptr || name.size() > NAME_MAX) return 0;
-  const std::unique_ptr<DIR, Close> folder(opendir(name_at == 0 ? "." : path.substr(0, name_at).c_str()));
-  if (folder == nullptr) return 0;
-  return size_of(dirfd(folder.get()), first_match(folder.get(), name, is_in_root(pattern)));
+  path.name.resize(name_at);
+  if (path.name.empty()) path.name = ".";
+  std::unique_ptr<DIR, Close> folder;
+  const auto open_folder = [&](const char* candidate) {
+    folder.reset(opendir(candidate));
+    return folder != nullptr ? 0 : -1;
+  };
+  if (on_path(path, open_folder) != 0) return 0;
+  const std::string match = first_match(folder.get(), name, is_in_root(pattern));
+  return fstatat(dirfd(folder.get()), match.c_str(), &status, 0) == 0 ? size_of(status) : 0;
 }
 
 }  // namespace orx::platform

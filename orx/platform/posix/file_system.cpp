@@ -1,76 +1,59 @@
 #include <orx/platform/file_system.h>
 
 #include <orx/platform/kept_errno.h>
-#include <orx/platform/paths.h>
+#include <orx/platform/posix/cancellation_held.h>
+#include <orx/platform/posix/descriptor.h>
+#include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/error_text.h>
-#include <orx/platform/posix/quiet_write.h>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
+#include <sys/file.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
+#include <array>
 #include <cstdio>
+#include <string_view>
 #include <utility>
 
 namespace orx::platform {
 namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
-constexpr int kLinksFollowed = 40;         // as many as the system itself follows
-constexpr int kTemporaryNamesTried = 100;  // names left behind by processes that were killed
+constexpr int kLinksFollowed = 40;  // as many as the system itself follows
+constexpr int kTemporaryNamesTried = 100;
+constexpr int kEntriesSearched = 10'000;  // for temporaries of killed processes: some milliseconds
+constexpr char kAccessControlList[] = "system.posix_acl_access";
 constexpr mode_t kPermissionBits = 0777;
-
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-  }
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-
-  bool is_open() const { return number_ >= 0; }
-  operator int() const { return number_; }
-
- private:
-  int number_ = -1;
-};
-
-// The result of a call that a signal may interrupt.
-template <class Call>
-auto uninterrupted(Call call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
-}
-
-bool write_all(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = uninterrupted([&] { return quiet_write(file, bytes.data(), bytes.size()); });
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
 
 bool failed(std::string& reason, std::string text = error_text(errno)) {
   reason = std::move(text);
   return false;
 }
 
-// A name of its own length, so that one of full length can be replaced too.
-std::string temporary_name() {
-  static std::atomic<unsigned> counter = 0;
-  char name[32];
-  std::snprintf(name, sizeof name, ".orx-%08x-%08x.tmp", static_cast<unsigned>(getpid()), ++counter);
-  return name;
+// The beginning of the names of all temporaries for a file. It does not hold the file's name, which may have
+// full length.
+std::string temporary_prefix(std::string_view name) {
+  std::uint32_t hash = 2166136261U;  // FNV-1a
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+  char prefix[32];
+  std::snprintf(prefix, sizeof prefix, ".orx-%08x-", hash);
+  return prefix;
+}
+
+// Nobody can foretell the name, and so nobody can put a link in its place.
+std::string temporary_name(std::string_view name) {
+  std::uint64_t random = 0;
+  if (getrandom(&random, sizeof random, 0) != sizeof random) random = reinterpret_cast<std::uintptr_t>(&name);
+  char end[32];
+  std::snprintf(end, sizeof end, "%016llx.tmp", static_cast<unsigned long long>(random));
+  return temporary_prefix(name) + end;
 }
 
 // What a new file may be at first, so that its content is never open to more people than the old one's: until
@@ -87,20 +70,52 @@ void keep_owner(int file, const struct stat& old) {
   [[maybe_unused]] const int ignored = fchown(file, static_cast<uid_t>(-1), old.st_gid);
 }
 
+// Reads a file from its beginning to its end.
+bool read_all(int file, std::string& bytes) {
+  struct stat status;
+  if (fstat(file, &status) != 0) return false;
+  bytes.resize(static_cast<std::size_t>(status.st_size));
+  std::size_t size = 0;
+  while (size < bytes.size()) {
+    const auto at = static_cast<off_t>(size);
+    const ssize_t read = uninterrupted([&] { return pread(file, &bytes[size], bytes.size() - size, at); });
+    if (read < 0) return false;
+    if (read == 0) break;
+    size += static_cast<std::size_t>(read);
+  }
+  bytes.resize(size);
+  return true;
+}
+
+// Replaces the content of a file that is open.
+bool overwrite(int file, std::string_view bytes) {
+  return lseek(file, 0, SEEK_SET) == 0 && write_all(file, bytes) &&
+         uninterrupted([&] { return ftruncate(file, static_cast<off_t>(bytes.size())); }) == 0 &&
+         uninterrupted([&] { return fsync(file); }) == 0;
+}
+
+// The folder refuses, or the name is a mount point. The file itself may be writable all the same.
+bool is_refused_by_folder(int error) {
+  return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
+}
+
 }  // namespace
 
 EntryKind entry_kind(const char* path) {
   const KeptErrno kept;
+  SystemPath where = parse_path(path);
   struct stat status;
-  if (stat(system_path(path).c_str(), &status) != 0) return EntryKind::kNone;
+  if (on_path(where, [&](const char* name) { return stat(name, &status); }) != 0) return EntryKind::kNone;
   return S_ISDIR(status.st_mode) ? EntryKind::kFolder : EntryKind::kFile;
 }
 
 std::optional<std::uint64_t> readable_size(const char* path) {
   const KeptErrno kept;
-  const std::string name = system_path(path);
+  SystemPath where = parse_path(path);
+  const std::string& name = where.name;
   struct stat status;
-  if (stat(name.c_str(), &status) != 0 || S_ISDIR(status.st_mode) || S_ISSOCK(status.st_mode)) return {};
+  if (on_path(where, [&](const char* candidate) { return stat(candidate, &status); }) != 0) return {};
+  if (S_ISDIR(status.st_mode) || S_ISSOCK(status.st_mode)) return {};
   // Opening a pipe waits for its other end, or sets that going; opening a device may do anything.
   if (!S_ISREG(status.st_mode)) {
     if (faccessat(AT_FDCWD, name.c_str(), R_OK, AT_EACCESS) != 0) return {};
@@ -116,11 +131,12 @@ std::optional<std::uint64_t> readable_size(const char* path) {
 
 std::uint64_t free_space(const char* folder) {
   const KeptErrno kept;
-  const std::string name = system_path(folder);
+  SystemPath where = parse_path(folder);
+  if (where.name.empty()) return 0;
+  where.name += '/';  // refuses what is not a folder
   struct statvfs volume;
-  // The slash refuses what is no folder.
-  const auto ask = [&] { return statvfs((name + '/').c_str(), &volume); };
-  if (name.empty() || uninterrupted(ask) != 0 || volume.f_frsize == 0) return 0;
+  const auto query = [&](const char* name) { return uninterrupted([&] { return statvfs(name, &volume); }); };
+  if (on_path(where, query) != 0 || volume.f_frsize == 0) return 0;
   const std::uint64_t blocks = std::min<std::uint64_t>(volume.f_bavail, UINT64_MAX / volume.f_frsize);
   return blocks * volume.f_frsize;
 }
@@ -130,8 +146,10 @@ struct FileReplacement::State {
   Descriptor folder;
   Descriptor file;
   std::string name;
-  std::string temporary;  // empty: there is none (any more)
+  std::string temporary;  // empty: there is no temporary file
   std::string buffer;
+  std::string refusal;       // why no temporary file could be made
+  bool is_in_place = false;  // the buffer keeps the whole content until Commit
 
   ~State() {
     if (!temporary.empty()) unlinkat(folder, temporary.c_str(), 0);
@@ -173,18 +191,49 @@ struct FileReplacement::State {
     return faccessat(folder, name.c_str(), W_OK, AT_EACCESS) == 0 || failed(reason);
   }
 
-  bool CreateTemporary(mode_t mode, std::string& reason) {
-    constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+  // A running save holds the lock of its temporary. Whoever finds one without a lock removes it, which may
+  // also happen between the creation and the lock here: such a file has no name any more, and the next
+  // attempt follows.
+  // Returns the error number, or 0.
+  int CreateTemporary(mode_t mode) {
+    constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     for (int tried = 0; tried < kTemporaryNamesTried; ++tried) {
-      std::string candidate = temporary_name();
+      std::string candidate = temporary_name(name);
       file = Descriptor(uninterrupted([&] { return openat(folder, candidate.c_str(), kFlags, mode); }));
-      if (file.is_open()) {
+      if (!file.is_open() && errno == EEXIST) continue;
+      if (!file.is_open()) return errno;
+      const bool is_taken = flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+      struct stat status;
+      if (!is_taken && fstat(file, &status) == 0 && status.st_nlink > 0) {
         temporary = std::move(candidate);
-        return true;
+        return 0;
       }
-      if (errno != EEXIST) break;
     }
-    return failed(reason);
+    return EEXIST;
+  }
+
+  // Removes what killed saves of this file left. Where the file system has no locks, nothing can be removed
+  // safely.
+  void RemoveAbandoned() const {
+    const int copy = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* entries = copy >= 0 ? fdopendir(copy) : nullptr;
+    if (entries == nullptr) {
+      if (copy >= 0) close(copy);
+      return;
+    }
+    const std::string prefix = temporary_prefix(name);
+    const dirent* entry = readdir(entries);
+    for (int i = 0; entry != nullptr && i < kEntriesSearched; ++i, entry = readdir(entries)) {
+      if (std::string_view(entry->d_name).starts_with(prefix) && temporary != entry->d_name) {
+        RemoveIfAbandoned(entry->d_name);
+      }
+    }
+    closedir(entries);
+  }
+
+  void RemoveIfAbandoned(const char* candidate) const {
+    const Descriptor found(openat(folder, candidate, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (found.is_open() && flock(found, LOCK_EX | LOCK_NB) == 0) unlinkat(folder, candidate, 0);
   }
 
   // The owner goes first: changing it can take permissions away.
@@ -193,8 +242,41 @@ struct FileReplacement::State {
     if (fstat(file, &status) != 0) return failed(reason);
     const bool is_owners = status.st_uid == old.st_uid && status.st_gid == old.st_gid;
     if (!is_owners) keep_owner(file, old);
-    if (is_owners && status.st_mode == old.st_mode) return true;
-    return fchmod(file, old.st_mode & kPermissionBits) == 0 || failed(reason);
+    mode_t mode = old.st_mode & kPermissionBits;
+    if (TakeOverAccessControlList(mode)) return true;
+    if (is_owners && (status.st_mode & kPermissionBits) == mode) return true;
+    return fchmod(file, mode) == 0 || failed(reason);
+  }
+
+  // True when the file now has the old one's list, and with it all permissions. A list that cannot be set
+  // takes its part of `mode` with it: the bits of the group are those of the list's mask, and would open the
+  // file to the whole group.
+  bool TakeOverAccessControlList(mode_t& mode) const {
+    std::array<char, 8192> list{};
+    const std::string old = "/proc/self/fd/" + std::to_string(folder) + '/' + name;
+    const ssize_t size = lgetxattr(old.c_str(), kAccessControlList, list.data(), list.size());
+    if (size < 0 && errno == ERANGE) mode &= ~static_cast<mode_t>(S_IRWXG);
+    if (size < 0) {
+      fremovexattr(file, kAccessControlList);  // the folder may have given the new file one
+      return false;
+    }
+    if (fsetxattr(file, kAccessControlList, list.data(), static_cast<std::size_t>(size), 0) == 0) return true;
+    mode &= ~static_cast<mode_t>(S_IRWXG);
+    return false;
+  }
+
+  // Writes into the old file itself, and restores it when that fails. `unless` is the reason when it cannot
+  // be opened.
+  bool WriteInPlace(std::string_view bytes, const std::string& unless, std::string& reason) const {
+    const Descriptor old(uninterrupted([&] {
+      return openat(folder, name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    }));
+    std::string old_bytes;
+    if (!old.is_open() || !read_all(old, old_bytes)) return failed(reason, unless);
+    if (overwrite(old, bytes)) return true;
+    failed(reason);
+    if (!overwrite(old, old_bytes)) reason += "; the old content could not be restored";
+    return false;
   }
 
   bool WriteThrough(std::string_view bytes, std::string& reason) const {
@@ -210,15 +292,32 @@ struct FileReplacement::State {
   bool Open(const char* path, std::string& reason) {
     struct stat old;
     bool exists = false;
-    if (!Locate(system_path(path), old, exists, reason)) return false;
+    SystemPath where = parse_path(path);
+    bool is_located = Locate(where.name, old, exists, reason);
+    if (where.drive_folder > 0 && !exists) {
+      const int error = find_in_any_case(where);
+      if (error == ENOTUNIQ) return failed(reason, error_text(error));
+      if (error == 0) is_located = Locate(where.name, old, exists, reason);
+    }
+    if (!is_located) return false;
     if (exists && !CheckOld(old, reason)) return false;
-    // A file that is new is as the umask says.
-    if (!CreateTemporary(exists ? safe_mode(old.st_mode & kPermissionBits) : 0666, reason)) return false;
     buffer.reserve(kBufferSize);
+    // A file that is new is as the umask says.
+    const int error = CreateTemporary(exists ? safe_mode(old.st_mode & kPermissionBits) : 0666);
+    if (error != 0) {
+      refusal = error_text(error);
+      is_in_place = exists && is_refused_by_folder(error);
+      return is_in_place || failed(reason, refusal);
+    }
+    RemoveAbandoned();
     return !exists || TakeOver(old, reason);
   }
 
   bool Write(const char* bytes, std::size_t size, std::string& reason) {
+    if (is_in_place) {
+      buffer.append(bytes, size);
+      return true;
+    }
     if (buffer.size() + size > kBufferSize && !Flush(reason)) return false;
     if (size > kBufferSize) return WriteThrough({bytes, size}, reason);
     buffer.append(bytes, size);
@@ -226,11 +325,18 @@ struct FileReplacement::State {
   }
 
   bool Commit(std::string& reason) {
+    if (is_in_place) return WriteInPlace(buffer, refusal, reason);
     if (!Flush(reason)) return false;
     if (uninterrupted([&] { return fsync(file); }) != 0) return failed(reason);
-    if (renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) return failed(reason);
+    if (renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
+      const bool is_refused = is_refused_by_folder(errno);
+      failed(reason);
+      std::string bytes;
+      return is_refused && read_all(file, bytes) && WriteInPlace(bytes, std::exchange(reason, ""), reason);
+    }
     temporary.clear();
-    // The new file is in place; that its name is on disk too is worth an attempt, but no failure any more.
+    // The new file is in place. Its name should be on disk too, but a failure to flush the folder is not
+    // reported.
     uninterrupted([&] { return fsync(folder); });
     return true;
   }
@@ -240,11 +346,13 @@ FileReplacement::FileReplacement() = default;
 
 FileReplacement::~FileReplacement() {
   const KeptErrno kept;
+  const CancellationHeld held;
   state_.reset();
 }
 
 bool FileReplacement::Open(const char* path, std::string& reason) {
   const KeptErrno kept;
+  const CancellationHeld held;
   state_.reset();
   auto state = std::make_unique<State>();
   if (!state->Open(path, reason)) return false;
@@ -254,6 +362,7 @@ bool FileReplacement::Open(const char* path, std::string& reason) {
 
 bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& reason) {
   const KeptErrno kept;
+  const CancellationHeld held;
   std::unique_ptr<State> state = std::move(state_);
   if (state == nullptr) return failed(reason, "No file is open");
   if (!state->Write(static_cast<const char*>(bytes), size, reason)) return false;
@@ -263,37 +372,16 @@ bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& re
 
 bool FileReplacement::Commit(std::string& reason) {
   const KeptErrno kept;
+  const CancellationHeld held;
   const std::unique_ptr<State> state = std::move(state_);
   if (state == nullptr) return failed(reason, "No file is open");
   return state->Commit(reason);
 }
 
-bool create_folder(const char* path) {
-  const KeptErrno kept;
-  return mkdir(system_path(path).c_str(), 0777) == 0;
-}
-
 bool remove_file(const char* path) {
   const KeptErrno kept;
-  return unlink(system_path(path).c_str()) == 0;
+  SystemPath where = parse_path(path);
+  return on_path(where, unlink) == 0;
 }
-
-namespace {
-
-bool write_file(const char* path, int how, std::string_view bytes) {
-  const KeptErrno kept;
-  const std::string name = system_path(path);
-  const int flags = how | O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-  const int file = uninterrupted([&] { return open(name.c_str(), flags, 0666); });
-  if (file < 0) return false;
-  const bool written = write_all(file, bytes);
-  // Some file systems tell only now that there was no room.
-  return close(file) == 0 && written;
-}
-
-}  // namespace
-
-bool clear_file(const char* path) { return write_file(path, O_TRUNC, ""); }
-bool append_to_file(const char* path, std::string_view bytes) { return write_file(path, O_APPEND, bytes); }
 
 }  // namespace orx::platform

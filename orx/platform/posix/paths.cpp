@@ -1,10 +1,16 @@
 #include <orx/platform/paths.h>
 
 #include <orx/platform/kept_errno.h>
+#include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/environment.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 namespace orx::platform {
@@ -18,8 +24,8 @@ bool has_drive(const char* path) { return is_letter(path[0]) && path[1] == ':'; 
 
 bool is_separator(char c) { return c == '\\' || c == '/'; }
 
-bool has_server(const char* path) {
-  return path[0] == '\\' && path[1] == '\\' && path[2] != '\0' && !is_separator(path[2]);
+bool names_server(const char* path) {
+  return is_separator(path[0]) && is_separator(path[1]) && path[2] != '\0' && !is_separator(path[2]);
 }
 
 // Empty when there is none.
@@ -29,11 +35,34 @@ std::string drive_folder() {
   return data.empty() ? data : data + "/orx/drives";
 }
 
-std::string in_drive_folder(const std::string& folder, const char* rest) {
-  const std::string drives = drive_folder();
-  if (drives.empty()) return drives;
+SystemPath in_drive_folder(const std::string& folder, const char* rest) {
+  std::string drives = drive_folder();
+  if (drives.empty()) return {};
+  const std::size_t length = drives.size();
   const bool separated = *rest == '\0' || is_separator(*rest);
-  return drives + '/' + folder + (separated ? "" : "/") + rest;
+  drives.append("/").append(folder).append(separated ? "" : "/").append(rest);
+  return {std::move(drives), length};
+}
+
+// Two slashes are also how the system's own paths begin that were put together from parts.
+bool has_server(const char* path) {
+  if (!names_server(path)) return false;
+  if (path[0] == '\\' && path[1] == '\\') return true;
+  const std::string server(path + 2, std::strcspn(path + 2, "\\/"));
+  SystemPath folder = in_drive_folder("unc", ("/" + server).c_str());
+  struct stat status;
+  return !folder.name.empty() && on_path(folder, [&](const char* name) { return stat(name, &status); }) == 0;
+}
+
+// The platform writes such a prefix before paths that it is not to change.
+const char* without_prefix(const char* path, bool& is_server) {
+  constexpr std::string_view kPrefix = "\\\\?\\";
+  constexpr std::string_view kServer = "UNC\\";
+  is_server = false;
+  if (!std::string_view(path).starts_with(kPrefix)) return path;
+  path += kPrefix.size();
+  is_server = strncasecmp(path, kServer.data(), kServer.size()) == 0;
+  return is_server ? path + kServer.size() - 1 : path;
 }
 
 // Without "." and "..": what stands before a ".." may be a link, so that only the system can tell where it
@@ -49,25 +78,46 @@ std::filesystem::path plain(const std::filesystem::path& path) {
 
 }  // namespace
 
-std::string system_path(const char* path) {
-  const KeptErrno kept;
-  std::string result;
+SystemPath parse_path(const char* path) {
+  SystemPath result;
   if (path == nullptr) return result;
-  if (has_drive(path)) {
+  bool is_server = false;
+  path = without_prefix(path, is_server);
+  if (is_server) {
+    result = in_drive_folder("unc", path);
+  } else if (has_drive(path)) {
     result = in_drive_folder({lower(path[0])}, path + 2);
   } else if (has_server(path)) {
     result = in_drive_folder("unc", path + 1);
   } else {
-    result = path;
+    result.name = path;
   }
-  std::ranges::replace(result, '\\', '/');
+  std::ranges::replace(result.name, '\\', '/');
   return result;
+}
+
+std::string system_path(const char* path) {
+  const KeptErrno kept;
+  return parse_path(path).name;
+}
+
+std::string existing_path(const char* path) {
+  const KeptErrno kept;
+  SystemPath result = parse_path(path);
+  struct stat status;
+  on_path(result, [&](const char* name) { return lstat(name, &status); });
+  return result.name;
 }
 
 std::string suite_path(const char* native) {
   const KeptErrno kept;
   if (native == nullptr || *native == '\0') return "";
   if (*native == '\\' || has_drive(native)) return native;
+  if (has_server(native)) {
+    std::string path = native;
+    std::ranges::replace(path, '/', '\\');
+    return path;
+  }
   std::error_code error;
   const std::filesystem::path absolute = std::filesystem::absolute(native, error);
   if (error) return "";  // the current directory is gone
@@ -77,6 +127,10 @@ std::string suite_path(const char* native) {
   return result;
 }
 
-std::string public_folder() { return variable("PUBLIC"); }
+// Not kept: a host may set it until the application data folder is found.
+std::string public_folder() {
+  const char* folder = secure_getenv("PUBLIC");
+  return folder != nullptr ? folder : "";
+}
 
 }  // namespace orx::platform

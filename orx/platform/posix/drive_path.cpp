@@ -1,0 +1,65 @@
+#include <orx/platform/posix/drive_path.h>
+
+#include <orx/platform/posix/utf8.h>
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+namespace orx::platform {
+namespace {
+
+struct Close {
+  void operator()(DIR* folder) const { closedir(folder); }
+};
+
+// Finds the one entry of a folder that has a name in any letter case.
+int find_entry(const std::string& folder, std::string_view name, std::string& entry_name) {
+  std::string wanted, capitals;
+  if (!utf8::to_upper(name, wanted)) return ENOENT;
+  const std::unique_ptr<DIR, Close> entries(opendir(folder.c_str()));
+  if (entries == nullptr) return ENOENT;
+  int found = 0;
+  while (const dirent* entry = readdir(entries.get())) {
+    if (!utf8::to_upper(entry->d_name, capitals) || capitals != wanted) continue;
+    if (++found > 1) return ENOTUNIQ;
+    entry_name = entry->d_name;
+  }
+  return found == 1 ? 0 : ENOENT;
+}
+
+bool exists(const std::string& path) {
+  struct stat status;
+  return lstat(path.c_str(), &status) == 0;
+}
+
+}  // namespace
+
+int find_in_any_case(SystemPath& path) {
+  if (path.drive_folder == 0) return ENOENT;
+  std::string found = path.name.substr(0, path.drive_folder);
+  std::string_view rest = std::string_view(path.name).substr(path.drive_folder);
+  while (!rest.empty()) {
+    const std::size_t separators = std::min(rest.find_first_not_of('/'), rest.size());
+    found += rest.substr(0, separators);
+    rest.remove_prefix(separators);
+    const std::string_view part = rest.substr(0, rest.find('/'));
+    std::string entry_name(part);
+    if (!part.empty() && !exists(found + entry_name)) {
+      const int error = find_entry(found, part, entry_name);
+      if (error == ENOTUNIQ) return error;
+      if (error != 0) break;
+    }
+    found += entry_name;
+    rest.remove_prefix(part.size());
+  }
+  found += rest;
+  if (found == path.name) return ENOENT;
+  path.name = std::move(found);
+  return 0;
+}
+
+}  // namespace orx::platform
