@@ -69,13 +69,14 @@ struct Path {
   }
 };
 
-// A key that is missing is not made to read it, but for the suite's own: it could not hold the value, and
-// would have to go again.
+// Reading never creates a key, except the product key: a new key could not hold the value, and would have to
+// be deleted again.
 LSTATUS open_existing(const Path& path, RegistryKey& key) {
   const LSTATUS status = key.Open(HKEY_CURRENT_USER, path.text.c_str(), KEY_ALL_ACCESS);
+  if (status != ERROR_FILE_NOT_FOUND) return status;
   RegistryKey product;
-  if (status == ERROR_FILE_NOT_FOUND) product.Create(HKEY_CURRENT_USER, kProductKey);
-  return status;
+  const LSTATUS made = product.Create(HKEY_CURRENT_USER, kProductKey);
+  return made == ERROR_SUCCESS ? status : made;
 }
 
 int read(const Levels& levels, const char* name, void* buffer, int size) {
@@ -84,13 +85,13 @@ int read(const Levels& levels, const char* name, void* buffer, int size) {
     if (size < 0) return -1;
     RegistryTransaction transaction(HKEY_CURRENT_USER, RegistryTransaction::kRead);
     RegistryKey key;
-    LSTATUS status = open_existing(path, key);
-    // A key that is missing has no values, so its values cannot be queried. Another failure to open it is not
-    // reported.
-    const bool is_queried = status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
-    if (status == ERROR_SUCCESS && path.is_whole) status = key.Query(name, buffer, static_cast<DWORD>(size));
+    const LSTATUS opened = open_existing(path, key);
+    LSTATUS status = opened;
+    if (opened == ERROR_SUCCESS && path.is_whole) status = key.Query(name, buffer, static_cast<DWORD>(size));
     const LSTATUS end = transaction.End();
     if (!path.is_whole) return -1;
+    // Only a failed query is reported. A value of a key that does not exist is a value that does not exist.
+    const bool is_queried = opened == ERROR_SUCCESS || opened == ERROR_FILE_NOT_FOUND;
     if (status != ERROR_SUCCESS && is_queried) report_last_error();
     return result_of(status == ERROR_SUCCESS ? end : status);
   });
@@ -140,15 +141,16 @@ int initialise(const Levels& levels, const char* name, const Value& value) {
   });
 }
 
-bool is_empty(const char* text) { return text == nullptr || *text == '\0'; }
-
-// Two empty names would name the product key, which is never removed or emptied.
+// An empty name is the key itself. The product key is not to be deleted or emptied.
 template <class Delete>
 int remove_key(const char* key1, const char* name, Delete delete_key) {
   return guarded([&] {
-    if (is_empty(key1) && is_empty(name)) return -1;
     const Path path({key1}, EmptyLevel::kPassedOver);
-    return result_of(change(path, [&](const RegistryKey& key) { return delete_key(key, name); }));
+    const bool is_empty = name == nullptr || *name == '\0';
+    const bool is_product_key = is_empty && path.text == kProductKey;
+    return result_of(change(path, [&](const RegistryKey& key) {
+      return is_product_key ? LSTATUS{ERROR_ACCESS_DENIED} : delete_key(key, name);
+    }));
   });
 }
 
@@ -171,6 +173,7 @@ int open_key(const Path& path, HKEY& opened) {
   RegistryKey key;
   std::vector<std::string> made;
   const LSTATUS status = make_levels(path, key, made);
+  if (key == nullptr) report_last_error();
   for (; status != ERROR_SUCCESS && !made.empty(); made.pop_back()) {
     if (RegDeleteKeyA(HKEY_CURRENT_USER, made.back().c_str()) != ERROR_SUCCESS) report_last_error();
   }

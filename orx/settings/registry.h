@@ -1,11 +1,11 @@
-// The user's settings: typed values in a tree of keys below the suite's own key,
+// The user's settings: typed values in a tree of keys below the product key,
 // HKEY_CURRENT_USER\Software\Halvark Software\TESSEL\6.9.1, which is made on first use.
 //
-// Up to four level names lead from there to a key; the first null one ends the path, and the rest is ignored.
-// A name may hold several levels, with backslashes between them. A null value name means the key's default
-// value. Every function returns 0, or -1 for any failure. Types are kept and not checked when a value is
-// read. Functions may be called from any thread; a value is written as a whole or not at all, whichever
-// processes write at once.
+// Up to four level names lead from there to a key; the first null name ends the path, and the rest is
+// ignored. A name may hold several levels, with backslashes between them. A null value name means the key's
+// default value. Every function returns 0, or -1 for any failure. Types are kept and not checked when a value
+// is read. Functions may be called from any thread, also in exit handlers; a cancellation of the thread waits
+// until the call has ended. A value is written as a whole or not at all, whichever processes write at once.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -15,10 +15,10 @@
 
 ORX_C_BEGIN
 
-// Reading makes no keys below the suite's, and fails for a level with the empty name, for a value that does
-// not exist and for one of more than `size` bytes. A smaller one fills only so many; how many is not told.
-// What is in the buffer after a failure is undefined. A text that was stored without its NUL gets one if
-// there is room.
+// Reading makes no keys below the product key. It fails for a level with the empty name, for a value that
+// does not exist, and for a value of more than `size` bytes. A shorter value fills only its own length, and
+// that length is not reported. The content of the buffer after a failure is undefined. A text that was stored
+// without its NUL gets one if there is space.
 ORX_API int hvk_RegReadString(const char* key1, const char* key2, const char* key3, const char* key4,
                               const char* valueName, char* buffer, int size);
 ORX_API int hvk_RegReadInt(const char* key1, const char* key2, const char* key3, const char* key4,
@@ -62,8 +62,11 @@ ORX_API int hvk_RegOpenKey(const char* key1, const char* key2, const char* key3,
 // `*key` is closed and keeps its value.
 ORX_API int hvk_RegCloseKey(HKEY* key);
 
-// Delete the key `name` below `key1`, or below the suite's key if that is null; a missing `key1` is made. The
-// first refuses a key that has sub-keys, the second deletes it with all below.
+// Delete the key `name` below `key1`, or below the product key if `key1` is null or empty. A missing `key1`
+// is made. The first function refuses a key that has sub-keys; the second deletes a key with all below it. An
+// empty `name` is `key1` itself, and so is a null `name` for the second function, while the first refuses it;
+// the second then deletes what is below `key1` and leaves `key1` with its values. Neither deletes the product
+// key, or all that is below it.
 ORX_API int hvk_RegDeleteKey(const char* key1, const char* name);
 ORX_API int hvk_RegSHDeleteKey(const char* key1, const char* name);
 
@@ -75,13 +78,13 @@ ORX_API int hvk_GetChartwrightInstallFolder(char* buffer, int size);
 // its NUL. -1, with an empty path if there is room, when it does not fit or there is no such file.
 ORX_API int orx_registry_file(HKEY root, char* path, size_t size);
 
-// Calls `change` with `context`, and makes all that the thread writes below a root meanwhile, with the
-// functions above or through open keys, one transaction where the system has such: it is kept as a whole if
-// `change` returns ERROR_SUCCESS, and not at all if it returns anything else, throws, or the store fails; and
-// many writes take about as long as one. Every call of other threads waits for it, and so does what other
-// processes write. Returns what `change` returned, or why its writes could not be kept. A key that was made
-// and is undone is a deleted one. A process that is forked within cannot use the store, and the thread gets
-// no SIGPIPE or SIGXFSZ there.
+// Calls `change` with `context`. All that the thread writes below a root meanwhile, with the functions above
+// or through open keys, is one transaction where the system has transactions: it is kept as a whole if
+// `change` returns ERROR_SUCCESS, and undone if it returns anything else, throws, or the store fails. Many
+// writes take about as long as one. Calls of other threads and writes of other processes wait until `change`
+// has ended; so does a cancellation of the thread. Returns what `change` returned, or why its writes could
+// not be kept. A key that was made and undone is a deleted key. A process that is forked by `change` cannot
+// use the store, and the thread gets no SIGPIPE or SIGXFSZ in it.
 ORX_API LSTATUS orx_registry_change(HKEY root, LSTATUS (*change)(void* context), void* context);
 
 ORX_C_END

@@ -46,5 +46,18 @@ TEST(Utf8, EveryCodePointGoesThereAndBack) {
   EXPECT_THROW(to_wide("a\xFF"), CAtlException);
 }
 
+TEST(Utf8, LettersHaveTheCapitalsOfWindows) {
+  const std::pair<const char*, const char*> kRows[] = {
+      {"müller Ünïcode", "MÜLLER ÜNÏCODE"},
+      {"жук ως ǆ ა", "ЖУК ΩΣ Ǆ Ა"},
+      {"ß ẞ ı İ ſ µ ǅ", "ß ẞ ı İ ſ µ ǅ"},  // a capital of another letter, or none
+  };
+  std::string upper;
+  for (const auto& [text, expected] : kRows) {
+    EXPECT_TRUE(to_upper(text, upper));
+    EXPECT_EQ(upper, expected);
+  }
+}
+
 }  // namespace
 }  // namespace orx::platform::utf8

@@ -4,13 +4,17 @@
 #include <tests/support/process.h>
 #include <tests/support/registry.h>
 
+#include <pthread.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -138,6 +142,8 @@ TEST_F(SettingsTest, KeysAreDeletedAloneOrWithAllBelow) {
   EXPECT_EQ(sub_keys(Key("New")), Names{});
   EXPECT_EQ(hvk_RegDeleteKey(nullptr, "a"), 0);
   EXPECT_EQ(sub_keys(Key()), Names{"New"});
+  EXPECT_EQ(hvk_RegDeleteKey("New", ""), 0);
+  EXPECT_EQ(hvk_RegDeleteKey(nullptr, ""), -1) << "although nothing is below the product key";
 }
 
 TEST_F(SettingsTest, AnOpenedKeyIsTheCallersToClose) {
@@ -228,9 +234,12 @@ TEST_F(SettingsTest, WhatFailsIsToldToTheDebugger) {
   {
     const ScopedVariable user("ORX_USER_REGISTRY", notes.c_str());
     EXPECT_EQ(hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1), -1);
-    EXPECT_EQ(read_file(folder_.path("debug.txt")), "Settings in " + notes + ": file is not a database\n");
-    EXPECT_EQ(hvk_RegOpenKey("A", nullptr, nullptr, nullptr, &key), -1);
+    EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "x", &number), -1);
     EXPECT_EQ(hvk_RegSHDeleteKey(nullptr, "A"), -1);
+    const std::string reason = "Settings in " + notes + ": file is not a database\n";
+    EXPECT_EQ(read_file(folder_.path("debug.txt")), reason + reason + reason) << "no value was queried";
+    EXPECT_EQ(hvk_RegOpenKey("A", nullptr, nullptr, nullptr, &key), -1);
+    EXPECT_TRUE(read_file(folder_.path("debug.txt")).ends_with("\nRegistry is corrupt.\r\n\n"));
     EXPECT_EQ(read_file(notes), "These are my notes.");
   }
   EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "x", &number), -1);
@@ -264,6 +273,32 @@ TEST_F(SettingsTest, AForkedProcessGoesOnWithTheKeysOfItsParent) {
   });
   EXPECT_EQ(RegDeleteValueA(key, "y"), ERROR_SUCCESS);
   EXPECT_EQ(Stored(), "x=4:02000000 ");
+}
+
+TEST_F(SettingsTest, AProcessEndsWhileAThreadChangesSettings) {
+  orx::testing::in_new_process([] {
+    alarm(20);  // kills the process if it waits for the thread
+    const auto change = [](void*) -> LSTATUS {
+      std::thread(std::exit, 0).detach();
+      for (;;) pause();
+    };
+    orx_registry_change(HKEY_CURRENT_USER, change, nullptr);
+  });
+}
+
+TEST_F(SettingsTest, ACancelledThreadEndsAfterItsCall) {
+  const auto write_cancelled = [](void*) -> void* {
+    pthread_cancel(pthread_self());
+    hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1);
+    pthread_testcancel();
+    return nullptr;
+  };
+  pthread_t thread;
+  ASSERT_EQ(pthread_create(&thread, nullptr, write_cancelled, nullptr), 0);
+  void* result = nullptr;
+  pthread_join(thread, &result);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+  EXPECT_EQ(Stored("A"), "x=4:01000000 ");
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <orx/platform/debug_output.h>
 #include <orx/platform/posix/error_text.h>
-#include <orx/platform/posix/utf8.h>
 
 #include <sys/stat.h>
 
@@ -17,57 +16,6 @@ namespace orx::platform {
 int registry_patience = 10'000;
 
 namespace {
-
-constexpr int kApplicationId = 0x4F525852;  // "ORXR"
-constexpr int kSchemaVersion = 2;
-constexpr int kLocaleFolding = 1;  // a store whose names were folded by the locale data of the machine
-
-// Names are kept as they were written, and found by a form without letter case. A value goes with its key, a
-// key with its parent. The number of a key is random, so that no other key ever gets it: not after it was
-// deleted, not after the transaction that made it was undone, and not in another store.
-constexpr char kMakeSchema[] = R"(
-CREATE TABLE key (
-  id INTEGER PRIMARY KEY,
-  parent INTEGER REFERENCES key ON DELETE CASCADE,
-  name TEXT NOT NULL,
-  folded TEXT NOT NULL,
-  UNIQUE (parent, folded));
-CREATE TABLE value (
-  key INTEGER NOT NULL REFERENCES key ON DELETE CASCADE,
-  folded TEXT NOT NULL,
-  name TEXT NOT NULL,
-  type INTEGER NOT NULL,
-  data BLOB NOT NULL,
-  PRIMARY KEY (key, folded)) WITHOUT ROWID;
-INSERT INTO key VALUES (1, NULL, '', ''), (random() & 0x7FFFFFFFFFFFFFFF, 1, 'Software', 'SOFTWARE');
-PRAGMA application_id = 0x4F525852;
-PRAGMA user_version = 2;
-)";
-
-// Folds the names of an older store anew. Names that are now equal were written as one name on machines with
-// different locale data: their keys become one, with the sub-keys and values of all. Of equal values the one
-// that was folded as now stays; the others get a number after their name, so that nothing is lost.
-constexpr char kBeginFolding[] =
-    "CREATE TEMP TABLE merged (id INTEGER PRIMARY KEY, keeper INTEGER);"
-    "INSERT INTO merged VALUES (1, 1);";
-// One level of keys; repeated until it adds nothing.
-constexpr char kMergeLevel[] =
-    "INSERT INTO merged SELECT key.id, first_value(key.id) OVER"
-    " (PARTITION BY keeper, fold(name) ORDER BY folded = fold(name) DESC, key.id)"
-    " FROM key JOIN merged ON key.parent = merged.id WHERE key.id NOT IN (SELECT id FROM merged)";
-constexpr char kEndFolding[] =
-    "CREATE TEMP TABLE old AS SELECT keeper, name, fold(name) AS folded, type, data, row_number() OVER"
-    " (PARTITION BY keeper, fold(name) ORDER BY folded = fold(name) DESC, key) AS number"
-    " FROM value JOIN merged ON key = id;"
-    "DELETE FROM value;"
-    "INSERT INTO value SELECT keeper, folded, name, type, data FROM old WHERE number = 1;"
-    "INSERT OR IGNORE INTO value SELECT keeper, fold(name || ' (' || number || ')'),"
-    " name || ' (' || number || ')', type, data FROM old WHERE number > 1;"
-    "UPDATE key SET parent = (SELECT keeper FROM merged WHERE merged.id = parent), folded = id WHERE id > 1;"
-    "DELETE FROM key WHERE id IN (SELECT id FROM merged WHERE id <> keeper);"
-    "UPDATE key SET folded = fold(name) WHERE id > 1;"
-    "DROP TABLE old; DROP TABLE merged;"
-    "PRAGMA user_version = 2;";
 
 // EXTRA is full synchronisation, and of the folder too: a journal that comes back after a power cut would
 // undo what was reported as written.
@@ -128,21 +76,6 @@ LSTATUS status_of_system_error(int error) {
   return error == EACCES || error == EPERM || error == EROFS ? ERROR_ACCESS_DENIED : ERROR_REGISTRY_IO_FAILED;
 }
 
-// The SQL function fold(name).
-void fold_in_sql(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
-  const auto* name = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
-  try {
-    std::string folded;
-    if (name != nullptr && utf8::to_upper(name, folded)) {
-      sqlite3_result_text64(context, folded.data(), folded.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-    } else {
-      sqlite3_result_value(context, arguments[0]);
-    }
-  } catch (const std::bad_alloc&) {
-    sqlite3_result_error_nomem(context);
-  }
-}
-
 // Many short waits of unequal length, so that each of several writers gets its turn.
 int wait_for_others(void* pointer, int /*count*/) {
   using std::chrono::steady_clock;
@@ -177,6 +110,7 @@ LSTATUS RegistryDatabase::StartWriting() {
   if (is_writing_ || failure_ != ERROR_SUCCESS) return failure_;
   is_writing_ = true;
   signals_.emplace();
+  if (kind_ == StoreKind::kOutdated) Disconnect();  // to be brought up to date first
   const bool is_reading = database_ != nullptr && sqlite3_get_autocommit(database_.get()) == 0;
   const LSTATUS status = is_reading ? Do(Sql::kCommit) : Connect(/*is_made=*/true);
   return status == ERROR_SUCCESS ? Start(Sql::kBeginWriting) : status;
@@ -184,12 +118,18 @@ LSTATUS RegistryDatabase::StartWriting() {
 
 LSTATUS RegistryDatabase::Start(Sql begin) {
   if (Do(begin) != ERROR_SUCCESS) return failure_;
-  Run run(Prepared(Sql::kDataVersion));
-  if (Found(run) != ERROR_SUCCESS) return failure_;
-  if (run.Integer(0) == data_version_) return failure_;
-  data_version_ = run.Integer(0);
+  {
+    Run run(Prepared(Sql::kDataVersion));
+    if (Found(run) != ERROR_SUCCESS) return failure_;
+    if (run.Integer(0) == data_version_) return failure_;
+    data_version_ = run.Integer(0);
+  }
   ++epoch_;
-  return CheckSchema();  // who wrote may be of a later version, and have made the file its own
+  const StoreKind kind = ReadKind();
+  if (kind == kind_ || failure_ != ERROR_SUCCESS) return failure_;
+  // The process that wrote has made another kind of store of the file.
+  Disconnect();
+  return Open() == ERROR_SUCCESS ? Start(begin) : failure_;
 }
 
 LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
@@ -244,9 +184,8 @@ LSTATUS RegistryDatabase::Do(Sql sql) {
   return Done(run);
 }
 
-LSTATUS RegistryDatabase::Execute(const char* sql) {
-  const int error = sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
-  return error == SQLITE_OK ? LSTATUS{ERROR_SUCCESS} : Fail(error);
+int RegistryDatabase::Execute(const char* sql) {
+  return sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
 }
 
 LSTATUS RegistryDatabase::Fail(int sqlite_error) {
@@ -285,55 +224,44 @@ LSTATUS RegistryDatabase::Open() {
       SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE;
   signals_.emplace();  // a new file is written to, and so is one that a killed process has left half written
   sqlite3* opened = nullptr;
-  const int error = sqlite3_open_v2(path_.c_str(), &opened, kFlags, nullptr);
+  int error = sqlite3_open_v2(path_.c_str(), &opened, kFlags, nullptr);
   database_.reset(opened);
   ++epoch_;
-  if (error == SQLITE_OK) sqlite3_busy_handler(opened, wait_for_others, &deadline_);
+  data_version_ = 0;
+  if (error == SQLITE_OK) error = add_fold_function(opened);
+  if (error == SQLITE_OK) error = sqlite3_busy_handler(opened, wait_for_others, &deadline_);
+  if (error == SQLITE_OK && BringUpToDate() == ERROR_SUCCESS) error = Execute(kSettings);
   if (error != SQLITE_OK) Fail(error);
-  if (failure_ == ERROR_SUCCESS && CheckSchema() == ERROR_SUCCESS) Execute(kSettings);
   if (failure_ != ERROR_SUCCESS) Disconnect();
   return failure_;
 }
 
-// A file that is not a store is left alone; an empty file becomes one.
-LSTATUS RegistryDatabase::CheckSchema() {
-  Schema schema = FindSchema();
-  if (schema == Schema::kCurrent || schema == Schema::kUnknown) return failure_;
-  if (sqlite3_get_autocommit(database_.get()) == 0)
-    return failure_;  // an older store that was opened for reading
-  const int error = sqlite3_exec(database_.get(), "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-  // Most names fold as before, so whoever may not write to the machine's store reads it as it is.
-  if ((error & 0xFF) == SQLITE_READONLY && schema == Schema::kOlder) return failure_;
-  if (error != SQLITE_OK) return Fail(error);
-  schema = FindSchema();  // another process may have been first
-  if (schema == Schema::kNone) Execute(kMakeSchema);
-  if (schema == Schema::kOlder) FoldAnew();
-  return Execute(failure_ == ERROR_SUCCESS ? "COMMIT" : "ROLLBACK");
-}
-
-RegistryDatabase::Schema RegistryDatabase::FindSchema() {
+StoreKind RegistryDatabase::ReadKind() {
   Run run(Prepared(Sql::kSchema));
-  if (Found(run) != ERROR_SUCCESS) return Schema::kUnknown;
-  const std::int64_t application = run.Integer(0);
-  const std::int64_t version = run.Integer(1);
-  if (application == 0 && version == 0 && run.Integer(2) == 0) return Schema::kNone;
-  if (application == kApplicationId && version == kSchemaVersion) return Schema::kCurrent;
-  if (application == kApplicationId && version == kLocaleFolding) return Schema::kOlder;
-  const bool is_later = application == kApplicationId && version > kSchemaVersion;
-  Fail(ERROR_BADDB, is_later ? "made by a later version" : "not a store of settings");
-  return Schema::kUnknown;
+  return Found(run) == ERROR_SUCCESS ? kind_of_store(run.Integer(0), run.Integer(1), run.Integer(2))
+                                     : StoreKind::kForeign;
 }
 
-LSTATUS RegistryDatabase::FoldAnew() {
-  constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
-  const int error = sqlite3_create_function_v2(database_.get(), "fold", 1, kFlags, nullptr, fold_in_sql,
-                                               nullptr, nullptr, nullptr);
-  if (error != SQLITE_OK) return Fail(error);
-  if (Execute(kBeginFolding) != ERROR_SUCCESS) return failure_;
-  do {
-    if (Execute(kMergeLevel) != ERROR_SUCCESS) return failure_;
-  } while (sqlite3_changes(database_.get()) > 0);
-  return Execute(kEndFolding);
+// Nothing of a file that is not ours is changed. An outdated store that cannot be written can still be read.
+LSTATUS RegistryDatabase::BringUpToDate() {
+  kind_ = ReadKind();
+  if (failure_ != ERROR_SUCCESS || kind_ == StoreKind::kCurrent) return failure_;
+  if (kind_ == StoreKind::kLater) return Fail(ERROR_BADDB, "made by a later version");
+  if (kind_ == StoreKind::kForeign) return Fail(ERROR_BADDB, "not a store of settings");
+  int error = Execute("PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE");
+  if (error == SQLITE_OK) error = TakeSteps();
+  if (error != SQLITE_OK && kind_ == StoreKind::kOutdated && !is_writing_) error = Execute(kReadOutdated);
+  return error == SQLITE_OK ? failure_ : Fail(error);
+}
+
+int RegistryDatabase::TakeSteps() {
+  int error = SQLITE_OK;
+  // Another process may have been first.
+  if (const char* steps = steps_to_current(ReadKind()); steps != nullptr) error = Execute(steps);
+  if (error == SQLITE_OK) error = Execute("COMMIT");
+  if (error == SQLITE_OK) kind_ = StoreKind::kCurrent;
+  if (sqlite3_get_autocommit(database_.get()) == 0) Execute("ROLLBACK");
+  return error;
 }
 
 bool RegistryDatabase::HasMoved() const {
@@ -345,6 +273,10 @@ bool RegistryDatabase::HasMoved() const {
 void RegistryDatabase::Disconnect() {
   for (Statement& statement : statements_) statement.reset();
   database_.reset();
+}
+
+void RegistryDatabase::CloseIfIdle() {
+  if (!is_active_) Disconnect();
 }
 
 void RegistryDatabase::Abandon() {

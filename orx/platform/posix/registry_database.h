@@ -4,6 +4,7 @@
 #include <orx/compat/hkey.h>
 #include <orx/platform/posix/cancellation_held.h>
 #include <orx/platform/posix/registry_place.h>
+#include <orx/platform/posix/registry_schema.h>
 #include <orx/platform/posix/signals_held.h>
 #include <orx/platform/posix/sqlite_connection.h>
 #include <orx/platform/registry_key.h>
@@ -68,22 +69,22 @@ class RegistryDatabase {
   LSTATUS Found(Run& run);
   LSTATUS Done(Run& run);
 
-  // Closes the file.
-  void Disconnect();
+  // Closes the file, unless the calling thread is in a transaction.
+  void CloseIfIdle();
   // Forgets the file without closing it: it belongs to the process that this one was forked from.
   void Abandon();
 
  private:
   LSTATUS Do(Sql sql);
-  LSTATUS Execute(const char* sql);
+  int Execute(const char* sql);  // the result is SQLite's
   LSTATUS Fail(int sqlite_error);
   LSTATUS Fail(LSTATUS status, std::string_view reason);
   LSTATUS Connect(bool is_made);
   LSTATUS Open();
-  LSTATUS CheckSchema();
-  enum class Schema { kUnknown, kNone, kOlder, kCurrent };  // kUnknown is a failure
-  Schema FindSchema();
-  LSTATUS FoldAnew();
+  void Disconnect();
+  StoreKind ReadKind();
+  LSTATUS BringUpToDate();
+  int TakeSteps();
   bool HasMoved() const;
   LSTATUS Start(Sql begin);
 
@@ -94,12 +95,13 @@ class RegistryDatabase {
   std::array<Statement, static_cast<std::size_t>(Sql::kCount)> statements_;
   std::uint64_t epoch_ = 0;
   std::int64_t data_version_ = 0;
+  StoreKind kind_ = StoreKind::kCurrent;  // outdated: it is read through kReadOutdated
 
   bool is_active_ = false;
-  std::optional<CancellationHeld> cancellation_;  // from Begin to End: the thread holds locks
   bool is_writing_ = false;
   LSTATUS failure_ = ERROR_SUCCESS;
   std::chrono::steady_clock::time_point deadline_;  // from the first wait of a transaction on
+  std::optional<CancellationHeld> cancellation_;
   std::optional<SignalsHeld> signals_;  // while it writes: the host is not to end by a limit on file sizes
 };
 

@@ -3,7 +3,6 @@
 #include <pthread.h>
 
 #include <cstddef>
-#include <memory>
 #include <new>
 
 namespace orx::platform {
@@ -32,39 +31,29 @@ void abandon_registry() {
   new (&registry().mutex) std::recursive_mutex;
 }
 
-alignas(Registry) std::byte place_of_registry[sizeof(Registry)];
+alignas(Registry) std::byte storage[sizeof(Registry)];
 
-// The registry is closed with the library, but not destroyed: what a host does after that still finds it.
-struct Life {
-  Life() {
-    new (place_of_registry) Registry;
+// The registry is never destroyed: at the end of the process other threads may still be in a call, and the
+// host's own exit handlers may make one. So the end closes the files only if no call is going on, and does
+// not wait for one. A later call opens its file again.
+struct RegistryLifetime {
+  RegistryLifetime() {
+    new (storage) Registry;
     pthread_atfork(lock_registry, unlock_registry, abandon_registry);
   }
-  ~Life() { registry().Close(); }
+  ~RegistryLifetime() {
+    const std::unique_lock lock(registry().mutex, std::try_to_lock);
+    if (!lock) return;
+    registry().user.database().CloseIfIdle();
+    registry().machine.database().CloseIfIdle();
+  }
 };
-
-void renew(RegistryStore& store, const RegistryPlace& place) {
-  std::destroy_at(&store);
-  std::construct_at(&store, place);
-}
 
 }  // namespace
 
 Registry& registry() {
-  static const Life life;
-  return *std::launder(reinterpret_cast<Registry*>(place_of_registry));
-}
-
-// Other threads may still be at it.
-void Registry::Close() {
-  const std::lock_guard lock(mutex);
-  user.database().Disconnect();
-  machine.database().Disconnect();
-  if (free_places.size() != keys.size()) return;
-  renew(user, kUserRegistry);
-  renew(machine, kMachineRegistry);
-  keys = std::vector<OpenKey>();
-  free_places = std::vector<std::uint32_t>();
+  static const RegistryLifetime lifetime;
+  return *std::launder(reinterpret_cast<Registry*>(storage));
 }
 
 const OpenKey* Registry::Find(HKEY handle) const {

@@ -30,11 +30,9 @@ struct Registry {
   RegistryStore& StoreOf(HKEY root);
   HKEY Add(const OpenKey& key);
   bool Remove(HKEY handle);
-  // Closes the files, which are opened again if a host still asks, and frees all memory if no key is open.
-  void Close();
 };
 
-// Made on first use, and closed at the end of the library.
+// Made on first use, and never destroyed.
 Registry& registry();
 
 }  // namespace orx::platform

@@ -6,11 +6,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <utility>
 
 namespace orx::platform::utf8 {
@@ -114,12 +112,16 @@ char* encode(std::uint32_t code_point, char* out) {
   return out;
 }
 
-// As in the platform's own names, one letter stays one letter: there a small sharp s has no capital.
-static std::uint32_t capital_of(std::uint32_t letter) {
+// As the names of files and registry keys on Windows have them: each letter has one capital, and only the
+// letter to which the capital leads back. So a dotless i does not become an I. The library gives the sharp s
+// a capital, which Unicode's simple mapping does not.
+static std::uint32_t capital(std::uint32_t c) {
   constexpr std::uint32_t kSharpS = 0xDF;
-  return letter == kSharpS
-             ? letter
-             : static_cast<std::uint32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(letter)));
+  constexpr std::uint32_t kFinalSigma = 0x3C2;
+  const auto letter = static_cast<utf8proc_int32_t>(c);
+  const utf8proc_int32_t upper = utf8proc_toupper(letter);
+  const bool is_pair = c != kSharpS && utf8proc_tolower(upper) == letter;
+  return is_pair || c == kFinalSigma ? static_cast<std::uint32_t>(upper) : c;
 }
 
 bool to_upper(std::string_view text, std::string& upper) {
@@ -133,7 +135,7 @@ bool to_upper(std::string_view text, std::string& upper) {
       text.remove_prefix(1);
     } else {
       char bytes[4];
-      capitals.append(bytes, encode(capital_of(static_cast<std::uint32_t>(take_first(text))), bytes));
+      capitals.append(bytes, encode(capital(static_cast<std::uint32_t>(take_first(text))), bytes));
     }
   }
   upper = std::move(capitals);

@@ -1,0 +1,100 @@
+#include <orx/settings/registry.h>
+
+#include <gtest/gtest.h>
+#include <orx/platform/posix/registry_database.h>
+#include <tests/support/registry.h>
+
+#include <filesystem>
+
+namespace {
+
+// The file of the user's settings, as another program finds it.
+class StoreTest : public orx::testing::RegistryTest {
+ protected:
+  StoreTest() { orx::platform::registry_patience = 20; }
+  ~StoreTest() override {
+    sqlite3_close(file_);
+    orx::platform::registry_patience = 10'000;
+  }
+
+  void OpenFile() {
+    std::filesystem::create_directory(folder_.path("config"));
+    ASSERT_EQ(sqlite3_open(folder_.path("config/user.db").c_str(), &file_), SQLITE_OK);
+  }
+
+  // The columns of all rows.
+  std::string Run(const char* sql) {
+    std::string found;
+    const auto add = [](void* text, int count, char** columns, char**) {
+      for (int i = 0; i < count; ++i) static_cast<std::string*>(text)->append(columns[i]).append(" ");
+      return 0;
+    };
+    char* error = nullptr;
+    EXPECT_EQ(sqlite3_exec(file_, sql, add, &found, &error), SQLITE_OK) << sql << ": " << error;
+    return found;
+  }
+
+  sqlite3* file_ = nullptr;
+};
+
+// "0": there is no such value.
+char read(const char* key1, const char* key2, const char* name) {
+  char digit = '0';
+  hvk_RegReadBinary(key1, key2, nullptr, nullptr, name, &digit, 1);
+  return digit;
+}
+
+TEST_F(StoreTest, AStoreThatIsLockedFailsWhenPatienceEnds) {
+  ASSERT_EQ(hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1), 0);
+  OpenFile();
+  int number = 0;
+  const std::tuple<const char*, int, int> kRows[] = {
+      {"BEGIN EXCLUSIVE", -1, -1}, {"BEGIN IMMEDIATE", 0, -1}, {"BEGIN", 0, 0}};
+  for (const auto& [lock, read, write] : kRows) {
+    Run(lock);
+    EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "x", &number), read) << lock;
+    EXPECT_EQ(hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 2), write) << lock;
+    EXPECT_EQ(hvk_RegInitInt("A", nullptr, nullptr, nullptr, "x", 3), read) << lock;
+    Run("ROLLBACK");
+  }
+}
+
+// Of a program that knew the capitals of ASCII alone on one day, and all capitals on another.
+constexpr char kOldStore[] = R"(
+CREATE TABLE key (id INTEGER PRIMARY KEY, parent INTEGER REFERENCES key ON DELETE CASCADE, name TEXT NOT NULL,
+  folded TEXT NOT NULL, UNIQUE (parent, folded));
+CREATE TABLE value (key INTEGER NOT NULL REFERENCES key ON DELETE CASCADE, folded TEXT NOT NULL,
+  name TEXT NOT NULL, type INTEGER NOT NULL, data BLOB NOT NULL, PRIMARY KEY (key, folded)) WITHOUT ROWID;
+PRAGMA application_id = 0x4F525852;
+PRAGMA user_version = 1;
+INSERT INTO key VALUES (1, NULL, '', ''), (2, 1, 'Software', 'SOFTWARE'),
+  (3, 2, 'Halvark Software', 'HALVARK SOFTWARE'), (4, 3, 'TESSEL', 'TESSEL'), (5, 4, '6.9.1', '6.9.1'),
+  (6, 5, 'müller', 'MüLLER'), (7, 6, 'süd', 'SüD'), (8, 6, 'SÜD', 'SÜD'), (9, 6, 'West', 'WEST'),
+  (10, 5, 'Müller', 'MÜLLER'), (11, 10, 'Süd', 'SÜD');
+INSERT INTO value (key, name, folded, type, data) VALUES
+  (10, 'Größe', 'GRÖßE', 3, '1'), (10, 'größe', 'GRößE', 3, '2'), (6, 'größe', 'GRößE', 3, '3'),
+  (6, 'GRÖßE', 'GRÖßE', 3, '1'), (10, 'ä', 'ä', 3, '4'), (6, 'neu', 'NEU', 3, '5'),
+  (7, 'x', 'X', 3, '6'), (8, 'y', 'Y', 3, '7'), (9, 'x', 'X', 3, '8');
+)";
+
+TEST_F(StoreTest, AnOlderStoreIsFoldedAnewOnce) {
+  OpenFile();
+  Run(kOldStore);
+  Run("BEGIN IMMEDIATE");
+  EXPECT_EQ(read("MÜLLER", nullptr, "Ä"), '4') << "it can be read while it cannot be written";
+  EXPECT_EQ(hvk_RegWriteBinary("MÜLLER", nullptr, nullptr, nullptr, "Ä", "5", 1), -1);
+  Run("ROLLBACK");
+  for (const char* key : {"Müller", "müller", "MÜLLER"}) {
+    EXPECT_EQ(read(key, nullptr, "größe"), '1');
+    EXPECT_EQ(read(key, nullptr, "Ä"), '4');
+    EXPECT_EQ(read(key, nullptr, "Neu"), '5');
+    EXPECT_EQ(read(key, "Süd", "x"), '6');
+    EXPECT_EQ(read(key, "süd", "y"), '7');
+    EXPECT_EQ(read(key, "west", "x"), '8');
+  }
+  EXPECT_EQ(Run("SELECT name FROM key WHERE parent IN (5, 10) ORDER BY id"), "West Müller Süd ");
+  EXPECT_EQ(Run("SELECT key, name, data FROM replaced ORDER BY data"), "10 größe 2 10 größe 3 ");
+  EXPECT_EQ(Run("PRAGMA integrity_check; PRAGMA foreign_key_check; PRAGMA user_version"), "ok 2 ");
+}
+
+}  // namespace
