@@ -3,17 +3,17 @@
 #include <orx/platform/code_page.h>
 #include <orx/platform/paths.h>
 #include <orx/platform/posix/dom_host.h>
+#include <orx/platform/posix/dom_nodes.h>
 #include <orx/platform/posix/dom_parse.h>
+#include <orx/platform/posix/dom_rules.h>
 #include <orx/platform/posix/dom_tree.h>
+#include <orx/platform/posix/dom_write.h>
 #include <orx/platform/posix/utf8.h>
 #include <orx/platform/posix/variant_text.h>
-
-#include <libxml/xmlsave.h>
 
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,64 +23,11 @@ namespace {
 
 constexpr const char* kBlanks = " \t\r\n";
 
-// libxml2 reads no value of 10,000,000 bytes, no name of more than 50,000 and nothing deeper than this.
-constexpr std::size_t kMaxTextBytes = 9'900'000;
-constexpr std::size_t kMaxNameBytes = 50'000;
-constexpr int kMaxDepth = 256;
-
-using XmlText = std::unique_ptr<xmlChar, decltype(xmlFree)>;
+constexpr const char* kEmpty = "the document is empty";
 
 Tree& tree_of(IXMLDOMDocument& document) { return static_cast<Document&>(document).tree(); }
 Node& handle_of(IXMLDOMNode& node) { return static_cast<Node&>(node); }
 xmlNode& node_of(IXMLDOMNode& node) { return *handle_of(node).node; }
-
-bool is_forbidden(char c) {
-  return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-}
-
-// Whether a document that holds the text can be read again. The first look has no early end, so that the
-// compiler takes many characters at a time; it is all that most texts need.
-bool is_text(std::string_view text) {
-  bool has_low = false;
-  bool has_high = false;
-  for (const char c : text) {
-    has_low |= static_cast<unsigned char>(c) < 0x20;
-    has_high |= static_cast<unsigned char>(c) >= 0x80;
-  }
-  if (has_low && std::any_of(text.begin(), text.end(), is_forbidden)) return false;
-  return !has_high || (utf8::is_valid(text) && text.find("\xEF\xBF\xBE") == text.npos &&
-                       text.find("\xEF\xBF\xBF") == text.npos);
-}
-
-std::size_t written_size(std::string_view text) {
-  constexpr std::size_t kLongestEscape = 6;
-  if (text.size() <= kMaxTextBytes / kLongestEscape) return text.size();
-  std::size_t size = text.size();
-  for (const char c : text) {
-    if (std::strchr("\t\n\r<>&\"", c) != nullptr) size += kLongestEscape - 1;
-  }
-  return size;
-}
-
-bool accept_text(std::string_view text, Reason& reason) {
-  if (written_size(text) > kMaxTextBytes) {
-    reason = "the text is larger than 9.9 MB when it is written";
-    return false;
-  }
-  if (is_text(text)) return true;
-  reason = "the text holds characters that XML does not allow, or is not valid UTF-8";
-  return false;
-}
-
-bool accept_name(const char* name, Reason& reason) {
-  if (std::strlen(name) > kMaxNameBytes) {
-    reason = "the name is too long";
-    return false;
-  }
-  if (xmlValidateQName(as_xml(name), 0) == 0) return true;
-  reason = "\"" + std::string(name) + "\" is not a name of XML";
-  return false;
-}
 
 bool accept_depth(const xmlNode& parent, Reason& reason) {
   int depth = 1;
@@ -88,127 +35,118 @@ bool accept_depth(const xmlNode& parent, Reason& reason) {
     if (node->type == XML_ELEMENT_NODE) ++depth;
   }
   if (depth <= kMaxDepth) return true;
-  reason = "the element would be nested too deep";
+  reason = kTooDeep;
   return false;
 }
 
+bool refuse(Reason& reason, const char* why) {
+  reason = why;
+  return false;
+}
+
+// Hands out the root element before the document changes, so that both happen or neither.
 bool take(Document& document, Tree* tree, IXMLDOMElement** root) {
-  document.Hold(tree);
-  *root = tree == nullptr ? nullptr : tree->HandleOf(xmlDocGetRootElement(tree->doc()));
-  return tree != nullptr;
-}
-
-std::string qualified_name(const xmlChar* name, const xmlNs* ns) {
-  if (ns == nullptr || ns->prefix == nullptr) return as_text(name);
-  return std::string(as_text(ns->prefix)) + ':' + as_text(name);
-}
-
-xmlAttr* find_attribute(const xmlNode& element, const char* name) {
-  for (xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
-    const bool matches = attribute->ns == nullptr ? std::strcmp(as_text(attribute->name), name) == 0
-                                                  : qualified_name(attribute->name, attribute->ns) == name;
-    if (matches) return attribute;
-  }
-  return nullptr;
-}
-
-// A declaration "xmlns" or "xmlns:prefix" of the element, which libxml2 keeps apart from its attributes.
-const xmlNs* find_namespace(const xmlNode& element, std::string_view name) {
-  if (!name.starts_with("xmlns") || (name.size() > 5 && name[5] != ':')) return nullptr;
-  const std::string prefix(name.size() > 5 ? name.substr(6) : std::string_view());
-  for (const xmlNs* ns = element.nsDef; ns != nullptr; ns = ns->next) {
-    if (prefix == (ns->prefix != nullptr ? as_text(ns->prefix) : "")) return ns;
-  }
-  return nullptr;
+  *root = nullptr;
+  if (tree == nullptr) return false;
+  TreePointer held(tree);
+  *root = tree->HandleOf(xmlDocGetRootElement(tree->doc()));
+  document.Hold(held.release());
+  return true;
 }
 
 bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
-  if (const xmlAttr* attribute = find_attribute(element, name)) {
-    const xmlNode* child = attribute->children;
-    if (child != nullptr && child->next == nullptr && child->type == XML_TEXT_NODE) {
-      text = as_text(child->content);
-    } else {
-      const HostAside host;
-      const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
-      if (host.ran_out_of_memory()) throw std::bad_alloc();
-      text = as_text(value.get());
-    }
-    return true;
+  const xmlAttr* attribute = find_attribute(element, name);
+  if (attribute == nullptr) {
+    const xmlNs* ns = find_namespace(element, name);
+    text = ns != nullptr ? as_text(ns->href) : nullptr;
+    return ns != nullptr;
   }
-  const xmlNs* ns = find_namespace(element, name);
-  text = ns != nullptr ? as_text(ns->href) : nullptr;
-  return ns != nullptr;
+  const xmlNode* child = attribute->children;
+  if (child == nullptr) {
+    text.Empty();
+  } else if (child->next == nullptr && child->type == XML_TEXT_NODE) {
+    text = as_text(child->content);
+  } else {
+    const HostAside host;
+    const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
+    host.CheckMemory();
+    text = as_text(value.get());
+  }
+  return true;
 }
 
-xmlNode* new_element(xmlDoc* doc, const char* name) {
-  const HostAside host;
-  return host.Whole(xmlNewDocNode(doc, nullptr, as_xml(name), nullptr), xmlFreeNode);
+bool add_attribute(Tree& tree, xmlNode& element, const char* name, const char* text, Reason& reason) {
+  xmlAttr* last = element.properties;
+  for (int count = 1; last != nullptr && last->next != nullptr; last = last->next) {
+    if (++count == kMaxAttributes) return refuse(reason, kTooManyAttributes);
+  }
+  NodePointer attribute = new_attribute(element, name);
+  tree.SetText(*attribute, text);
+  append_attribute(element, last, std::move(attribute));
+  return true;
 }
 
-void add_attribute(xmlNode& element, const char* name, const char* text) {
-  const HostAside host;
-  host.Whole(xmlNewProp(&element, as_xml(name), as_xml(text)), xmlRemoveProp);
+// What its kind of node cannot hold: what would end it, and what a parser would drop or change there.
+bool fits_kind(xmlElementType type, std::string_view text) {
+  const bool has_return = text.find('\r') != text.npos;
+  switch (type) {
+    case XML_COMMENT_NODE:
+      return !has_return && text.find("--") == text.npos && !text.ends_with('-');
+    case XML_PI_NODE:
+      return !has_return && text.find("?>") == text.npos && text.find_first_of(kBlanks) != 0;
+    case XML_CDATA_SECTION_NODE:
+      return !has_return && text.find("]]>") == text.npos;
+    default:
+      return true;
+  }
 }
 
-void replace_children(Tree& tree, xmlNode& parent, const char* text) {
-  const HostAside host;
-  xmlNode* child = *text != '\0' ? host.Whole(xmlNewDocText(parent.doc, as_xml(text)), xmlFreeNode) : nullptr;
-  tree.RemoveChildren(parent);
-  if (child != nullptr) xmlAddChild(&parent, child);
+const xmlNode* attribute_of(const xmlNode& node) {
+  const xmlNode* owner = node.type == XML_TEXT_NODE ? node.parent : &node;
+  return owner != nullptr && owner->type == XML_ATTRIBUTE_NODE ? owner : nullptr;
+}
+
+// Replaces the content of a node that has no children.
+void replace_content(xmlNode& node, const std::string& text) {
+  XmlText content(duplicate(text), xmlFree);
+  if (node.type == XML_TEXT_NODE && node.parent != nullptr) forget_ids(*node.parent);
+  xmlNodeSetContent(&node, nullptr);
+  node.content = content.release();
 }
 
 bool put_text(const Node& handle, const std::string& text, Reason& reason) {
   xmlNode& node = *handle.node;
+  const xmlNode* attribute = attribute_of(node);
+  const std::string name = attribute != nullptr ? qualified_name(attribute->name, attribute->ns) : "";
+  if (!accept_value(name, text, reason)) return false;
+  if (!fits_kind(node.type, text)) return refuse(reason, "a node of this kind cannot hold this text");
   switch (node.type) {
     case XML_ELEMENT_NODE:
     case XML_ATTRIBUTE_NODE:
-      replace_children(handle.tree, node, text.c_str());
+      handle.tree.SetText(node, text);
       return true;
+    case XML_TEXT_NODE:
+    case XML_CDATA_SECTION_NODE:
     case XML_COMMENT_NODE:
     case XML_PI_NODE:
-      if (text.find(node.type == XML_PI_NODE ? "?>" : "--") == text.npos &&
-          (node.type == XML_PI_NODE || !text.ends_with('-')))
-        break;
-      reason = "the text would end its node";
-      return false;
-    case XML_TEXT_NODE:
-      if (node.parent != nullptr) forget_id(*node.parent);
-      break;
-    case XML_CDATA_SECTION_NODE:
-      break;
+      replace_content(node, text);
+      return true;
     default:
-      reason = "a node of this kind has no text";
-      return false;
+      return refuse(reason, "a node of this kind has no text");
   }
-  const HostAside host;
-  xmlNodeSetContent(&node, as_xml(text.c_str()));
-  if (host.ran_out_of_memory()) throw std::bad_alloc();
-  return true;
 }
 
-struct Writing {
-  const Sink& sink;
-  bool goes_on = true;
-};
-
-// libxml2 would report a failed write on the standard error stream, so it never hears of one.
-int write_chunk(void* context, const char* bytes, int size) {
-  auto& writing = *static_cast<Writing*>(context);
-  writing.goes_on = writing.goes_on && writing.sink(bytes, static_cast<std::size_t>(size));
-  return size;
-}
-
-bool write_tree(const Tree& tree, const Sink& sink) {
-  const SettingsAside settings;
-  const HostAside host;
-  Writing writing{sink};
-  const int options = XML_SAVE_AS_XML | XML_SAVE_NO_XHTML | (tree.declared ? 0 : XML_SAVE_NO_DECL) |
-                      (tree.laid_out ? XML_SAVE_FORMAT : 0);
-  xmlSaveCtxt* context = allocated(xmlSaveToIO(write_chunk, nullptr, &writing, "UTF-8", options));
-  xmlSaveDoc(context, tree.doc());
-  xmlSaveClose(context);
-  if (host.ran_out_of_memory()) throw std::bad_alloc();
-  return writing.goes_on;
+// What a DOCTYPE declares decides over the whole document, so that its document is read again before it is
+// saved.
+bool write_after_reading(const Tree& tree, const Sink& sink, Reason& reason) {
+  std::string text;
+  const auto collect = [&text](const char* bytes, std::size_t size) {
+    text.append(bytes, size);
+    return true;
+  };
+  if (!write_tree(tree, collect, reason)) return false;
+  const TreePointer read(parse_text(text, reason));
+  return read != nullptr && sink(text.data(), text.size());
 }
 
 }  // namespace
@@ -217,13 +155,11 @@ IXMLDOMDocument* create_document() { return new Document; }
 
 bool create_root(IXMLDOMDocument& document, const char* name, IXMLDOMElement** root, Reason& reason) {
   *root = nullptr;
-  auto& target = static_cast<Document&>(document);
-  target.Hold(nullptr);
+  Tree& tree = tree_of(document);
   if (!accept_name(name, reason)) return false;
-  xmlDoc* doc = target.tree().doc();
-  xmlNode* node = new_element(doc, name);
-  xmlDocSetRootElement(doc, node);
-  *root = target.tree().HandleOf(node);
+  NodePointer element = new_element(*tree.doc(), name);
+  *root = tree.HandleOf(element.get());
+  xmlDocSetRootElement(tree.doc(), element.release());
   return true;
 }
 
@@ -235,37 +171,36 @@ bool load_text(IXMLDOMDocument& document, const char* text, IXMLDOMElement** roo
   return take(static_cast<Document&>(document), parse_text(text, reason), root);
 }
 
-bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason&) {
+bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason& reason) {
   const Tree& tree = tree_of(document);
-  return xmlDocGetRootElement(tree.doc()) == nullptr || write_tree(tree, sink);
+  return xmlDocGetRootElement(tree.doc()) == nullptr || write_tree(tree, sink, reason);
 }
 
 bool write_file(IXMLDOMDocument& document, const Sink& sink, Reason& reason) {
   const Tree& tree = tree_of(document);
-  if (xmlDocGetRootElement(tree.doc()) != nullptr) return write_tree(tree, sink);
-  reason = "the document is empty";
-  return false;
+  if (xmlDocGetRootElement(tree.doc()) == nullptr) return refuse(reason, kEmpty);
+  const bool has_doctype = tree.doc()->intSubset != nullptr;
+  return has_doctype ? write_after_reading(tree, sink, reason) : write_tree(tree, sink, reason);
 }
 
 bool indent(IXMLDOMDocument& document, Reason& reason) {
   auto& target = static_cast<Document&>(document);
-  if (xmlDocGetRootElement(target.tree().doc()) == nullptr) {
-    reason = "the document is empty";
-    return false;
-  }
-  if (target.tree().HasHandles()) {  // they stay behind with the old tree
+  if (xmlDocGetRootElement(target.tree().doc()) == nullptr) return refuse(reason, kEmpty);
+  if (target.tree().HasHandles()) {  // they stay with the old tree
     std::string text;
-    write_tree(target.tree(),
-               [&text](const char* bytes, std::size_t size) { return text.append(bytes, size), true; });
+    const auto collect = [&text](const char* bytes, std::size_t size) {
+      text.append(bytes, size);
+      return true;
+    };
+    if (!write_tree(target.tree(), collect, reason)) return false;
     Tree* copy = parse_text(text, reason);
     if (copy == nullptr) return false;
     target.Hold(copy);
   }
   target.tree().declared = target.tree().laid_out = true;
-  const HostAside host;
   xmlDoc* doc = target.tree().doc();
   xmlFree(const_cast<xmlChar*>(doc->version));
-  doc->version = xmlStrdup(as_xml("1.0"));  // libxml2 writes 1.0 for none, too
+  doc->version = nullptr;  // is written as 1.0
   return true;
 }
 
@@ -274,9 +209,10 @@ bool append_element(IXMLDOMDocument&, IXMLDOMElement& parent, const char* name, 
   *child = nullptr;
   const Node& owner = handle_of(parent);
   if (!accept_name(name, reason) || !accept_depth(*owner.node, reason)) return false;
-  xmlNode* node = new_element(owner.node->doc, name);
-  xmlAddChild(owner.node, node);
-  *child = owner.tree.HandleOf(node);
+  NodePointer element = new_element(*owner.node->doc, name);
+  *child = owner.tree.HandleOf(
+      element.get());  // first, so that an element without a handle is not in the document
+  xmlAddChild(owner.node, element.release());
   return true;
 }
 
@@ -334,7 +270,7 @@ bool set_text(IXMLDOMNode& node, const wchar_t* text, Reason& reason) {
     reason = "the text holds what is not a character";
     return false;
   }
-  return accept_text(narrow, reason) && put_text(handle_of(node), narrow, reason);
+  return put_text(handle_of(node), narrow, reason);
 }
 
 bool get_attribute(IXMLDOMElement& element, const char* name, bool& exists, CStringA& text, Reason& reason) {
@@ -359,20 +295,16 @@ bool get_attribute(IXMLDOMElement& element, const char* name, VARIANT* value, Re
 }
 
 bool set_attribute(IXMLDOMElement& element, const char* name, const char* text, Reason& reason) {
-  if (!accept_name(name, reason) || !accept_text(text, reason)) return false;
+  if (!accept_name(name, reason) || !accept_value(name, text, reason)) return false;
   const Node& handle = handle_of(element);
   if (xmlAttr* attribute = find_attribute(*handle.node, name)) {
-    replace_children(handle.tree, *reinterpret_cast<xmlNode*>(attribute), text);
+    handle.tree.SetText(*reinterpret_cast<xmlNode*>(attribute), text);
     return true;
   }
   const xmlNs* ns = find_namespace(*handle.node, name);
-  if (ns == nullptr) {
-    add_attribute(*handle.node, name, text);
-    return true;
-  }
+  if (ns == nullptr) return add_attribute(handle.tree, *handle.node, name, text, reason);
   if (std::strcmp(text, as_text(ns->href)) == 0) return true;
-  reason = "the namespace of an element cannot be changed";
-  return false;
+  return refuse(reason, "the namespace of an element cannot be changed");
 }
 
 bool set_attribute(IXMLDOMElement& element, const char* name, const VARIANT& value, Reason& reason) {

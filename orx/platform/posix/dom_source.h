@@ -5,6 +5,7 @@
 // for them.
 #pragma once
 
+#include <orx/platform/posix/dom_rules.h>
 #include <orx/platform/posix/utf8.h>
 
 #include <iconv.h>
@@ -15,9 +16,6 @@
 #include <string_view>
 
 namespace orx::platform::dom {
-
-// A list of 200,000 projects with the longest paths has 80 MB; what is larger is no file of the suite.
-inline constexpr std::size_t kMaxDocumentBytes = std::size_t{128} << 20;
 
 class Source {
  public:
