@@ -99,6 +99,7 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
       {repeated("<a xmlns:b='c' xmlns:d='e'>", 250), "too many namespaces"},
       {doctype("<!ATTLIST a xmlns:b CDATA 'c'>") + "<a/>", "attribute default"},
       {doctype("<!ATTLIST a b CDATA '&lt;'>") + "<a/>", "default"},  // would not be written as it was read
+      {"<a xmlns='b&amp;c'/>", "ampersand"},
       {root_of("\xEF\xBF\xBE"), "not well-formed"},
       {doctype(repeated("<!NOTATION n SYSTEM 'n'>", 2)) + "<a>", "not well-formed"},
   };

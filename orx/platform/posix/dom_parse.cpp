@@ -148,6 +148,10 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
   parse.nodes += 1 + static_cast<std::size_t>(attributes);
   if (parse.nodes > kMaxNodes) return refuse(context, kTooManyNodes);
   parse.keeps_space[level] = parse.keeps_space[level - 1];
+  for (int i = 0; i < namespaces; ++i) {  // a prefix and a name each
+    if (!is_supported_namespace(as_text(namespace_table[2 * i + 1])))
+      return refuse(context, kUnsupportedNamespace);
+  }
   for (int i = 0; i < attributes; ++i) {
     const xmlChar** at = attribute_table + 5 * i;
     const Attribute attribute{at[0], at[1], at[2], at[3], at[4]};

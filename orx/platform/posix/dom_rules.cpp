@@ -109,9 +109,12 @@ bool accept_value(std::string_view attribute, std::string_view value, std::strin
   const bool has_prefix = attribute != kXmlns;
   const std::string_view prefix = has_prefix ? attribute.substr(kXmlns.size() + 1) : "";
   const bool is_own = prefix == "xml" || prefix == kXmlns || is_reserved_namespace(value);
-  if (!is_own && !(has_prefix && value.empty())) return true;
-  return refuse(reason, "XML does not allow this declaration of a namespace");
+  if (is_own || (has_prefix && value.empty()))
+    return refuse(reason, "XML does not allow this declaration of a namespace");
+  return is_supported_namespace(value) || refuse(reason, kUnsupportedNamespace);
 }
+
+bool is_supported_namespace(std::string_view uri) { return uri.find('&') == std::string_view::npos; }
 
 bool declares_namespace(std::string_view name) {
   return name.starts_with(kXmlns) && (name.size() == kXmlns.size() || name[kXmlns.size()] == ':');

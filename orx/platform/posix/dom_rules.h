@@ -40,6 +40,7 @@ inline constexpr const char* kTooLarge = "it is larger than 128 MiB";
 inline constexpr const char* kTooDeep = "its elements are nested too deep";
 inline constexpr const char* kTooManyAttributes = "an element has too many attributes";
 inline constexpr const char* kTooManyNamespaces = "it declares too many namespaces";
+inline constexpr const char* kUnsupportedNamespace = "the name of a namespace holds an ampersand";
 inline constexpr const char* kTooManyNodes = "it has too many elements";
 
 // Each is false with the reason when the argument is refused.
@@ -49,6 +50,9 @@ bool accept_query(std::string_view query, std::string& reason);
 // The value of an attribute that may be the declaration of a namespace. A load drops some declarations of the
 // namespaces of XML itself.
 bool accept_value(std::string_view attribute, std::string_view value, std::string& reason);
+
+// False for a name with an ampersand, which libxml2 leaves escaped when it reads a namespace.
+bool is_supported_namespace(std::string_view uri);
 
 // A valid name without a colon.
 bool is_plain_name(std::string_view text);
