@@ -1,6 +1,7 @@
 #include <libxml/xmlmemory.h>
 #include <tests/support/failing_heap.h>
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -12,10 +13,10 @@ extern "C" void* __real_realloc(void* block, std::size_t size);
 
 namespace {
 
-int left = INT_MAX;
-auto failure = orx::testing::HeapFailure::kOnce;
-bool has_failed = false;
-int in_use = 0;
+thread_local int left = INT_MAX;
+thread_local auto failure = orx::testing::HeapFailure::kOnce;
+thread_local bool has_failed = false;
+std::atomic<int> in_use = 0;
 
 bool may_allocate() {
   if (left == INT_MAX || left-- > 0) return true;

@@ -6,7 +6,7 @@ namespace orx::testing {
 
 enum class HeapFailure { kOnce, kFromThen };
 
-// Lets `count` allocations succeed; then the next or all others fail.
+// Lets `count` allocations of this thread succeed; then the next or all others fail.
 void fail_heap_after(int count, HeapFailure how);
 
 // Lets all succeed again. Whether any has failed.
