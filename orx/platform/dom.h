@@ -28,14 +28,15 @@ using Sink = std::function<bool(const char* bytes, std::size_t size)>;  // false
 // An empty document, or null when the system has no DOM.
 IXMLDOMDocument* create_document();
 
-// Each load replaces the whole content, on failure by nothing.
+// Each fills an empty document, which stays empty after a failure.
 bool create_root(IXMLDOMDocument& document, const char* name, IXMLDOMElement** root, Reason& reason);
 bool load_file(IXMLDOMDocument& document, const char* path, IXMLDOMElement** root, Reason& reason);
 bool load_text(IXMLDOMDocument& document, const char* text, IXMLDOMElement** root, Reason& reason);
 
 // The whole document as narrow text.
 bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason& reason);
-// The whole document in the bytes of a file; an empty document is refused.
+// The whole document in the bytes of a file. An empty document is refused, and so is one that a load would not accept;
+// some of its bytes may have gone to the sink then.
 bool write_file(IXMLDOMDocument& document, const Sink& sink, Reason& reason);
 
 // Lays the document out one element a line. Nodes and lists handed out before belong to the old content

@@ -6,7 +6,7 @@
 #include <orx/platform/kept_errno.h>
 #include <orx/platform/message_box.h>
 
-#include <new>
+#include <exception>
 #include <string_view>
 #include <utility>
 
@@ -22,31 +22,34 @@ bool is_value(VARTYPE type) {
          type != VT_ARRAY;
 }
 
-// Carries out one operation: 1, or 0 with its reason in `failure`. Out of memory raises
-// CAtlException, as in CStringA.
+// Runs work that allocates through the standard library. Out of memory raises the same exception as in
+// CStringA.
+template <class Work>
+auto with_one_exception(Work work) {
+  try {
+    return work();
+  } catch (const std::exception&) {  // std::bad_alloc, or std::length_error of a text that is too long for
+                                     // any memory
+    AtlThrow(E_OUTOFMEMORY);
+  }
+}
+
+// Runs one operation: 1, or 0 with its reason in `failure`.
 template <class Operation>
 int attempt(CStringA& failure, Operation operation) {
   const orx::platform::KeptErrno kept;
   std::string reason;
-  try {
-    if (operation(reason)) return 1;
-  } catch (const std::bad_alloc&) {
-    AtlThrow(E_OUTOFMEMORY);
-  }
+  if (with_one_exception([&] { return operation(reason); })) return 1;
   failure = reason.c_str();
   return 0;
 }
 
-// Serves a std::string output by an operation that fills a CStringA, or leaves it as it was.
+// Serves a std::string output by an operation that fills a CStringA or leaves it as it was.
 template <class Operation>
 int through_narrow(std::string& text, Operation operation) {
   CStringA narrow(text.data(), static_cast<int>(text.size()));
   const int result = operation(narrow);
-  try {
-    text.assign(narrow, static_cast<std::size_t>(narrow.GetLength()));
-  } catch (const std::bad_alloc&) {
-    AtlThrow(E_OUTOFMEMORY);
-  }
+  with_one_exception([&] { return &text.assign(narrow, static_cast<std::size_t>(narrow.GetLength())); });
   return result;
 }
 

@@ -8,11 +8,17 @@
 // gives back with Release; it outlives the document. The outputs are null after a failure. Nodes passed in
 // are borrowed for the call. A VARIANT output is overwritten: initialise it before and clear it after.
 //
-// Documents are taken as untrusted: nothing they say opens another file or the network, one that declares
-// entities is refused, and size and depth are bounded.
+// Documents are taken as untrusted: nothing they say opens another file or the network, and one that declares
+// entities is refused. A document has at most 128 MiB, 10,000,000 elements and attributes, 256 elements
+// within one another, 1,000 attributes of an element and 250 namespace declarations in scope; a name has at
+// most 50,000 bytes, a value, a text or a start tag 9,900,000 as it is written. What exceeds a limit, and
+// text that XML does not allow or that is not valid in its encoding, is refused when it is loaded, set or
+// saved: a document that was saved can be loaded. A query has at most 64 KiB, and must not need more stack
+// than the thread has.
 //
 // Copies share one document and see each other's changes. A document and its nodes belong to one thread at a
-// time. CAtlException (E_OUTOFMEMORY) is raised when memory runs out.
+// time. Out of memory raises CAtlException (E_OUTOFMEMORY) and changes nothing, except that a document to be
+// created or loaded is empty.
 #pragma once
 
 #include <orx/compat/dom.h>
@@ -46,8 +52,8 @@ class ORX_API COrxXMLDoc {
   int GetXMLText(CStringA& text);
   int GetXMLText(std::string& text);
 
-  // Replaces the file as a whole, in UTF-8; when that fails the old file is untouched. The empty document is
-  // refused.
+  // Replaces the file as a whole, in UTF-8; when that fails the old file is untouched. The empty document and
+  // one that exceeds a limit are refused.
   int SaveXMLFile();
 
   // Lays the document out one element a line, indented by tabs. Nodes handed out before stay with the old

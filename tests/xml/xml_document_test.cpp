@@ -1,6 +1,7 @@
 #include <orx/xml/xml_document.h>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <cerrno>
 #include <string>
@@ -149,7 +150,10 @@ TEST_F(XmlDocument, QueriesFindElementsByNameAndByPath) {
     EXPECT_EQ(Walk(list), names) << query;
   }
   NodeRef node;
-  for (const char* bad : {"", "//", "x[", "count(x)", "q:x", "\xFF"}) {
+  for (const char* bad : {"", "//", "x[", "count(x)", "q:x", "\xFF", "//a\xC3",
+                          "a\x94"
+                          "b",
+                          "x[. = '\uFFFE']"}) {
     EXPECT_EQ(document.SelectSingleXMLNode(bad, node.Out()), 0) << bad;
     EXPECT_NE(failure_of(document), "") << bad;
   }
@@ -188,8 +192,19 @@ TEST_F(XmlDocument, AttributesAreReadAndWritten) {
   EXPECT_EQ(text_of(document), written);
   value.vt = VT_DISPATCH;
   EXPECT_EQ(document.SetXMLAttribute(root, "a", value), 0);
-  for (const auto& [name, text] :
-       {std::pair("a", L"\x01"), {"a", L"\xD800"}, {"1a", L""}, {"xmlns:p", L"other"}})
+  for (const auto& [name, text] : {std::pair("a", L"\x01"),
+                                   {"a", L"\xD800"},
+                                   {"a", L"\xFFFE"},
+                                   {"a", L"\xFFFF"},
+                                   {"1a", L""},
+                                   {"a\xC3", L""},
+                                   {"a\x94"
+                                    "b",
+                                    L""},
+                                   {"xmlns:p", L"other"},
+                                   {"xmlns:q", L""},
+                                   {"xmlns:q", L"a&b"},
+                                   {"xmlns:xml", L"q"}})
     EXPECT_EQ(SetAttribute(root, name, text), 0) << name;
   EXPECT_EQ(text_of(document), written) << "what is refused changes nothing";
 }
@@ -206,6 +221,8 @@ TEST_F(XmlDocument, ValuesAreTextOfElements) {
   EXPECT_EQ(text, "1  2  3 ") << "and the comment left it as it was";
   wchar_t dashes[] = L"a--b";
   EXPECT_EQ(document.SetXMLValue(comment, dashes), 0) << "would end the comment";
+  wchar_t line_end[] = L"a\r\n";
+  EXPECT_EQ(document.SetXMLValue(comment, line_end), 0) << "would be read without the carriage return";
 }
 
 TEST_F(XmlDocument, WhatIsMissingIsAFailureWithAReason) {
@@ -225,6 +242,45 @@ TEST_F(XmlDocument, WhatIsMissingIsAFailureWithAReason) {
     EXPECT_EQ(result, 0);
   EXPECT_EQ(errno, 42);
   EXPECT_EQ(failure_of(document), "\"1\" is not a name of XML");
+}
+
+void close_document(void* document) { delete static_cast<COrxXMLDoc*>(document); }
+
+pthread_key_t closed_with_thread;
+
+void* use_documents(void* failures) {
+  auto* document = new COrxXMLDoc;
+  Element root;
+  NodeRef node;
+  EXPECT_EQ(document->SetXMLText(root.Out(), "<a><b/></a>"), 1);
+  EXPECT_EQ(document->SelectSingleXMLNode("//b[not(../c)]", node.Out()), 1) << failure_of(*document);
+  const std::pair<const char*, const char*> shapes[] = {
+      {"(", ")"}, {"not(", ")"}, {"b[", "]"}, {"b or ", ""}};
+  for (const auto& [begin, end] : shapes) {
+    std::string query = "b";
+    for (int i = 0; i < 5000; ++i) query = begin + query + end;
+    EXPECT_EQ(document->SelectSingleXMLNode(query.c_str(), node.Out()), 0) << begin;
+    *static_cast<std::string*>(failures) += failure_of(*document).substr(query.size());
+  }
+  pthread_setspecific(closed_with_thread, document);
+  return nullptr;
+}
+
+TEST(XmlThreads, HaveSmallStacksAndCloseDocumentsAtTheirEnd) {
+  constexpr std::size_t kStackBytes = std::size_t{256} << 10;
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, kStackBytes);
+  pthread_key_create(&closed_with_thread, close_document);
+  pthread_t threads[4];
+  std::string failures[4];
+  for (int i = 0; i < 4; ++i) pthread_create(&threads[i], &attributes, use_documents, &failures[i]);
+  for (int i = 0; i < 4; ++i) {
+    pthread_join(threads[i], nullptr);
+    EXPECT_NE(failures[i].find("too long or nested too deep"), std::string::npos) << failures[i];
+  }
+  pthread_key_delete(closed_with_thread);
+  pthread_attr_destroy(&attributes);
 }
 
 }  // namespace

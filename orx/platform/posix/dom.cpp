@@ -2,19 +2,17 @@
 
 #include <orx/platform/code_page.h>
 #include <orx/platform/posix/dom_host.h>
-#include <orx/platform/posix/dom_limits.h>
+#include <orx/platform/posix/dom_nodes.h>
 #include <orx/platform/posix/dom_parse.h>
+#include <orx/platform/posix/dom_rules.h>
 #include <orx/platform/posix/dom_tree.h>
+#include <orx/platform/posix/dom_write.h>
 #include <orx/platform/posix/utf8.h>
 #include <orx/platform/posix/variant_text.h>
-
-#include <libxml/xmlsave.h>
 
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
-#include <exception>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,43 +22,11 @@ namespace {
 
 constexpr const char* kBlanks = " \t\r\n";
 
-using XmlText = std::unique_ptr<xmlChar, decltype(xmlFree)>;
+constexpr const char* kEmpty = "the document is empty";
 
 Tree& tree_of(IXMLDOMDocument& document) { return static_cast<Document&>(document).tree(); }
 Node& handle_of(IXMLDOMNode& node) { return static_cast<Node&>(node); }
 xmlNode& node_of(IXMLDOMNode& node) { return *handle_of(node).node; }
-
-std::size_t written_size(std::string_view text) {
-  constexpr std::size_t kLongestEscape = 6;
-  if (text.size() <= kMaxTextBytes / kLongestEscape) return text.size();
-  std::size_t size = text.size();
-  for (const char c : text) {
-    if (std::strchr("\t\n\r<>&\"", c) != nullptr) size += kLongestEscape - 1;
-  }
-  return size;
-}
-
-bool accept_text(std::string_view text, Reason& reason) {
-  if (written_size(text) > kMaxTextBytes) {
-    reason = "the text is larger than 9.9 MB when it is written";
-    return false;
-  }
-  if (is_text(text)) return true;
-  reason = "the text holds characters that XML does not allow, or is not valid UTF-8";
-  return false;
-}
-
-bool accept_name(const char* name, Reason& reason) {
-  if (std::strlen(name) > kMaxNameBytes) {
-    reason = "the name is too long";
-    return false;
-  }
-  // libxml2's own check reads beyond a character that is cut short.
-  if (is_text(name) && xmlValidateQName(as_xml(name), 0) == 0) return true;
-  reason =
-      is_text(name) ? "\"" + std::string(name) + "\" is not a name of XML" : "the name is not a text of XML";
-  return false;
-}
 
 bool accept_depth(const xmlNode& parent, Reason& reason) {
   int depth = 1;
@@ -68,147 +34,118 @@ bool accept_depth(const xmlNode& parent, Reason& reason) {
     if (node->type == XML_ELEMENT_NODE) ++depth;
   }
   if (depth <= kMaxDepth) return true;
-  reason = "the element would be nested too deep";
+  reason = kTooDeep;
   return false;
 }
 
+bool refuse(Reason& reason, const char* why) {
+  reason = why;
+  return false;
+}
+
+// Hands out the root element before the document changes, so that both happen or neither.
 bool take(Document& document, Tree* tree, IXMLDOMElement** root) {
-  document.Hold(tree);
-  *root = tree == nullptr ? nullptr : tree->HandleOf(xmlDocGetRootElement(tree->doc()));
-  return tree != nullptr;
-}
-
-std::string qualified_name(const xmlChar* name, const xmlNs* ns) {
-  if (ns == nullptr || ns->prefix == nullptr) return as_text(name);
-  return std::string(as_text(ns->prefix)) + ':' + as_text(name);
-}
-
-xmlAttr* find_attribute(const xmlNode& element, const char* name) {
-  for (xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
-    const bool matches = attribute->ns == nullptr ? std::strcmp(as_text(attribute->name), name) == 0
-                                                  : qualified_name(attribute->name, attribute->ns) == name;
-    if (matches) return attribute;
-  }
-  return nullptr;
-}
-
-// A declaration "xmlns" or "xmlns:prefix" of the element, which libxml2 keeps apart from its attributes.
-const xmlNs* find_namespace(const xmlNode& element, std::string_view name) {
-  if (!name.starts_with("xmlns") || (name.size() > 5 && name[5] != ':')) return nullptr;
-  const std::string prefix(name.size() > 5 ? name.substr(6) : std::string_view());
-  for (const xmlNs* ns = element.nsDef; ns != nullptr; ns = ns->next) {
-    if (prefix == (ns->prefix != nullptr ? as_text(ns->prefix) : "")) return ns;
-  }
-  return nullptr;
+  *root = nullptr;
+  if (tree == nullptr) return false;
+  TreePointer held(tree);
+  *root = tree->HandleOf(xmlDocGetRootElement(tree->doc()));
+  document.Hold(held.release());
+  return true;
 }
 
 bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
-  if (const xmlAttr* attribute = find_attribute(element, name)) {
-    const xmlNode* child = attribute->children;
-    if (child != nullptr && child->next == nullptr && child->type == XML_TEXT_NODE) {
-      text = as_text(child->content);
-    } else {
-      const HostAside host;
-      const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
-      if (host.ran_out_of_memory()) throw std::bad_alloc();
-      text = as_text(value.get());
-    }
-    return true;
+  const xmlAttr* attribute = find_attribute(element, name);
+  if (attribute == nullptr) {
+    const xmlNs* ns = find_namespace(element, name);
+    text = ns != nullptr ? as_text(ns->href) : nullptr;
+    return ns != nullptr;
   }
-  const xmlNs* ns = find_namespace(element, name);
-  text = ns != nullptr ? as_text(ns->href) : nullptr;
-  return ns != nullptr;
-}
-
-xmlNode* new_element(xmlDoc* doc, const char* name) {
-  const HostAside host;
-  return host.Whole(xmlNewDocNode(doc, nullptr, as_xml(name), nullptr), xmlFreeNode);
-}
-
-// Before the node is in the document: an element that cannot be handed out is not part of it.
-Node* handle_or_free(Tree& tree, xmlNode* node) {
-  try {
-    return tree.HandleOf(node);
-  } catch (const std::bad_alloc&) {
+  const xmlNode* child = attribute->children;
+  if (child == nullptr) {
+    text.Empty();
+  } else if (child->next == nullptr && child->type == XML_TEXT_NODE) {
+    text = as_text(child->content);
+  } else {
     const HostAside host;
-    xmlFreeNode(node);
-    throw;
+    const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
+    host.CheckMemory();
+    text = as_text(value.get());
+  }
+  return true;
+}
+
+bool add_attribute(Tree& tree, xmlNode& element, const char* name, const char* text, Reason& reason) {
+  xmlAttr* last = element.properties;
+  for (int count = 1; last != nullptr && last->next != nullptr; last = last->next) {
+    if (++count == kMaxAttributes) return refuse(reason, kTooManyAttributes);
+  }
+  NodePointer attribute = new_attribute(element, name);
+  tree.SetText(*attribute, text);
+  append_attribute(element, last, std::move(attribute));
+  return true;
+}
+
+// What its kind of node cannot hold: what would end it, and what a parser would drop or change there.
+bool fits_kind(xmlElementType type, std::string_view text) {
+  const bool has_return = text.find('\r') != text.npos;
+  switch (type) {
+    case XML_COMMENT_NODE:
+      return !has_return && text.find("--") == text.npos && !text.ends_with('-');
+    case XML_PI_NODE:
+      return !has_return && text.find("?>") == text.npos && text.find_first_of(kBlanks) != 0;
+    case XML_CDATA_SECTION_NODE:
+      return !has_return && text.find("]]>") == text.npos;
+    default:
+      return true;
   }
 }
 
-void add_attribute(xmlNode& element, const char* name, const char* text) {
-  const HostAside host;
-  host.Whole(xmlNewProp(&element, as_xml(name), as_xml(text)), xmlRemoveProp);
+const xmlNode* attribute_of(const xmlNode& node) {
+  const xmlNode* owner = node.type == XML_TEXT_NODE ? node.parent : &node;
+  return owner != nullptr && owner->type == XML_ATTRIBUTE_NODE ? owner : nullptr;
 }
 
-void replace_children(Tree& tree, xmlNode& parent, const char* text) {
-  const HostAside host;
-  xmlNode* child = *text != '\0' ? host.Whole(xmlNewDocText(parent.doc, as_xml(text)), xmlFreeNode) : nullptr;
-  tree.RemoveChildren(parent);
-  if (child != nullptr) xmlAddChild(&parent, child);
+// Replaces the content of a node that has no children.
+void replace_content(xmlNode& node, const std::string& text) {
+  XmlText content(duplicate(text), xmlFree);
+  if (node.type == XML_TEXT_NODE && node.parent != nullptr) forget_ids(*node.parent);
+  xmlNodeSetContent(&node, nullptr);
+  node.content = content.release();
 }
 
 bool put_text(const Node& handle, const std::string& text, Reason& reason) {
   xmlNode& node = *handle.node;
+  const xmlNode* attribute = attribute_of(node);
+  const std::string name = attribute != nullptr ? qualified_name(attribute->name, attribute->ns) : "";
+  if (!accept_value(name, text, reason)) return false;
+  if (!fits_kind(node.type, text)) return refuse(reason, "a node of this kind cannot hold this text");
   switch (node.type) {
     case XML_ELEMENT_NODE:
     case XML_ATTRIBUTE_NODE:
-      replace_children(handle.tree, node, text.c_str());
+      handle.tree.SetText(node, text);
       return true;
+    case XML_TEXT_NODE:
+    case XML_CDATA_SECTION_NODE:
     case XML_COMMENT_NODE:
     case XML_PI_NODE:
-      if (text.find(node.type == XML_PI_NODE ? "?>" : "--") == text.npos &&
-          (node.type == XML_PI_NODE || !text.ends_with('-')))
-        break;
-      reason = "the text would end its node";
-      return false;
-    case XML_TEXT_NODE:
-      if (node.parent != nullptr) forget_id(*node.parent);
-      break;
-    case XML_CDATA_SECTION_NODE:
-      break;
+      replace_content(node, text);
+      return true;
     default:
-      reason = "a node of this kind has no text";
-      return false;
+      return refuse(reason, "a node of this kind has no text");
   }
-  const HostAside host;
-  xmlNodeSetContent(&node, as_xml(text.c_str()));
-  if (host.ran_out_of_memory()) throw std::bad_alloc();
-  return true;
 }
 
-struct Writing {
-  const Sink& sink;
-  bool goes_on = true;
-  std::exception_ptr failure;
-};
-
-// libxml2 reports a failed write on the standard error stream, so it is never told of one. No exception may
-// pass through it.
-int write_chunk(void* context, const char* bytes, int size) {
-  auto& writing = *static_cast<Writing*>(context);
-  if (!writing.goes_on) return size;
-  try {
-    writing.goes_on = writing.sink(bytes, static_cast<std::size_t>(size));
-  } catch (const std::exception&) {
-    writing.goes_on = false;
-    writing.failure = std::current_exception();
-  }
-  return size;
-}
-
-bool write_tree(const Tree& tree, const Sink& sink) {
-  const SettingsAside settings;
-  const HostAside host;
-  Writing writing{.sink = sink, .failure = nullptr};
-  const int options = XML_SAVE_AS_XML | XML_SAVE_NO_XHTML | (tree.declared ? 0 : XML_SAVE_NO_DECL) |
-                      (tree.laid_out ? XML_SAVE_FORMAT : 0);
-  xmlSaveCtxt* context = allocated(xmlSaveToIO(write_chunk, nullptr, &writing, "UTF-8", options));
-  xmlSaveDoc(context, tree.doc());
-  xmlSaveClose(context);
-  if (writing.failure != nullptr) std::rethrow_exception(writing.failure);
-  if (host.ran_out_of_memory()) throw std::bad_alloc();
-  return writing.goes_on;
+// What a DOCTYPE declares decides over the whole document, so that its document is read again before it is
+// saved.
+bool write_after_reading(const Tree& tree, const Sink& sink, Reason& reason) {
+  std::string text;
+  const auto collect = [&text](const char* bytes, std::size_t size) {
+    text.append(bytes, size);
+    return true;
+  };
+  if (!write_tree(tree, collect, reason)) return false;
+  const TreePointer read(parse_text(text, reason));
+  return read != nullptr && sink(text.data(), text.size());
 }
 
 // The document as it would be read again. False when it is too large, or when an edit made it a document that
@@ -244,14 +181,11 @@ IXMLDOMDocument* create_document() { return new Document; }
 
 bool create_root(IXMLDOMDocument& document, const char* name, IXMLDOMElement** root, Reason& reason) {
   *root = nullptr;
-  auto& target = static_cast<Document&>(document);
-  target.Hold(nullptr);
+  Tree& tree = tree_of(document);
   if (!accept_name(name, reason)) return false;
-  xmlDoc* doc = target.tree().doc();
-  xmlNode* node = new_element(doc, name);
-  Node* handle = handle_or_free(target.tree(), node);
-  xmlDocSetRootElement(doc, node);
-  *root = handle;
+  NodePointer element = new_element(*tree.doc(), name);
+  *root = tree.HandleOf(element.get());
+  xmlDocSetRootElement(tree.doc(), element.release());
   return true;
 }
 
@@ -263,46 +197,36 @@ bool load_text(IXMLDOMDocument& document, const char* text, IXMLDOMElement** roo
   return take(static_cast<Document&>(document), parse_text(text, reason), root);
 }
 
-bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason&) {
+bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason& reason) {
   const Tree& tree = tree_of(document);
-  return xmlDocGetRootElement(tree.doc()) == nullptr || write_tree(tree, sink);
+  return xmlDocGetRootElement(tree.doc()) == nullptr || write_tree(tree, sink, reason);
 }
 
 bool write_file(IXMLDOMDocument& document, const Sink& sink, Reason& reason) {
   const Tree& tree = tree_of(document);
-  if (xmlDocGetRootElement(tree.doc()) == nullptr) {
-    reason = "the document is empty";
-    return false;
-  }
-  if (tree.is_doubtful && !accept_document(tree, reason)) return false;
-  std::size_t written = 0;
-  return write_tree(tree, [&](const char* bytes, std::size_t size) {
-    written += size;
-    if (written <= kMaxDocumentBytes) return sink(bytes, size);
-    reason = "the document is larger than 128 MiB";
-    return false;
-  });
+  if (xmlDocGetRootElement(tree.doc()) == nullptr) return refuse(reason, kEmpty);
+  const bool has_doctype = tree.doc()->intSubset != nullptr;
+  return has_doctype ? write_after_reading(tree, sink, reason) : write_tree(tree, sink, reason);
 }
 
 bool indent(IXMLDOMDocument& document, Reason& reason) {
   auto& target = static_cast<Document&>(document);
-  if (xmlDocGetRootElement(target.tree().doc()) == nullptr) {
-    reason = "the document is empty";
-    return false;
-  }
-  if (target.tree().HasHandles()) {  // they stay behind with the old tree
+  if (xmlDocGetRootElement(target.tree().doc()) == nullptr) return refuse(reason, kEmpty);
+  if (target.tree().HasHandles()) {  // they stay with the old tree
     std::string text;
-    write_tree(target.tree(),
-               [&text](const char* bytes, std::size_t size) { return text.append(bytes, size), true; });
+    const auto collect = [&text](const char* bytes, std::size_t size) {
+      text.append(bytes, size);
+      return true;
+    };
+    if (!write_tree(target.tree(), collect, reason)) return false;
     Tree* copy = parse_text(text, reason);
     if (copy == nullptr) return false;
     target.Hold(copy);
   }
   target.tree().declared = target.tree().laid_out = true;
-  const HostAside host;
   xmlDoc* doc = target.tree().doc();
   xmlFree(const_cast<xmlChar*>(doc->version));
-  doc->version = xmlStrdup(as_xml("1.0"));  // libxml2 writes 1.0 for none, too
+  doc->version = nullptr;  // is written as 1.0
   return true;
 }
 
@@ -311,12 +235,10 @@ bool append_element(IXMLDOMDocument&, IXMLDOMElement& parent, const char* name, 
   *child = nullptr;
   const Node& owner = handle_of(parent);
   if (!accept_name(name, reason) || !accept_depth(*owner.node, reason)) return false;
-  if (!accept_nodes(owner.tree, reason)) return false;
-  xmlNode* node = new_element(owner.node->doc, name);
-  Node* handle = handle_or_free(owner.tree, node);
-  xmlAddChild(owner.node, node);
-  ++owner.tree.nodes;
-  *child = handle;
+  NodePointer element = new_element(*owner.node->doc, name);
+  *child = owner.tree.HandleOf(
+      element.get());  // first, so that an element without a handle is not in the document
+  xmlAddChild(owner.node, element.release());
   return true;
 }
 
@@ -374,7 +296,7 @@ bool set_text(IXMLDOMNode& node, const wchar_t* text, Reason& reason) {
     reason = "the text holds what is not a character";
     return false;
   }
-  return accept_text(narrow, reason) && put_text(handle_of(node), narrow, reason);
+  return put_text(handle_of(node), narrow, reason);
 }
 
 bool get_attribute(IXMLDOMElement& element, const char* name, bool& exists, CStringA& text, Reason& reason) {
@@ -399,27 +321,16 @@ bool get_attribute(IXMLDOMElement& element, const char* name, VARIANT* value, Re
 }
 
 bool set_attribute(IXMLDOMElement& element, const char* name, const char* text, Reason& reason) {
-  if (!accept_name(name, reason) || !accept_text(text, reason)) return false;
-  if (declares_namespace(name) && !can_name_namespace(text)) {
-    reason = kUnsupportedNamespace;
-    return false;
-  }
+  if (!accept_name(name, reason) || !accept_value(name, text, reason)) return false;
   const Node& handle = handle_of(element);
   if (xmlAttr* attribute = find_attribute(*handle.node, name)) {
-    replace_children(handle.tree, *reinterpret_cast<xmlNode*>(attribute), text);
+    handle.tree.SetText(*reinterpret_cast<xmlNode*>(attribute), text);
     return true;
   }
   const xmlNs* ns = find_namespace(*handle.node, name);
-  if (ns == nullptr) {
-    if (!accept_attribute(*handle.node, reason) || !accept_nodes(handle.tree, reason)) return false;
-    add_attribute(*handle.node, name, text);
-    ++handle.tree.nodes;
-    handle.tree.is_doubtful |= declares_namespace(name);
-    return true;
-  }
+  if (ns == nullptr) return add_attribute(handle.tree, *handle.node, name, text, reason);
   if (std::strcmp(text, as_text(ns->href)) == 0) return true;
-  reason = "the namespace of an element cannot be changed";
-  return false;
+  return refuse(reason, "the namespace of an element cannot be changed");
 }
 
 bool set_attribute(IXMLDOMElement& element, const char* name, const VARIANT& value, Reason& reason) {

@@ -1,89 +1,62 @@
-// libxml2 keeps settings, callbacks and error handlers for the whole thread, and the host may use libxml2
-// too. What the host has set is put aside while the library calls libxml2, so that neither disturbs the
-// other.
+// libxml2 keeps settings, callbacks and error handlers for each thread, and the host may use libxml2 too.
+// What the host has set is put aside while the library calls libxml2, so that neither disturbs the other.
+//
+// Nothing is kept between two calls: libxml2 frees the state of a thread when the thread ends, and handlers
+// of the host that run after that may still close documents.
 #pragma once
 
 #include <libxml/globals.h>
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
-#include <new>
-#include <utility>
-
 namespace orx::platform::dom {
 
-// Where libxml2 keeps some of them for this thread. The places are looked up for each use: libxml2 frees them
-// when the thread ends, and a host's own destructors for the thread may still close documents after that.
-struct ThreadSlots {
-  xmlRegisterNodeFunc& on_new = xmlRegisterNodeDefaultValue;
-  xmlDeregisterNodeFunc& on_free = xmlDeregisterNodeDefaultValue;
-  xmlStructuredErrorFunc& on_error = xmlStructuredError;
-  void*& context = xmlStructuredErrorContext;
-};
+// Initializes libxml2 at first use, silently. To be called before anything of libxml2, since its own
+// initialization of some parts is not safe when several threads come first. Raises std::bad_alloc.
+void prepare_libxml2();
 
 // Around whatever makes or frees nodes. A host that is called for each node may take `_private` for its own.
-// libxml2 goes on without a name or text that it had no memory for, and reports that to the error handler
-// only.
+// Never throws, so that documents can be closed when memory runs out.
+class CallbacksAside {
+ public:
+  CallbacksAside() noexcept;
+  ~CallbacksAside();
+  CallbacksAside(const CallbacksAside&) = delete;
+  CallbacksAside& operator=(const CallbacksAside&) = delete;
+
+  // False when libxml2 has no memory for the state of this thread. It must not be asked for any part of it
+  // then.
+  bool has_thread_state() const { return has_thread_state_; }
+
+ private:
+  const bool has_thread_state_;
+  xmlRegisterNodeFunc on_new_ = nullptr;
+  xmlDeregisterNodeFunc on_free_ = nullptr;
+};
+
+// Around every other call that may allocate or report something. Raises std::bad_alloc.
 class HostAside {
  public:
-  HostAside() = default;
-  ~HostAside() {
-    slots_.on_new = old_on_new_;
-    slots_.on_free = old_on_free_;
-    slots_.on_error = old_on_error_;
-    slots_.context = old_context_;
-  }
+  HostAside();
+  ~HostAside();
   HostAside(const HostAside&) = delete;
   HostAside& operator=(const HostAside&) = delete;
 
-  bool ran_out_of_memory() const { return ran_out_; }
+  // libxml2 goes on without a name or text for which it had no memory, and reports it only to the error
+  // handler. Raises std::bad_alloc if that has happened.
+  void CheckMemory() const;
 
-  // Raises std::bad_alloc, after `discard` has freed what was made by half.
-  template <class Made, class Discard>
-  Made* Whole(Made* made, Discard discard) const {
-    if (made != nullptr && !ran_out_) return made;
-    if (made != nullptr) discard(made);
-    throw std::bad_alloc();
-  }
+  // For the handlers of a parser or a query: notes a lack of memory. `self` is a HostAside.
+  static void OnError(void* self, xmlError* error);
 
  private:
-  static void OnError(void* self, xmlError* error) {
-    if (error->code == XML_ERR_NO_MEMORY) static_cast<HostAside*>(self)->ran_out_ = true;
-  }
-
-  const ThreadSlots slots_{};
-  const xmlRegisterNodeFunc old_on_new_ = std::exchange(slots_.on_new, nullptr);
-  const xmlDeregisterNodeFunc old_on_free_ = std::exchange(slots_.on_free, nullptr);
-  const xmlStructuredErrorFunc old_on_error_ = std::exchange(slots_.on_error, &HostAside::OnError);
-  void* const old_context_ = std::exchange(slots_.context, this);
-  bool ran_out_ = false;
-};
-
-// Around parsing, queries and writing as well.
-class SettingsAside {
- public:
-  SettingsAside() = default;
-  ~SettingsAside() {
-    xmlKeepBlanksDefaultValue = keep_blanks_;
-    xmlTreeIndentString = indent_;
-    xmlIndentTreeOutput = indents_;
-    xmlSaveNoEmptyTags = no_empty_tags_;
-    xmlGenericError = on_message_;
-    xmlResetLastError();
-    xmlLastError = last_error_;
-  }
-  SettingsAside(const SettingsAside&) = delete;
-  SettingsAside& operator=(const SettingsAside&) = delete;
-
- private:
-  static void ignore_message(void*, const char*, ...) {}
-
-  const int keep_blanks_ = std::exchange(xmlKeepBlanksDefaultValue, 1);
-  const char* const indent_ = std::exchange(xmlTreeIndentString, "\t");
-  const int indents_ = std::exchange(xmlIndentTreeOutput, 1);
-  const int no_empty_tags_ = std::exchange(xmlSaveNoEmptyTags, 0);
-  const xmlGenericErrorFunc on_message_ = std::exchange(xmlGenericError, ignore_message);
-  const xmlError last_error_ = std::exchange(xmlLastError, xmlError{});
+  const CallbacksAside callbacks_;
+  xmlStructuredErrorFunc on_error_;
+  void* error_context_;
+  xmlGenericErrorFunc on_message_;
+  int keep_blanks_;
+  xmlError last_error_;
+  bool ran_out_of_memory_ = false;
 };
 
 // Before the first use of the parser. libxml2's own check for a first use is a data race, and it reports a

@@ -1,9 +1,11 @@
 #include <orx/platform/posix/dom_parse.h>
 
 #include <orx/platform/posix/dom_host.h>
+#include <orx/platform/posix/dom_rules.h>
 #include <orx/platform/posix/dom_source.h>
 
 #include <libxml/SAX2.h>
+#include <libxml/dict.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/xmlerror.h>
@@ -13,6 +15,8 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
+#include <utility>
 
 namespace orx::platform::dom {
 namespace {
@@ -20,33 +24,35 @@ namespace {
 // A few bytes of attribute defaults in a DOCTYPE can stand for a value in each of millions of elements.
 constexpr std::size_t kMaxDefaultedBytes = std::size_t{64} << 20;
 
-// libxml2 asks for more bytes before it compares the attributes of an element with each other. How much space
-// it has made for them, five pointers an attribute, shows how many there are; the space doubles.
-constexpr int kAttributePointers = 5 * 2 * kMaxAttributes;
-constexpr const char* kTooManyAttributes = "an element has too many attributes";
-
-// It also walks the list of an element's declared attributes for each of them.
+// libxml2 walks the list of an element's declared attributes for each of them.
 constexpr std::size_t kMaxDoctypeBytes = std::size_t{64} << 10;
 
-// And the list of the namespaces in scope, for each declaration and for each name with a prefix.
-constexpr int kManyNamespaces = 250;
+// libxml2 compares the attributes and namespaces of a start tag before it reports them, but asks for more
+// bytes before that. What it has by then shows that there are too many: of an attribute it keeps five
+// pointers, in an array that grows to twice what it needs at a time, of a namespace two.
+constexpr int kAttributePointers = 2 * 5 * (kMaxAttributes + 1);
+constexpr int kNamespacePointers = 2 * kMaxNamespaces;
 
 constexpr const char* kUnsupportedDefault = "it declares an attribute default that is not supported";
 
-constexpr std::size_t kLevels = 512;  // libxml2 stops at 256
-
-constexpr const char* kOutOfMemory = "out of memory";
-
-using ContextPointer = std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)>;
+// The document of a context that is freed belongs to nobody.
+struct ContextDeleter {
+  void operator()(xmlParserCtxt* context) const noexcept {
+    const DocPointer doc(context->myDoc);
+    xmlFreeParserCtxt(context);
+  }
+};
+using ContextPointer = std::unique_ptr<xmlParserCtxt, ContextDeleter>;
 
 // What the parse of one document knows beside libxml2: what it read, and what it found wrong first. Nothing
 // in here allocates during the parse, since no exception may pass through libxml2.
 struct Parse {
   Source source;
   const xmlParserCtxt* context = nullptr;
+  HostAside* host = nullptr;
 
-  std::array<bool, kLevels> keeps_space{};  // below the elements that are open, by their number
-  bool has_lines = false;                   // white space that was dropped ended a line
+  std::array<bool, kMaxDepth + 1> keeps_space{};  // below the elements that are open, by their number
+  bool has_lines = false;                         // white space that was dropped ended a line
   const char* refusal = nullptr;
   std::size_t defaulted_bytes = 0;
   std::size_t nodes = 0;
@@ -67,7 +73,7 @@ void refuse(void* context, const char* why) {
 
 void on_error(void* context, xmlError* error) {
   Parse& parse = parse_of(context);
-  if (error->code == XML_ERR_NO_MEMORY) parse.refusal = kOutOfMemory;
+  HostAside::OnError(parse.host, error);
   if (error->level <= parse.level || error->level < XML_ERR_ERROR) return;
   parse.level = error->level;
   parse.line = error->line;
@@ -136,13 +142,14 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
   drop_blank(context);
   Parse& parse = parse_of(context);
   const std::size_t level = level_of(context) + 1;
-  if (level >= kLevels) return refuse(context, "its elements are nested too deep");
-  if (attributes + namespaces > kMaxAttributes) return refuse(context, kTooManyAttributes);
+  if (level > kMaxDepth) return refuse(context, kTooDeep);
+  if (attributes > kMaxAttributes) return refuse(context, kTooManyAttributes);
+  if (parse.context->nsNr > kNamespacePointers) return refuse(context, kTooManyNamespaces);
   parse.nodes += 1 + static_cast<std::size_t>(attributes);
-  if (parse.nodes > kMaxNodes) return refuse(context, "it has too many elements");
+  if (parse.nodes > kMaxNodes) return refuse(context, kTooManyNodes);
   parse.keeps_space[level] = parse.keeps_space[level - 1];
   for (int i = 0; i < namespaces; ++i) {  // a prefix and a name each
-    if (!can_name_namespace(as_text(namespace_table[2 * i + 1])))
+    if (!is_supported_namespace(as_text(namespace_table[2 * i + 1])))
       return refuse(context, kUnsupportedNamespace);
   }
   for (int i = 0; i < attributes; ++i) {
@@ -185,10 +192,10 @@ void on_reference(void* context, const xmlChar* name) {
 
 int read_more(void* context, char* buffer, int size) {
   Parse& parse = *static_cast<Parse*>(context);
-  if (parse.context->maxatts > kAttributePointers + 100) {
+  if (parse.context->maxatts > kAttributePointers) {
     parse.refusal = kTooManyAttributes;
-  } else if (parse.context->nsNr > 2 * kManyNamespaces) {  // two pointers each
-    parse.refusal = "it declares too many namespaces";
+  } else if (parse.context->nsNr > kNamespacePointers) {
+    parse.refusal = kTooManyNamespaces;
   } else if (parse.context->inSubset != 0 && parse.source.bytes_read() > kMaxDoctypeBytes) {
     parse.refusal = "its DOCTYPE is too large";
   }
@@ -218,15 +225,18 @@ bool is_accepted(const xmlParserCtxt& context, const Parse& parse, std::string& 
   return false;
 }
 
-Tree* run(Parse& parse, std::string& reason) {
-  initialise_parser();
-  const SettingsAside settings;
-  const HostAside host;
-  const ContextPointer context(allocated(xmlNewParserCtxt()), &xmlFreeParserCtxt);
-  // What the source hands on is UTF-8, whatever the declaration says.
-  xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC);
-  context->_private = &parse;
-  xmlSAXHandler& handler = *context->sax;
+// What the source hands on is UTF-8, whatever the declaration says.
+void attach_source(xmlParserCtxt& context, Parse& parse) {
+  xmlParserInputBuffer* buffer =
+      allocated(xmlParserInputBufferCreateIO(read_more, nullptr, &parse, XML_CHAR_ENCODING_NONE));
+  xmlParserInput* input = xmlNewIOInputStream(&context, buffer, XML_CHAR_ENCODING_NONE);
+  if (input == nullptr) xmlFreeParserInputBuffer(buffer);
+  if (inputPush(&context, allocated(input)) >= 0) return;
+  xmlFreeInputStream(input);
+  throw std::bad_alloc();
+}
+
+void set_handlers(xmlSAXHandler& handler) {
   handler.serror = on_error;
   handler.entityDecl = on_entity;
   handler.unparsedEntityDecl = on_unparsed_entity;
@@ -237,25 +247,23 @@ Tree* run(Parse& parse, std::string& reason) {
   handler.processingInstruction = on_instruction;
   handler.cdataBlock = on_cdata;
   handler.reference = on_reference;
+}
+
+Tree* run(Parse& parse, std::string& reason) {
+  HostAside host;
+  const ContextPointer context(allocated(xmlNewParserCtxt()));
+  xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC);
+  xmlDictSetLimit(context->dict, 0);  // the limit of the document bounds its names
+  context->_private = &parse;
   parse.context = context.get();
-  std::unique_ptr<xmlParserInputBuffer, decltype(&xmlFreeParserInputBuffer)> buffer(
-      allocated(xmlParserInputBufferCreateIO(read_more, nullptr, &parse, XML_CHAR_ENCODING_NONE)),
-      xmlFreeParserInputBuffer);
-  inputPush(context.get(),
-            allocated(xmlNewIOInputStream(context.get(), buffer.get(), XML_CHAR_ENCODING_NONE)));
-  buffer.release();
+  parse.host = &host;
+  set_handlers(*context->sax);
+  attach_source(*context, parse);
   xmlParseDocument(context.get());
 
-  if (host.ran_out_of_memory()) parse.refusal = kOutOfMemory;
-
-  DocumentPointer doc(context->myDoc, xmlFreeDoc);
+  host.CheckMemory();
   if (!is_accepted(*context, parse, reason)) return nullptr;
-  xmlFree(const_cast<xmlChar*>(doc->encoding));
-  doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
-  if (host.ran_out_of_memory()) throw std::bad_alloc();
-  Tree* tree = new Tree(doc.get());
-  doc.release();
-  tree->nodes = parse.nodes;
+  Tree* tree = new Tree(DocPointer(std::exchange(context->myDoc, nullptr)));
   tree->declared = context->standalone != -1;
   tree->laid_out = parse.has_lines;
   return tree;
@@ -263,7 +271,7 @@ Tree* run(Parse& parse, std::string& reason) {
 
 }  // namespace
 
-Tree* parse_file(const char* path, std::string& reason) {
+Tree* parse_file(const std::string& system_path, std::string& reason) {
   Parse parse;
   return parse.source.OpenFile(path, reason) ? run(parse, reason) : nullptr;
 }

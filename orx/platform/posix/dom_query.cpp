@@ -2,7 +2,7 @@
 // walks of the tree. Everything else is left to libxml2's XPath.
 #include <orx/platform/dom.h>
 #include <orx/platform/posix/dom_host.h>
-#include <orx/platform/posix/dom_limits.h>
+#include <orx/platform/posix/dom_rules.h>
 #include <orx/platform/posix/dom_tree.h>
 #include <orx/platform/stack.h>
 
@@ -40,22 +40,75 @@ void find_by_name(xmlNode& context, const char* query, bool first_only, Nodes& f
   }
 }
 
-bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
-  const SettingsAside settings;
-  const HostAside host;
-  const std::unique_ptr<xmlXPathContext, decltype(&xmlXPathFreeContext)> context(
-      allocated(xmlXPathNewContext(node.doc)), &xmlXPathFreeContext);
-  context->node = &node;
+// libxml2 parses and evaluates a query recursively, and counts the calls in units. At most 181 bytes a unit
+// were measured.
+constexpr std::size_t kStackBytesOfUnit = 256;
+constexpr std::size_t kStackReserve = std::size_t{16} << 10;
+constexpr std::size_t kMaxUnits = 5000;  // libxml2's own limit
+constexpr std::size_t kUnknownStack = std::size_t{64} << 10;
+
+int query_units() {
+  const std::size_t measured = stack_left();
+  const std::size_t left = measured != 0 ? measured : kUnknownStack;
+  const std::size_t usable = left - std::min(left, kStackReserve);
+  return static_cast<int>(std::min(usable / kStackBytesOfUnit, kMaxUnits));
+}
+
+using XPathContext = std::unique_ptr<xmlXPathContext, decltype(&xmlXPathFreeContext)>;
+
+void register_namespaces(xmlXPathContext& context, xmlNode& node) {
   const std::unique_ptr<xmlNs*, decltype(xmlFree)> namespaces(xmlGetNsList(node.doc, &node), xmlFree);
   for (xmlNs** entry = namespaces.get(); entry != nullptr && *entry != nullptr; ++entry) {
-    if ((*entry)->prefix != nullptr) xmlXPathRegisterNs(context.get(), (*entry)->prefix, (*entry)->href);
+    const xmlNs& ns = **entry;
+    if (ns.prefix != nullptr && xmlXPathRegisterNs(&context, ns.prefix, ns.href) != 0) throw std::bad_alloc();
   }
-  const std::unique_ptr<xmlXPathObject, decltype(&xmlXPathFreeObject)> result(
-      xmlXPathEval(as_xml(query), context.get()), &xmlXPathFreeObject);
-  if (host.ran_out_of_memory()) throw std::bad_alloc();
+}
+
+using XPathObject = std::unique_ptr<xmlXPathObject, decltype(&xmlXPathFreeObject)>;
+
+// Frees the values that an evaluation has left on its stack, which libxml2 would not.
+struct EvaluationDeleter {
+  void operator()(xmlXPathParserContext* evaluation) const noexcept {
+    evaluation->valueFrame = 0;  // of a function that has not returned
+    while (xmlXPathObject* value = valuePop(evaluation)) xmlXPathFreeObject(value);
+    xmlXPathFreeParserContext(evaluation);
+  }
+};
+
+// As xmlXPathEval, but with a stack of values from the beginning: libxml2 frees the evaluation twice when it
+// has no memory for that. The result is null when there is none.
+XPathObject evaluate_query(xmlXPathContext& context, const char* query) {
+  constexpr int kValues = 10;
+  const std::unique_ptr<xmlXPathParserContext, EvaluationDeleter> evaluation(
+      allocated(xmlXPathNewParserContext(as_xml(query), &context)));
+  evaluation->valueTab =
+      static_cast<xmlXPathObject**>(allocated(xmlMalloc(kValues * sizeof(xmlXPathObject*))));
+  evaluation->valueMax = kValues;
+  xmlXPathEvalExpr(evaluation.get());
+  const bool is_done = evaluation->error == XPATH_EXPRESSION_OK;
+  return {is_done ? valuePop(evaluation.get()) : nullptr, &xmlXPathFreeObject};
+}
+
+std::string query_problem(const xmlXPathContext& context, const xmlXPathObject* result, const char* query) {
+  constexpr int kTooDeepCode = int{XML_XPATH_EXPRESSION_OK} + int{XPATH_RECURSION_LIMIT_EXCEEDED};
+  const char* problem = result != nullptr                        ? "\" does not select nodes"
+                        : context.lastError.code == kTooDeepCode ? "\" is too long or nested too deep"
+                                                                 : "\" cannot be evaluated";
+  return "the query \"" + std::string(query) + problem;
+}
+
+bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
+  HostAside host;
+  const XPathContext context(allocated(xmlXPathNewContext(node.doc)), &xmlXPathFreeContext);
+  context->node = &node;
+  context->error = &HostAside::OnError;
+  context->userData = &host;
+  context->depth = static_cast<int>(kMaxUnits) - query_units();
+  register_namespaces(*context, node);
+  const XPathObject result = evaluate_query(*context, query);
+  host.CheckMemory();
   if (result == nullptr || result->type != XPATH_NODESET) {
-    reason = "the query \"" + std::string(query) +
-             (result == nullptr ? "\" cannot be evaluated" : "\" does not select nodes");
+    reason = query_problem(*context, result.get(), query);
     return false;
   }
   if (result->nodesetval == nullptr) return true;
@@ -80,16 +133,9 @@ bool fits_stack(std::string_view query) {
 }
 
 bool find(xmlNode& context, const char* query, bool first_only, Nodes& found, Reason& reason) {
-  if (!is_text(query)) {
-    reason = "the query is not valid UTF-8, or holds characters that XML does not allow";
-    return false;
-  }
-  if (!fits_stack(query)) {
-    reason = "the query is too long for the stack of this thread";
-    return false;
-  }
+  if (!accept_query(query, reason)) return false;
   const char* name = std::string_view(query).starts_with("//") ? query + 2 : query;
-  if (xmlValidateNCName(as_xml(name), 0) != 0) return evaluate(context, query, found, reason);
+  if (!is_plain_name(name)) return evaluate(context, query, found, reason);
   find_by_name(context, query, first_only, found);
   return true;
 }

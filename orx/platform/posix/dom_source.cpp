@@ -16,8 +16,6 @@
 namespace orx::platform::dom {
 namespace {
 
-constexpr const char* kTooLarge = "it is larger than 128 MiB";
-
 // The characters of windows-1252 from 0x80 to 0x9F; the five that it leaves open are the controls of the same
 // number.
 constexpr std::array<unsigned short, 32> kWindows1252 = {

@@ -5,8 +5,7 @@
 // for them.
 #pragma once
 
-#include <orx/platform/posix/dom_limits.h>
-
+#include <orx/platform/posix/dom_rules.h>
 #include <orx/platform/posix/utf8.h>
 
 #include <iconv.h>

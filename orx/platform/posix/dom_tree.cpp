@@ -1,6 +1,7 @@
 #include <orx/platform/posix/dom_tree.h>
 
 #include <orx/platform/posix/dom_host.h>
+#include <orx/platform/posix/dom_nodes.h>
 
 #include <libxml/valid.h>
 
@@ -27,10 +28,14 @@ bool is_needed(xmlNode& top) {
 
 }  // namespace
 
+void DocDeleter::operator()(xmlDoc* doc) const noexcept {
+  const CallbacksAside host;
+  xmlFreeDoc(doc);
+}
+
 Tree::~Tree() {
-  const HostAside host;
+  const CallbacksAside host;
   for (xmlNode* node : removed_) xmlFreeNode(node);
-  xmlFreeDoc(doc_);
 }
 
 void Tree::Release() {
@@ -44,9 +49,20 @@ Node* Tree::HandleOf(xmlNode* node) {
   return handle;
 }
 
+void Tree::SetText(xmlNode& parent, std::string_view text) {
+  NodePointer added = text.empty() ? nullptr : new_text(*parent.doc, text);
+  if (first_child(parent) != nullptr) RemoveChildren(parent);
+  if (added != nullptr) xmlAddChild(&parent, added.release());
+}
+
 void Tree::RemoveChildren(xmlNode& parent) {
   if (removed_.size() >= sweep_at_) Sweep();
-  forget_id(parent);
+  std::size_t children = 0;
+  for (const xmlNode* child = first_child(parent); child != nullptr; child = child->next) ++children;
+  if (children > removed_.capacity() - removed_.size())
+    removed_.reserve(std::max(2 * removed_.size(), removed_.size() + children));
+  forget_ids(parent);
+  const CallbacksAside host;  // from here on nothing throws
   while (xmlNode* child = first_child(parent)) {
     const bool seen = lists_ > 0 || is_needed(*child);
     if (seen) removed_.push_back(child);
@@ -58,6 +74,7 @@ void Tree::RemoveChildren(xmlNode& parent) {
 // Runs when the number of removed nodes has doubled, so that it costs next to nothing a node.
 void Tree::Sweep() {
   if (lists_ == 0) {
+    const CallbacksAside host;
     std::erase_if(removed_, [](xmlNode* node) {
       if (is_needed(*node)) return false;
       xmlFreeNode(node);
@@ -91,15 +108,17 @@ unsigned long List::Release() noexcept {
 Node* List::Next() {
   xmlNode* next = nullptr;
   if (parent_ == nullptr) {
-    if (position_ < nodes_.size()) next = nodes_[position_++];
+    if (position_ < nodes_.size()) next = nodes_[position_];
   } else if (last_ == nullptr) {
     next = first_child(*parent_);
   } else if (last_->parent == parent_) {  // it may have been removed since
     next = last_->next;
   }
   if (next == nullptr) return nullptr;
+  Node* handle = tree_.HandleOf(next);
   last_ = next;
-  return tree_.HandleOf(next);
+  ++position_;
+  return handle;
 }
 
 unsigned long Document::Release() noexcept {
@@ -108,24 +127,31 @@ unsigned long Document::Release() noexcept {
   return left;
 }
 
-void Document::Hold(Tree* tree) {
-  if (tree == nullptr) tree = NewTree();
-  std::exchange(tree_, tree)->Release();
-}
-
-Tree* Document::NewTree() {
-  initialise_parser();
+Document::Document() {
+  prepare_libxml2();
   const HostAside host;
-  DocumentPointer doc(host.Whole(xmlNewDoc(as_xml("1.0")), xmlFreeDoc), xmlFreeDoc);
-  doc->encoding = xmlStrdup(as_xml("UTF-8"));  // what the tree holds, and what is written
-  if (host.ran_out_of_memory()) throw std::bad_alloc();
-  auto* tree = new Tree(doc.get());
-  doc.release();
-  return tree;
+  DocPointer doc(allocated(xmlNewDoc(as_xml("1.0"))));
+  host.CheckMemory();
+  tree_ = new Tree(std::move(doc));
 }
 
-void forget_id(xmlNode& node) {
-  if (node.type == XML_ATTRIBUTE_NODE) xmlRemoveID(node.doc, reinterpret_cast<xmlAttr*>(&node));
+void Document::Hold(Tree* tree) noexcept { std::exchange(tree_, tree)->Release(); }
+
+void forget_ids(xmlNode& top) {
+  if (top.doc->ids == nullptr) return;
+  const HostAside host;
+  const auto forget = [&host](xmlAttr* attribute) {
+    if (attribute->atype != XML_ATTRIBUTE_ID) return;
+    xmlRemoveID(attribute->doc, attribute);
+    host.CheckMemory();
+    attribute->atype = {};
+  };
+  if (top.type == XML_ATTRIBUTE_NODE) forget(reinterpret_cast<xmlAttr*>(&top));
+  for (xmlNode* node = &top; node != nullptr; node = following(node, &top)) {
+    if (node->type != XML_ELEMENT_NODE) continue;
+    for (xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next)
+      forget(attribute);
+  }
 }
 
 xmlNode* first_child(const xmlNode& node) {
@@ -150,9 +176,17 @@ xmlNode* following(xmlNode* node, const xmlNode* top) {
 
 bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
-bool keeps_space(xmlNode& node) {
-  // Only a document that uses the prefix "xml" has its namespace declared; that spares the others the way up.
-  return node.doc->oldNs != nullptr && xmlNodeGetSpacePreserve(&node) == 1;
+bool keeps_space(const xmlNode& node) {
+  // Only a document that uses the prefix "xml" has its namespace declared; the others need no search.
+  if (node.doc->oldNs == nullptr) return false;
+  for (const xmlNode* at = &node; at != nullptr && at->type == XML_ELEMENT_NODE; at = at->parent) {
+    const xmlAttr* space = find_attribute(*at, "xml:space");
+    const xmlNode* text = space != nullptr ? space->children : nullptr;
+    if (text == nullptr || text->content == nullptr) continue;
+    if (xmlStrEqual(text->content, as_xml("preserve"))) return true;
+    if (xmlStrEqual(text->content, as_xml("default"))) return false;
+  }
+  return false;
 }
 
 }  // namespace orx::platform::dom

@@ -5,7 +5,7 @@
 // are set aside in the tree and freed when nobody can, so that a handle never dangles and a document that is
 // edited for days does not grow.
 //
-// Exhausted memory raises std::bad_alloc.
+// Out of memory raises std::bad_alloc, and leaves everything as it was.
 #pragma once
 
 #include <orx/compat/dom.h>
@@ -16,6 +16,7 @@
 #include <memory>
 #include <new>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orx::platform::dom {
@@ -29,17 +30,22 @@ T* allocated(T* pointer) {
 inline const xmlChar* as_xml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 inline const char* as_text(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
+struct DocDeleter {
+  void operator()(xmlDoc* doc) const noexcept;
+};
+using DocPointer = std::unique_ptr<xmlDoc, DocDeleter>;
+
 class Node;
 
 using DocumentPointer = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
 class Tree {
  public:
-  explicit Tree(xmlDoc* doc) : doc_(doc) {}  // takes the document over
+  explicit Tree(DocPointer doc) : doc_(std::move(doc)) {}
   Tree(const Tree&) = delete;
   Tree& operator=(const Tree&) = delete;
 
-  xmlDoc* doc() const { return doc_; }
+  xmlDoc* doc() const { return doc_.get(); }
   void AddRef() { ++references_; }
   void Release();
   bool HasHandles() const { return references_ > 1; }  // asked by the document, which is one
@@ -50,8 +56,8 @@ class Tree {
   // The handle of a node, with a reference of the caller.
   Node* HandleOf(xmlNode* node);
 
-  // Cuts all children off an element, attribute or document.
-  void RemoveChildren(xmlNode& parent);
+  // Replaces all children of an element or attribute by one text; the empty text leaves none.
+  void SetText(xmlNode& parent, std::string_view text);
 
   bool declared = false;  // begins with an XML declaration
   bool laid_out = false;  // is written one element a line
@@ -62,14 +68,20 @@ class Tree {
 
  private:
   ~Tree();
+  void RemoveChildren(xmlNode& parent);
   void Sweep();
 
-  xmlDoc* doc_;
+  const DocPointer doc_;
   std::size_t references_ = 1;
   std::size_t lists_ = 0;  // a list refers to nodes that have no handle
   std::vector<xmlNode*> removed_;
   std::size_t sweep_at_ = 16;
 };
+
+struct TreeReleaser {
+  void operator()(Tree* tree) const { tree->Release(); }
+};
+using TreePointer = std::unique_ptr<Tree, TreeReleaser>;
 
 class Node final : public IXMLDOMElement {
  public:
@@ -115,17 +127,16 @@ class List final : public IXMLDOMNodeList {
 
 class Document final : public IXMLDOMDocument {
  public:
-  Document() : tree_(NewTree()) {}
+  Document();
 
   unsigned long AddRef() noexcept override { return ++references_; }
   unsigned long Release() noexcept override;
 
   Tree& tree() const { return *tree_; }
-  void Hold(Tree* tree);  // takes the caller's reference over; null: an empty tree
+  void Hold(Tree* tree) noexcept;  // takes the caller's reference over
 
  private:
   ~Document() { tree_->Release(); }
-  static Tree* NewTree();
 
   Tree* tree_;
   unsigned long references_ = 1;
@@ -134,9 +145,10 @@ class Document final : public IXMLDOMDocument {
 // The children of an element, attribute or document; nothing else has children that a host may see.
 xmlNode* first_child(const xmlNode& node);
 
-// To be called before the value of an attribute changes: libxml2 finds an attribute's entry among the IDs of
-// its document by the value, and would leave it behind when the attribute is freed. Other nodes are ignored.
-void forget_id(xmlNode& node);
+// Removes the attributes at and below the node from the IDs of the document. To be called before they are cut
+// out or their values change: libxml2 finds an entry by its value, and may leave it behind when it frees the
+// attribute.
+void forget_ids(xmlNode& node);
 
 // The next node in document order below `top`, or null.
 xmlNode* following(xmlNode* node, const xmlNode* top);
@@ -144,6 +156,6 @@ xmlNode* following(xmlNode* node, const xmlNode* top);
 bool is_blank(std::string_view text);
 
 // Whether white space counts below the node (xml:space="preserve").
-bool keeps_space(xmlNode& node);
+bool keeps_space(const xmlNode& node);
 
 }  // namespace orx::platform::dom

@@ -52,17 +52,16 @@ const unsigned char* skip_ascii(const unsigned char* bytes, const unsigned char*
 
 bool is_code_point(std::uint32_t c) { return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF); }
 
-// Takes the first character off a valid text.
-wchar_t take_first(std::string_view& text) {
+}  // namespace
+
+char32_t take_first(std::string_view& text) {
   const auto lead = static_cast<unsigned char>(text.front());
   const std::size_t more = kAfterLead[lead].bytes_left;
-  std::uint32_t c = more == 0 ? lead : lead & (0x3FU >> more);
+  char32_t c = more == 0 ? lead : lead & (0x3FU >> more);
   for (const char byte : text.substr(1, more)) c = c << 6 | (static_cast<unsigned char>(byte) & 0x3FU);
   text.remove_prefix(1 + more);
-  return static_cast<wchar_t>(c);
+  return c;
 }
-
-}  // namespace
 
 bool Validator::Feed(const unsigned char* bytes, std::size_t size) {
   const unsigned char* const end = bytes + size;
@@ -162,7 +161,7 @@ BSTR to_wide(std::string_view text) {
   if (length > std::numeric_limits<UINT>::max()) AtlThrow(E_OUTOFMEMORY);
   const BSTR wide = SysAllocStringLen(nullptr, static_cast<UINT>(length));
   if (wide == nullptr) AtlThrow(E_OUTOFMEMORY);
-  for (OLECHAR* to = wide; !text.empty(); ++to) *to = take_first(text);
+  for (OLECHAR* to = wide; !text.empty(); ++to) *to = static_cast<OLECHAR>(take_first(text));
   return wide;
 }
 

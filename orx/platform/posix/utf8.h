@@ -36,8 +36,11 @@ bool is_valid(std::string_view text);
 // Whether a byte of a valid text belongs to the character before it.
 constexpr bool is_continuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
-// In capitals, one for each letter, as Windows compares the names of files and registry keys. The locale does
-// not matter. False, with `upper` unchanged, for a text that is not valid.
+// Takes the first character off a valid text that is not empty.
+char32_t take_first(std::string_view& text);
+
+// In capitals, one for each letter, whatever the locale. False, with `upper` unchanged, for a text that is
+// not valid.
 bool to_upper(std::string_view text, std::string& upper);
 
 // Writes a code point, in at most four bytes; the result is behind them.
