@@ -148,33 +148,6 @@ bool write_after_reading(const Tree& tree, const Sink& sink, Reason& reason) {
   return read != nullptr && sink(text.data(), text.size());
 }
 
-// The document as it would be read again. False when it is too large, or when an edit made it a document that
-// a load refuses.
-bool accept_document(const Tree& tree, Reason& reason) {
-  std::string text;
-  write_tree(tree, [&text](const char* bytes, std::size_t size) { return text.append(bytes, size), true; });
-  Tree* copy = parse_text(text, reason);
-  if (copy != nullptr) copy->Release();
-  return copy != nullptr;
-}
-
-bool accept_nodes(Tree& tree, Reason& reason) {
-  if (tree.nodes < kMaxNodes) return true;
-  reason = "the document would have too many nodes";
-  return false;
-}
-
-bool accept_attribute(const xmlNode& element, Reason& reason) {
-  int count = 1;
-  for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next)
-    ++count;
-  if (count <= kMaxAttributes) return true;
-  reason = "the element would have too many attributes";
-  return false;
-}
-
-bool declares_namespace(std::string_view name) { return name == "xmlns" || name.starts_with("xmlns:"); }
-
 }  // namespace
 
 IXMLDOMDocument* create_document() { return new Document; }

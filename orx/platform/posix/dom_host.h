@@ -6,7 +6,6 @@
 #pragma once
 
 #include <libxml/globals.h>
-#include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
 namespace orx::platform::dom {
@@ -58,17 +57,5 @@ class HostAside {
   xmlError last_error_;
   bool ran_out_of_memory_ = false;
 };
-
-// Before the first use of the parser. libxml2's own check for a first use is a data race, and it reports a
-// lack of memory on the standard error stream unless the handlers are set.
-inline void initialise_parser() {
-  static const bool is_done = [] {
-    const SettingsAside settings;
-    const HostAside host;
-    xmlInitParser();
-    return true;
-  }();
-  static_cast<void>(is_done);
-}
 
 }  // namespace orx::platform::dom

@@ -271,7 +271,7 @@ Tree* run(Parse& parse, std::string& reason) {
 
 }  // namespace
 
-Tree* parse_file(const std::string& system_path, std::string& reason) {
+Tree* parse_file(const char* path, std::string& reason) {
   Parse parse;
   return parse.source.OpenFile(path, reason) ? run(parse, reason) : nullptr;
 }

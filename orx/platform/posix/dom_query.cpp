@@ -120,18 +120,6 @@ bool evaluate(xmlNode& node, const char* query, Nodes& found, Reason& reason) {
   return true;
 }
 
-// libxml2 compiles and evaluates by recursion. What it takes of the stack was measured: at most 90 bytes for
-// each character of a chain of operators, and 450 for each bracket that is open.
-bool fits_stack(std::string_view query) {
-  constexpr std::size_t kAlways = 64 * 1024;
-  constexpr std::size_t kBytesPerCharacter = 128;
-  constexpr std::size_t kBytesPerBracket = 640;
-  const auto brackets =
-      static_cast<std::size_t>(std::ranges::count_if(query, [](char c) { return c == '(' || c == '['; }));
-  const std::size_t needed = 32 * 1024 + kBytesPerCharacter * query.size() + kBytesPerBracket * brackets;
-  return needed <= kAlways || needed <= stack_left();
-}
-
 bool find(xmlNode& context, const char* query, bool first_only, Nodes& found, Reason& reason) {
   if (!accept_query(query, reason)) return false;
   const char* name = std::string_view(query).starts_with("//") ? query + 2 : query;

@@ -37,8 +37,6 @@ using DocPointer = std::unique_ptr<xmlDoc, DocDeleter>;
 
 class Node;
 
-using DocumentPointer = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
-
 class Tree {
  public:
   explicit Tree(DocPointer doc) : doc_(std::move(doc)) {}
@@ -61,10 +59,6 @@ class Tree {
 
   bool declared = false;  // begins with an XML declaration
   bool laid_out = false;  // is written one element a line
-  // An edit may have made it a document that a load refuses: declarations of namespaces count for a whole
-  // subtree.
-  bool is_doubtful = false;
-  std::size_t nodes = 0;  // elements and attributes, with those that were removed since
 
  private:
   ~Tree();
