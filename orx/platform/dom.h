@@ -35,8 +35,8 @@ bool load_text(IXMLDOMDocument& document, const char* text, IXMLDOMElement** roo
 
 // The whole document as narrow text.
 bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason& reason);
-// The whole document in the bytes of a file. An empty document is refused, and so is one that a load would not accept;
-// some of its bytes may have gone to the sink then.
+// The whole document in the bytes of a file. An empty document is refused, and so is one that a load would
+// not accept; some of its bytes may have gone to the sink then.
 bool write_file(IXMLDOMDocument& document, const Sink& sink, Reason& reason);
 
 // Lays the document out one element a line. Nodes and lists handed out before belong to the old content

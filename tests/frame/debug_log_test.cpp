@@ -196,9 +196,8 @@ TEST_F(DebugLog, IsNotATrapInASharedFolder) {
     write_file(victim, "victim");
     chmod(folder.path("sub").c_str(), mode);
     const bool is_refused = plant() && mode != 0755;
-    in_new_process([&] {
-      EXPECT_EQ(halvark_log_debug_init(folder.suite_path("sub").c_str()), is_refused ? -1 : 0);
-    });
+    in_new_process(
+        [&] { EXPECT_EQ(halvark_log_debug_init(folder.suite_path("sub").c_str()), is_refused ? -1 : 0); });
     EXPECT_EQ(Content("victim"), is_refused ? "victim" : "H") << mode;
   }
 }

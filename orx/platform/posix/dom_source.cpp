@@ -60,8 +60,8 @@ Source::~Source() {
 bool Source::OpenFile(const char* path, std::string& reason) {
   // Without O_NONBLOCK a FIFO would be waited on.
   SystemPath where = parse_path(path);
-  file_ = on_path(
-      where, [](const char* name) { return open(name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
+  file_ = on_path(where,
+                  [](const char* name) { return open(name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
   if (!is_readable(file_, reason)) return false;
   char head[512];
   const ssize_t size = pread(file_, head, sizeof head, 0);
