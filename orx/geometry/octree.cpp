@@ -3,9 +3,11 @@
 #include <orx/platform/kept_errno.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -14,7 +16,14 @@ namespace {
 constexpr int kOctants = 8;
 constexpr int kDefaultLimit = 64;
 constexpr int kLeastLimit = 2;  // of a leaf that holds an item
-constexpr int kMaxLevel = 20;
+constexpr int kAllAxes = kOctants - 1;
+// Halvings from the widest box, 2^1025, to the narrowest, 2^-1074, and some for rounding.
+constexpr int kMostLevels = 2112;
+// Items that have not parted on so many levels seldom do further down, but a box beside 0 has a thousand
+// levels.
+constexpr int kPatience = 100;
+// Fewer levels are not worth the two calls that find out whether an item is inside of all of them.
+constexpr int kManyLevels = 4;
 
 // What a leaf without an array of its own has in the place of one: a slot that is never filled.
 void* no_items[1];
@@ -76,7 +85,88 @@ bool is_between(double value, double a, double b) {
   return (a < value && value < b) || (b < value && value < a);
 }
 
+// Whether a number is left between the faces on some axis.
+bool can_split(const CORXOcTreeBB& box) {
+  return is_between(box.centre.x, box.min.x, box.max.x) || is_between(box.centre.y, box.min.y, box.max.y) ||
+         is_between(box.centre.z, box.min.z, box.max.z);
+}
+
+bool is_ordered(const CORXOcTreeBB& box) {
+  return box.min.x <= box.max.x && box.min.y <= box.max.y && box.min.z <= box.max.z;
+}
+
+// The axes, a bit for each, on which the position is closer to the plane through `centre` than `reach`.
+int near_planes(const CORXOcTreeBB::Point& position, const CORXOcTreeBB::Point& centre, double reach) {
+  const double x = position.x - centre.x, y = position.y - centre.y, z = position.z - centre.z;
+  return (reach > std::fabs(x) ? 1 : 0) | (reach > std::fabs(y) ? 2 : 0) | (reach > std::fabs(z) ? 4 : 0);
+}
+
+double distance(const CORXOcTreeBB::Point& a, const CORXOcTreeBB::Point& b) {
+  const double x = a.x - b.x, y = a.y - b.y, z = a.z - b.z;
+  return std::sqrt(x * x + y * y + z * z);
+}
+
+CORXOcTreeBB box_of_child(const CORXOcTreeBB& box, int octant) {
+  const auto& [min, max, centre] = box;
+  const bool low_x = (octant & 1) != 0, low_y = (octant & 2) != 0, low_z = (octant & 4) != 0;
+  return {low_x ? min.x : centre.x, low_y ? min.y : centre.y, low_z ? min.z : centre.z,
+          low_x ? centre.x : max.x, low_y ? centre.y : max.y, low_z ? centre.z : max.z};
+}
+
 }  // namespace
+
+// On which sides of its planes a path of several levels goes: a bit for each axis, as in an octant.
+struct orx::OcTreeSides {
+  void Add(int octant) {
+    low |= octant;
+    high |= ~octant & kAllAxes;
+  }
+  int low = 0, high = 0;
+};
+
+// Levels without nodes of their own: on each, all items below the node lie in one octant.
+struct orx::OcTreeLevels {
+  std::int8_t* Octants() { return reinterpret_cast<std::int8_t*>(this + 1); }
+
+  CORXOcTreeBB box;   // the one that the children divide
+  OcTreeSides sides;  // of all planes but the first
+  int count;
+};
+
+namespace {
+
+struct DeleteLevels {
+  void operator()(orx::OcTreeLevels* levels) const { delete[] reinterpret_cast<std::byte*>(levels); }
+};
+using Levels = std::unique_ptr<orx::OcTreeLevels, DeleteLevels>;
+
+// Null when `count` is 0 or memory runs out.
+Levels make_levels(const CORXOcTreeBB& top, const std::int8_t* octants, int count) {
+  const std::size_t size = sizeof(orx::OcTreeLevels) + static_cast<std::size_t>(count);
+  std::byte* const memory = count > 0 ? allocated<std::byte>(size) : nullptr;
+  if (memory == nullptr) return nullptr;
+  Levels levels(new (memory) orx::OcTreeLevels{box_of_child(top, octants[0]), {}, count});
+  std::copy_n(octants, count, levels->Octants());
+  for (int i = 1; i < count; ++i) {
+    levels->box = box_of_child(levels->box, octants[i]);
+    levels->sides.Add(octants[i]);
+  }
+  return levels;
+}
+
+}  // namespace
+
+// Where the items of a leaf part: the first `together` of them lie in `octant`, the item after them in
+// `next`.
+struct CORXOcTreeGeneric::Parting {
+  CORXOcTreeBB::Point centre;
+  int together, octant, next;
+};
+
+// The octant of an item on one of the levels below a node.
+struct CORXOcTreeGeneric::Place {
+  int level, octant;
+};
 
 CORXOcTreeBB::CORXOcTreeBB(double min_x, double min_y, double min_z, double max_x, double max_y, double max_z)
     : min{min_x, min_y, min_z},
@@ -95,9 +185,41 @@ bool CORXOcTreeGeneric::Init(double min_x, double min_y, double min_z, double ma
   return Resize(least_size_log2(std::max<int>(pointLimit, kLeastLimit)));
 }
 
-int CORXOcTreeGeneric::OctantOf(void* item) const {
+int CORXOcTreeGeneric::OctantAt(void* item, const CORXOcTreeBB::Point& centre) const {
   if (locateFunc == nullptr) return 0;
-  return locateFunc(item, bb.centre.x, bb.centre.y, bb.centre.z) & (kOctants - 1);
+  return locateFunc(item, centre.x, centre.y, centre.z) & kAllAxes;
+}
+
+int CORXOcTreeGeneric::OctantOf(void* item) const { return OctantAt(item, bb.centre); }
+
+// Whether the item lies on the same sides of all planes of a path as the box at its end. On each axis the
+// faces of this box are the nearest planes. With the corners of a box in reverse they are the farthest, but
+// then an item that is on the right side of the plane before the path is on the right side of all.
+bool CORXOcTreeGeneric::IsInside(void* item, const CORXOcTreeBB& box, const orx::OcTreeSides& sides) const {
+  return (OctantAt(item, box.min) & sides.high) == 0 && (~OctantAt(item, box.max) & sides.low) == 0;
+}
+
+// Whether an item whose octant in this node is `own` gets past the skipped levels.
+// False also when only the walk through the levels can tell.
+bool CORXOcTreeGeneric::SkipsLevels(void* item, int own) const {
+  const bool has_many = skipped->count >= kManyLevels && own == skipped->Octants()[0];
+  return has_many && IsInside(item, skipped->box, skipped->sides);
+}
+
+// Where an item whose octant in this node is `own` leaves the skipped levels, or lies on the children's
+// level.
+auto CORXOcTreeGeneric::Follow(void* item, int own) const -> Place {
+  const int count = skipped->count;
+  if (SkipsLevels(item, own)) return {count, OctantAt(item, skipped->box.centre)};
+  const std::int8_t* const octants = skipped->Octants();
+  CORXOcTreeBB box = bb;
+  int level = 0;
+  while (level < count && own == octants[level]) {
+    box = box_of_child(box, own);
+    own = OctantAt(item, box.centre);
+    ++level;
+  }
+  return {level, own};
 }
 
 void* CORXOcTreeGeneric::FirstMatch(void* item) const {
@@ -111,7 +233,17 @@ void* CORXOcTreeGeneric::FirstMatch(void* item) const {
 }
 
 void* CORXOcTreeGeneric::FindNode(void* item) {
-  return children == nullptr ? FirstMatch(item) : children[OctantOf(item)].FindNode(item);
+  const CORXOcTreeGeneric* node = this;
+  while (node->children != nullptr) {
+    int own = node->OctantOf(item);
+    if (node->skipped != nullptr) {
+      const Place place = node->Follow(item, own);
+      if (place.level < node->skipped->count) return nullptr;
+      own = place.octant;
+    }
+    node = &node->children[own];
+  }
+  return node->FirstMatch(item);
 }
 
 void* CORXOcTreeGeneric::AddNode(void* item) {
@@ -119,17 +251,31 @@ void* CORXOcTreeGeneric::AddNode(void* item) {
   return item;
 }
 
+bool CORXOcTreeGeneric::IsFull() const {
+  const std::int64_t limit = std::max<int>(pointLimit, kLeastLimit);
+  return pointCount + 1 >= limit << doublings;
+}
+
 bool CORXOcTreeGeneric::Store(void* item) {
   CORXOcTreeGeneric* node = this;
   while (true) {
-    const int child = node->OctantOf(item);
+    int own = node->OctantOf(item);
     if (node->children == nullptr) {
       if (node->points == nullptr) return false;
-      const bool is_full = node->pointCount + 1 >= std::max<int>(node->pointLimit, kLeastLimit);
-      if (!is_full || !node->Subdivide()) return node->Append(item);
+      return node->IsFull() ? node->StoreInFullLeaf(item, own) : node->Append(item);
     }
-    node = &node->children[child];
+    if (node->skipped != nullptr) {
+      const Place place = node->Follow(item, own);
+      if (place.level < node->skipped->count && !node->MakeLevel(place.level)) return false;
+      own = place.octant;
+    }
+    node = &node->children[own];
   }
+}
+
+bool CORXOcTreeGeneric::StoreInFullLeaf(void* item, int own) {
+  CORXOcTreeGeneric* const child = Separate(item, own);
+  return child != nullptr ? child->Store(item) : Append(item);
 }
 
 bool CORXOcTreeGeneric::Append(void* item) {
@@ -138,7 +284,8 @@ bool CORXOcTreeGeneric::Append(void* item) {
   return true;
 }
 
-bool CORXOcTreeGeneric::Resize(int size_log2) {
+// Not inline, so that Append is: it is on the path of every item that is added.
+[[gnu::noinline]] bool CORXOcTreeGeneric::Resize(int size_log2) {
   void** const resized = size_log2 < 31 ? allocated<void*>(std::size_t{1} << size_log2) : nullptr;
   if (resized == nullptr) return false;
   std::copy_n(points, pointCount, resized);
@@ -148,60 +295,161 @@ bool CORXOcTreeGeneric::Resize(int size_log2) {
   return true;
 }
 
-bool CORXOcTreeGeneric::CanSplit() const {
-  return points != nullptr && locateFunc != nullptr && level < kMaxLevel &&
-         (is_between(bb.centre.x, bb.min.x, bb.max.x) || is_between(bb.centre.y, bb.min.y, bb.max.y) ||
-          is_between(bb.centre.z, bb.min.z, bb.max.z));
-}
-
-void CORXOcTreeGeneric::MakeChild(int child_octant) {
-  const auto& [min, max, centre] = bb;
-  const bool low_x = (child_octant & 1) != 0, low_y = (child_octant & 2) != 0,
-             low_z = (child_octant & 4) != 0;
-  CORXOcTreeGeneric& child = children[child_octant];
-  child.SetParent(this);
-  child.bb = CORXOcTreeBB(low_x ? min.x : centre.x, low_y ? min.y : centre.y, low_z ? min.z : centre.z,
-                          low_x ? centre.x : max.x, low_y ? centre.y : max.y, low_z ? centre.z : max.z);
-  child.level = static_cast<std::int8_t>(level + 1);
-  child.points = no_items;
-  child.tolerance = tolerance;
-  child.octant = static_cast<std::int8_t>(child_octant);
-}
-
-bool CORXOcTreeGeneric::Subdivide() {
-  if (!CanSplit()) return false;
-  children = allocated<CORXOcTreeGeneric>(kOctants);
-  if (children == nullptr) return false;
-  for (int i = 0; i < kOctants; ++i) MakeChild(i);
-  const Ahead ahead(points, pointCount);
-  for (int i = 0; i < pointCount; ++i) {
-    ahead.Of(i);
-    if (!children[OctantOf(points[i])].Store(points[i])) {
-      Forget();
-      return false;
+// Splits a full leaf, level by level until its items and `item` part, and gives back the child where `item`
+// lies. Null when they do not part or memory runs out; the leaf is then as it was, and has twice the limit.
+CORXOcTreeGeneric* CORXOcTreeGeneric::Separate(void* item, int own) {
+  std::array<std::int8_t, kMostLevels> path;
+  int levels = 0;
+  CORXOcTreeBB box = bb;
+  while (locateFunc != nullptr && levels < kMostLevels && can_split(box)) {
+    if (levels == kPatience && IsInseparable(item, box)) break;
+    const Parting parting = LocateAll(box);
+    if (parting.together < pointCount || parting.octant != own) {
+      CORXOcTreeGeneric* const end = Split(path.data(), levels, parting);
+      if (end == nullptr) break;
+      return &end->children[own];
     }
+    path[static_cast<std::size_t>(levels++)] = static_cast<std::int8_t>(parting.octant);
+    box = box_of_child(box, parting.octant);
+    own = OctantAt(item, box.centre);
+  }
+  while (IsFull()) ++doublings;
+  return nullptr;
+}
+
+// Locates the items of the leaf in `box`, until one parts from those before it. Hosts may rely on the order
+// of calls: an item is located in the box, and again in its octant there, as it is added to a child.
+auto CORXOcTreeGeneric::LocateAll(const CORXOcTreeBB& box) const -> Parting {
+  const Ahead ahead(points, pointCount);
+  const int first = OctantAt(points[0], box.centre);
+  const CORXOcTreeBB::Point centre = box_of_child(box, first).centre;
+  for (int i = 1; i < pointCount; ++i) {
+    ahead.Of(i);
+    OctantAt(points[i - 1], centre);
+    const int next = OctantAt(points[i], box.centre);
+    if (next != first) return {box.centre, i, first, next};
+  }
+  OctantAt(points[pointCount - 1], centre);
+  return {box.centre, pointCount, first, first};
+}
+
+// Whether all items follow the first one, down to where no number is left between the faces. Takes two calls
+// an item and one a level.
+bool CORXOcTreeGeneric::IsInseparable(void* item, const CORXOcTreeBB& top) const {
+  if (!is_ordered(top)) return false;
+  CORXOcTreeBB box = top;
+  orx::OcTreeSides sides;
+  while (can_split(box)) {
+    const int own = OctantAt(points[0], box.centre);
+    sides.Add(own);
+    box = box_of_child(box, own);
+  }
+  const auto is_inside = [&](void* other) { return IsInside(other, box, sides); };
+  return is_inside(item) && std::all_of(points, points + pointCount, is_inside);
+}
+
+// Splits a leaf and then the child at the end of a path of several levels, moves the items to the children
+// there, and gives back their parent. Null when memory runs out; the leaf is then as it was.
+CORXOcTreeGeneric* CORXOcTreeGeneric::Split(const std::int8_t* path, int levels, const Parting& parting) {
+  children = NewChildren(bb);
+  if (children == nullptr) return nullptr;
+  CORXOcTreeGeneric* const end = levels > 0 ? &children[path[0]] : this;
+  const bool is_split = levels == 0 || end->SplitBelow(path + 1, levels - 1);
+  if (!is_split || !end->Distribute(points, pointCount, parting)) {
+    for (int i = 0; i < kOctants; ++i) children[i].ForgetItems();
+    delete[] children;
+    children = nullptr;
+    return nullptr;
   }
   delete_slots(points);
-  points = nullptr;
+  skipped = nullptr;
   pointCount = 0;
+  return end;
+}
+
+// Gives a new leaf children that are `count` levels further down than its own octants. False when memory runs
+// out.
+bool CORXOcTreeGeneric::SplitBelow(const std::int8_t* octants, int count) {
+  Levels levels = make_levels(bb, octants, count);
+  if (levels == nullptr && count > 0) return false;
+  children = NewChildren(levels != nullptr ? levels->box : bb);
+  if (children != nullptr) skipped = levels.release();
+  return children != nullptr;
+}
+
+// Eight leaves that divide the box. Null when memory runs out.
+CORXOcTreeGeneric* CORXOcTreeGeneric::NewChildren(const CORXOcTreeBB& box) {
+  CORXOcTreeGeneric* const leaves = allocated<CORXOcTreeGeneric>(kOctants);
+  for (int i = 0; leaves != nullptr && i < kOctants; ++i) {
+    CORXOcTreeGeneric& leaf = leaves[i];
+    leaf.SetParent(this);
+    leaf.bb = box_of_child(box, i);
+    leaf.points = no_items;
+    leaf.tolerance = tolerance;
+    leaf.octant = static_cast<std::int8_t>(i);
+  }
+  return leaves;
+}
+
+// Adds the items to the children. Those that LocateAll has located are not located again.
+bool CORXOcTreeGeneric::Distribute(void** items, int count, const Parting& parting) {
+  const int fitting = std::min(parting.together, std::max<int>(pointLimit, kLeastLimit) - 1);
+  for (int i = 0; i < fitting; ++i) {
+    if (!children[parting.octant].Append(items[i])) return false;
+  }
+  const Ahead ahead(items, count);
+  for (int i = fitting; i < count; ++i) {
+    ahead.Of(i);
+    int number = i < parting.together ? parting.octant : parting.next;
+    if (i > parting.together) number = OctantAt(items[i], parting.centre);
+    if (!children[number].Store(items[i])) return false;
+  }
   return true;
 }
 
-// Removes the children without releasing the items in them.
-void CORXOcTreeGeneric::Forget() {
-  for (int i = 0; children != nullptr && i < kOctants; ++i) {
-    children[i].Forget();
-    children[i].pointCount = 0;
-  }
-  delete[] children;
-  children = nullptr;
+bool CORXOcTreeGeneric::Subdivide() {
+  if (children != nullptr) return true;
+  if (points == nullptr) return false;
+  const int first = pointCount > 0 ? OctantOf(points[0]) : 0;
+  return Split(nullptr, 0, {bb.centre, 0, first, first}) != nullptr;
+}
+
+// Leaves no items for RemoveAll to release.
+void CORXOcTreeGeneric::ForgetItems() {
+  pointCount = 0;
+  for (int i = 0; children != nullptr && i < kOctants; ++i) children[i].ForgetItems();
+}
+
+// Makes the nodes that divide this node, or a box that it skips `level` levels below it. False when memory
+// runs out.
+bool CORXOcTreeGeneric::MakeLevel(int level) {
+  const std::int8_t* const octants = skipped->Octants();
+  const int own = octants[level];
+  const int count_below = skipped->count - level - 1;
+  Levels above = make_levels(bb, octants, level);
+  CORXOcTreeBB box = above != nullptr ? above->box : bb;
+  Levels below = make_levels(box_of_child(box, own), octants + level + 1, count_below);
+  const bool has_levels = (above != nullptr || level == 0) && (below != nullptr || count_below == 0);
+  CORXOcTreeGeneric* const nodes = has_levels ? NewChildren(box) : nullptr;
+  if (nodes == nullptr) return false;
+  nodes[own].children = children;
+  nodes[own].skipped = below.release();
+  children = nodes;
+  Levels(skipped).reset();
+  skipped = above.release();
+  return true;
 }
 
 void CORXOcTreeGeneric::RemoveAll() {
   for (int i = 0; freeFunc != nullptr && i < pointCount; ++i) freeFunc(&points[i]);
-  delete_slots(points);
+  if (children == nullptr) {
+    delete_slots(points);
+  } else {
+    DeleteLevels()(skipped);
+  }
   points = nullptr;
   pointCount = 0;
+  doublings = 0;
   delete[] children;
   children = nullptr;
 }
@@ -255,12 +503,14 @@ int CORXOcTreeGeneric::GetCount() const {
 
 int CORXOcTreeGeneric::PointCount() const { return pointCount; }
 
-void** CORXOcTreeGeneric::GetPoints() const { return points; }
+void** CORXOcTreeGeneric::GetPoints() const { return children == nullptr ? points : nullptr; }
 
 CORXOcTreeBB* CORXOcTreeGeneric::GetBB() { return &bb; }
 
 CORXOcTreeGeneric* CORXOcTreeGeneric::GetChild(int number) {
-  return children != nullptr && number >= 0 && number < kOctants ? &children[number] : nullptr;
+  if (children == nullptr || number < 0 || number >= kOctants) return nullptr;
+  if (skipped != nullptr && !MakeLevel(0)) return nullptr;
+  return &children[number];
 }
 
 CORXOcTreeNode::CORXOcTreeNode(CORXOcTreeGeneric* above) : CORXOcTreeGeneric(above) {}
@@ -275,18 +525,43 @@ void* CORXOcTreeNode::FindNodeAndNeighbours(void* item, bool neighbours) {
   return Search(children[OctantOf(item)], item);
 }
 
+// Whether the search for an item at a node with this centre goes into the octant.
+bool CORXOcTreeNode::LooksInto(int number, const CORXOcTreeGeneric& node, const CORXOcTreeBB::Point& centre,
+                               void* item) {
+  const auto& position = *static_cast<const CORXOcTreeBB::Point*>(item);
+  if (node.tolerance > distance(position, centre)) return true;
+  const int own = node.OctantAt(item, centre);
+  const auto [first, count] = kNearPlanes[near_planes(position, centre, node.tolerance)];
+  const std::int8_t* const beyond = kOctantNeighbours[own] + first;
+  return own == number || std::find(beyond, beyond + count, number) != beyond + count;
+}
+
+// Whether the search for an item gets past the skipped levels. Their other octants hold nothing to find.
+bool CORXOcTreeNode::LooksPastSkipped(const CORXOcTreeGeneric& node, void* item) {
+  if (node.skipped->count >= kManyLevels && node.SkipsLevels(item, node.OctantOf(item))) return true;
+  const std::int8_t* const octants = node.skipped->Octants();
+  CORXOcTreeBB box = node.bb;
+  for (int i = 0; i < node.skipped->count; ++i) {
+    if (!LooksInto(octants[i], node, box.centre, item)) return false;
+    box = box_of_child(box, octants[i]);
+  }
+  return true;
+}
+
 void* CORXOcTreeNode::Search(const CORXOcTreeGeneric& top, void* item) {
   const auto& position = *static_cast<const CORXOcTreeBB::Point*>(item);
   const CORXOcTreeGeneric* node = &top;
   while (node->children != nullptr) {
-    const CORXOcTreeBB::Point& centre = node->bb.centre;
-    const double x = position.x - centre.x, y = position.y - centre.y, z = position.z - centre.z;
+    const CORXOcTreeBB* box = &node->bb;
+    if (node->skipped != nullptr) {
+      if (!LooksPastSkipped(*node, item)) return nullptr;
+      box = &node->skipped->box;
+    }
     const double reach = node->tolerance;
-    const int planes =
-        (reach > std::fabs(x) ? 1 : 0) | (reach > std::fabs(y) ? 2 : 0) | (reach > std::fabs(z) ? 4 : 0);
-    if (reach > std::sqrt(x * x + y * y + z * z)) return SearchAll(*node, item);
+    const int planes = near_planes(position, box->centre, reach);
+    if (reach > distance(position, box->centre)) return SearchAll(*node, item);
     const CORXOcTreeGeneric* const below = node->children;
-    const int own = node->OctantOf(item);
+    const int own = node->OctantAt(item, box->centre);
     const auto [first, count] = kNearPlanes[planes];
     if (count == 0) {
       node = &below[own];

@@ -1,16 +1,21 @@
 // CORXOcTreeGeneric and CORXOcTreeNode: an octree of the host's items.
 //
 // What an item is and where it lies, only the host's callbacks know; the tree stores the pointers, null
-// included. A leaf that receives its `point limit`-th item splits at its centre into eight children, which
-// split in turn. Items may lie outside the box of the root, and have coordinates that are infinite or not
-// numbers: an item is where the locating callback puts it.
+// included. A leaf that receives its `point limit`-th item splits at its centre into eight children, and goes
+// on splitting, level by level, until its items part. Items may lie outside the box of the root, and have
+// coordinates that are infinite or not numbers: an item is where the locating callback puts it.
 //
-// A leaf that cannot split grows instead, and every search in it takes longer: 20 levels below the root
-// (a box of a millionth of the root's extent, where coincident items end up), when on no axis the centre lies
-// between the faces of the box, without a locating callback, or when memory is exhausted.
+// Items that no split can part stay in one leaf, which grows, and searches in it take longer: coincident
+// items, and those that the planes of the box do not reach. A leaf that has grown tries to split again when
+// it has doubled. A leaf also grows without a locating callback and when it runs out of memory.
 //
 // Octants are numbered 0 to 7: bit 0 is set on the low side of the centre in x, bit 1 in y, bit 2 in z. On
 // which side an item on the dividing plane lies is up to the host.
+//
+// Where a split goes down many levels before its items part, the tree keeps no nodes for the levels between;
+// it makes them when GetChild or another item asks for them. A search skips these levels after two calls of
+// the locating callback, which must put an item that is on the low side of a plane on the low side of every
+// higher plane too, and likewise for the high side.
 //
 //   SetFunctions -> SetPointLimit, SetTolerance -> Init -> AddNode -> searches and visits -> RemoveAll
 //
@@ -30,6 +35,11 @@ using ORXOcTreeLocateFn = int (*)(void* item, double centre_x, double centre_y, 
 // Releases the item in a slot of the tree.
 using ORXOcTreeFreeFn = void (*)(void** slot);
 using ORXOcTreeVisitFn = void (*)(int index, void* item, void* user);
+
+namespace orx {
+struct OcTreeLevels;
+struct OcTreeSides;
+}  // namespace orx
 
 // The box of a node. Nothing asks that the lower corner be below the upper.
 class ORX_API CORXOcTreeBB {
@@ -55,7 +65,7 @@ class ORX_API CORXOcTreeGeneric {
   virtual ~CORXOcTreeGeneric();
 
   // Makes the node a leaf without items; what it held is released first. `octant` is the host's to choose
-  // for a root. False when memory is exhausted; the node is then empty.
+  // for a root. False when memory runs out; the node is then empty.
   virtual bool Init(double min_x, double min_y, double min_z, double max_x, double max_y, double max_z,
                     int octant);
 
@@ -63,8 +73,7 @@ class ORX_API CORXOcTreeGeneric {
   // there is none, or no comparing callback.
   virtual void* FindNode(void* item);
 
-  // Always `item`. It is not stored in an empty node, nor when memory is exhausted and its leaf is full:
-  // GetCount then stays as it is.
+  // Always `item`. It is not stored in an empty node, nor when memory runs out: GetCount then stays as it is.
   virtual void* AddNode(void* item);
 
   // Calls the releasing callback, if there is one, for each item, and removes the children. The node is empty
@@ -99,23 +108,28 @@ class ORX_API CORXOcTreeGeneric {
   // The items of a leaf, PointCount() of them, valid until the next change; null in every other node.
   void** GetPoints() const;
   CORXOcTreeBB* GetBB();
-  // Null in a leaf, in an empty node, and for an octant that does not exist.
+  // Null in a leaf, in an empty node, and for an octant that does not exist. Null also when the level below
+  // was skipped and there is no memory for its nodes.
   CORXOcTreeGeneric* GetChild(int octant);
 
  protected:
-  // Makes eight children of a leaf and moves its items there. False when it cannot; the leaf is as it was.
+  // Splits a leaf by one level, whatever its box and its items. True when the node has children then, also
+  // when it had them before. False for an empty node and when memory runs out; the node is as it was.
   bool Subdivide();
 
   CORXOcTreeBB bb{};
   std::int16_t pointLimit;
 
  private:
-  std::int8_t level = 0;     // 0 at the root
-  std::int8_t sizeLog2 = 0;  // of `points`, which has a slot more than the leaf may hold
+  std::int8_t doublings = 0;  // of the number of items at which the leaf tries to split
+  std::int8_t sizeLog2 = 0;   // of `points`, which has a slot more than the leaf may hold
 
  protected:
   std::int32_t pointCount = 0;
-  void** points = nullptr;
+  union {
+    void** points = nullptr;     // of a leaf
+    orx::OcTreeLevels* skipped;  // of an inner node: the levels above its children, null for none
+  };
   CORXOcTreeGeneric* parent;  // that of the constructor: null in children that come from a split
   CORXOcTreeGeneric* children = nullptr;
   ORXOcTreeCompareFn compareFunc;
@@ -127,14 +141,29 @@ class ORX_API CORXOcTreeGeneric {
  private:
   friend class CORXOcTreeNode;
 
+  struct Parting;
+  struct Place;
+
+  int OctantAt(void* item, const CORXOcTreeBB::Point& centre) const;
   int OctantOf(void* item) const;
+  bool IsInside(void* item, const CORXOcTreeBB& box, const orx::OcTreeSides& sides) const;
+  bool SkipsLevels(void* item, int own) const;
+  Place Follow(void* item, int own) const;
   void* FirstMatch(void* item) const;
-  bool CanSplit() const;
+  bool IsFull() const;
   bool Store(void* item);
+  bool StoreInFullLeaf(void* item, int own);
   bool Append(void* item);
   bool Resize(int size_log2);
-  void MakeChild(int child_octant);
-  void Forget();
+  CORXOcTreeGeneric* Separate(void* item, int own);
+  Parting LocateAll(const CORXOcTreeBB& box) const;
+  bool IsInseparable(void* item, const CORXOcTreeBB& top) const;
+  CORXOcTreeGeneric* Split(const std::int8_t* path, int levels, const Parting& parting);
+  CORXOcTreeGeneric* NewChildren(const CORXOcTreeBB& box);
+  bool SplitBelow(const std::int8_t* octants, int count);
+  bool Distribute(void** items, int count, const Parting& parting);
+  void ForgetItems();
+  bool MakeLevel(int level);
 };
 
 // A root whose FindNode looks across the dividing planes. The items must begin with three doubles x, y, z.
@@ -152,6 +181,9 @@ class ORX_API CORXOcTreeNode : public CORXOcTreeGeneric {
   void* FindNodeAndNeighbours(void* item, bool neighbours);
 
  private:
+  static bool LooksInto(int number, const CORXOcTreeGeneric& node, const CORXOcTreeBB::Point& centre,
+                        void* item);
+  static bool LooksPastSkipped(const CORXOcTreeGeneric& node, void* item);
   static void* Search(const CORXOcTreeGeneric& top, void* item);
   static void* SearchAll(const CORXOcTreeGeneric& node, void* item);
 };

@@ -14,6 +14,7 @@
 #include <string>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -39,6 +40,16 @@ int is_same(void* a, void* b) {
 }
 int is_close(void* a, void* b) {
   return std::hypot(at(a).x - at(b).x, at(a).y - at(b).y, at(a).z - at(b).z) < 1.5 ? -1 : 0;
+}
+
+int locate_count = 0, compare_count = 0;
+int counted_locate(void* item, double x, double y, double z) {
+  ++locate_count;
+  return locate(item, x, y, z);
+}
+int counted_compare(void* a, void* b) {
+  ++compare_count;
+  return is_same(a, b);
 }
 
 std::ostringstream calls;  // what these two have been called with
@@ -72,10 +83,10 @@ Found all_of(CORXOcTreeGeneric& tree) {
 }
 
 void init(CORXOcTreeGeneric& tree, int limit, ORXOcTreeCompareFn compare = is_same,
-          ORXOcTreeLocateFn locator = locate) {
+          ORXOcTreeLocateFn locator = locate, double size = 8) {
   tree.SetFunctions(compare, locator, release);
   tree.SetPointLimit(limit);
-  ASSERT_TRUE(tree.Init(0, 0, 0, 8, 8, 8, 3));
+  ASSERT_TRUE(tree.Init(0, 0, 0, size, size, size, 3));
 }
 void add(CORXOcTreeGeneric& tree, Items& items) {
   for (Item& item : items) EXPECT_EQ(tree.AddNode(&item), &item);
@@ -105,13 +116,39 @@ void* sought(CORXOcTreeGeneric& node, Item& item, ORXOcTreeCompareFn compare, bo
   return nullptr;
 }
 
-// Every node keeps its shape, and every item lies where its octants lead.
-void check(CORXOcTreeGeneric& node, int limit, int level = 0) {
+// Whether no plane of the box parts the first `count` items of a leaf.
+bool are_inseparable(CORXOcTreeGeneric& leaf, int count) {
+  const auto is_inside = [](double a, double value, double b) {
+    return (a < value && value < b) || (b < value && value < a);
+  };
+  CORXOcTreeBB box = *leaf.GetBB();
+  while (true) {
+    const auto& [a, b, c] = box;
+    if (!is_inside(a.x, c.x, b.x) && !is_inside(a.y, c.y, b.y) && !is_inside(a.z, c.z, b.z)) return true;
+    const int octant = locate(leaf.GetPoints()[0], c.x, c.y, c.z);
+    for (int i = 1; i < count; ++i) {
+      if (locate(leaf.GetPoints()[i], c.x, c.y, c.z) != octant) return false;
+    }
+    const bool x = (octant & 1) != 0, y = (octant & 2) != 0, z = (octant & 4) != 0;
+    box = CORXOcTreeBB(x ? a.x : c.x, y ? a.y : c.y, z ? a.z : c.z, x ? c.x : b.x, y ? c.y : b.y,
+                       z ? c.z : b.z);
+  }
+}
+
+// Every node keeps its shape, and every item lies where its octants lead. `path` is that of the node.
+using Path = std::vector<std::pair<CORXOcTreeBB::Point, int>>;
+void check(CORXOcTreeGeneric& node, int limit, Path& path) {
   if (node.GetChild(0) == nullptr) {
-    EXPECT_TRUE(node.GetPoints() != nullptr && (node.PointCount() < limit || level == 20));
+    const int count = node.PointCount();
+    ASSERT_TRUE(node.GetPoints() != nullptr && (count < limit || are_inseparable(node, (count + 1) / 2)));
+    for (const auto& [centre, octant] : path) {
+      for (int i = 0; i < count; ++i) {
+        ASSERT_EQ(locate(node.GetPoints()[i], centre.x, centre.y, centre.z), octant);
+      }
+    }
     return;
   }
-  EXPECT_TRUE(node.GetPoints() == nullptr && node.PointCount() == 0 && level < 20);
+  EXPECT_TRUE(node.GetPoints() == nullptr && node.PointCount() == 0);
   const auto& [min, max, centre] = *node.GetBB();
   for (int i = 0; i < 8; ++i) {
     CORXOcTreeGeneric& child = *node.GetChild(i);
@@ -121,23 +158,31 @@ void check(CORXOcTreeGeneric& node, int limit, int level = 0) {
     EXPECT_EQ(std::tuple(low.x, low.y, low.z, high.x, high.y, high.z),
               std::tuple(x ? min.x : centre.x, y ? min.y : centre.y, z ? min.z : centre.z,
                          x ? centre.x : max.x, y ? centre.y : max.y, z ? centre.z : max.z));
-    for (void* item : all_of(child)) EXPECT_EQ(locate(item, centre.x, centre.y, centre.z), i);
-    check(child, limit, level + 1);
+    path.emplace_back(centre, i);
+    check(child, limit, path);
+    path.pop_back();
   }
 }
 
-// Coordinates of one kind each, for a box from 0 to 8.
+constexpr int kShapes = 8, kFar = 6;
+// Coordinates of one kind each, for a box from 0 to 8, and from shape `kFar` on to 2^101.
 Items shaped(int shape, std::mt19937& random) {
   std::uniform_real_distribution<double> uniform(0, 8);
-  const double odd[] = {0, -0.0, 4, 8, HUGE_VAL, -HUGE_VAL, NAN, DBL_MAX, DBL_MIN};
+  const double odd[] = {0, -0.0, 4, 8, HUGE_VAL, -HUGE_VAL, NAN, DBL_MAX, 0x1p-60};
   const auto value = [&] {
     if (shape == 1) return 4 + std::round(uniform(random)) / 100 + uniform(random) / 1e4;  // clustered
     if (shape == 2) return std::floor(uniform(random) * 4) / 4;  // on dividing planes, often coincident
     if (shape == 3) return 100 - 30 * uniform(random);           // mostly outside
     if (shape == 4) return odd[random() % std::size(odd)];
+    if (shape == 5) {  // close together, beside dividing planes
+      const double plane = random() % 2 == 0 ? 0.25 : 6.5;
+      return plane + (random() % 2 == 0 ? 1e-3 : -1e-3) + uniform(random) / 1e8;
+    }
+    if (shape == kFar) return std::ldexp(uniform(random), static_cast<int>(random() % 98));
+    if (shape == kFar + 1) return std::ldexp(std::round(uniform(random)), random() % 2 == 0 ? -9 : 60);
     return uniform(random);
   };
-  Items items(300);
+  Items items(200);
   for (Item& item : items) item = {value(), value(), value()};
   return items;
 }
@@ -145,25 +190,35 @@ Items shaped(int shape, std::mt19937& random) {
 template <class Root>
 void agree_with_brute_force(bool across) {
   std::mt19937 random(7);
-  for (int run = 0; run < 40; ++run) {
-    const int shape = run % 5, limit = run % 3 == 0 ? 64 : 2 + run % 4;
+  for (int run = 0; run < 80; ++run) {
+    const int shape = run % kShapes, limit = run % 3 == 0 ? 64 : 2 + run % 5;
     SCOPED_TRACE("shape " + std::to_string(shape) + " limit " + std::to_string(limit));
     const ORXOcTreeCompareFn compare = run % 2 == 0 ? is_same : is_close;
-    Items items = shaped(shape, random), probes = shaped(run % 7 == 0 ? 0 : shape, random);
+    Items items = shaped(shape, random), probes = shaped(run % 11 == 0 ? 0 : shape, random);
     Root tree;
-    tree.SetTolerance(run % 4 == 0 ? 1.5 : 0.2);
-    init(tree, run % 11 < 3 ? 10 : limit, compare, run % 6 == 0 ? far_off : locate);
+    const double size = shape < kFar ? 8 : std::ldexp(1, 101);
+    tree.SetTolerance(run % 3 == 0 ? 1.5 : run % 3 == 1 ? 0.2 : 0.0012);
+    init(tree, run % 11 < 3 ? 10 : limit, compare, run % 6 == 0 ? far_off : locate, size);
+    const double left = run % 5 == 0 ? size : 0;  // sometimes x is reversed
+    EXPECT_TRUE(tree.Init(left, 0, 0, size - left, size, size, 3));
     tree.SetPointLimit(limit);  // raised or lowered
     add(tree, items);
-    check(tree, limit);
     const Found found = all_of(tree);
     EXPECT_EQ(std::set<void*>(found.begin(), found.end()).size(), items.size());
     probes.insert(probes.end(), items.begin(), items.end());
+    Found matches;  // before GetChild has made the nodes of levels that were skipped
     for (Item& probe : probes) {
-      int matches = 0;
-      for (Item& item : items) matches += compare(&item, &probe) != 0 ? 1 : 0;
-      EXPECT_EQ(tree.SuperFindNode(&probe), matches);
-      EXPECT_EQ(tree.FindNode(&probe), sought(tree, probe, compare, across));
+      int count = 0;
+      for (Item& item : items) count += compare(&item, &probe) != 0 ? 1 : 0;
+      EXPECT_EQ(tree.SuperFindNode(&probe), count);
+      matches.push_back(tree.FindNode(&probe));
+    }
+    Path path;
+    check(tree, limit, path);
+    for (Item& probe : probes) {
+      void* const match = sought(tree, probe, compare, across);
+      EXPECT_EQ(matches[static_cast<std::size_t>(&probe - probes.data())], match);
+      EXPECT_EQ(tree.FindNode(&probe), match);
     }
   }
 }
@@ -186,6 +241,77 @@ TEST(Octree, CallsBackInOrder) {
   EXPECT_EQ(tree.SuperFindNode(&probe), 2);
   EXPECT_EQ(calls_made(), "2=9 4=9 1=9 3=9 ");
   EXPECT_EQ(all_of(tree), (Found{&items[1], &items[3], &items[0], &items[2]}));
+  CORXOcTreeGeneric deep;
+  init(deep, 2, logged_compare, logged_locate);
+  Items close = {{1, 1, 1, 1}, {1.3, 1, 1, 2}};
+  add(deep, close);  // level by level
+  EXPECT_EQ(calls_made(),
+            "1@4 2@4 1@4 1@2 2@2 1@2 1@1 2@1 1@1 1@1.5 2@1.5 1@1.5 1@1.25 2@1.25 1@1.25 1@1.125 2@1.375 ");
+}
+
+TEST(Octree, ReachesItemsInFewCallsInEveryRegion) {
+  const struct {
+    double low, high, stray;
+  } rows[] = {{0, 1e3, 1},        {-1e4, 1e4, 1},  {-1e5, 1e5, 1},        {-1e8, 1e8, 1},    {-1e15, 1e15, 1},
+              {0, DBL_MAX, 1e10}, {0, 1e30, 1e30}, {-1e300, 1e3, -1e300}, {-1e9, 1e10, 1e10}};
+  for (const auto& [low, high, stray] : rows) {
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> uniform(0, 1000);
+    Items items(20'000);
+    for (Item& item : items) item = {uniform(random), uniform(random), uniform(random)};
+    items[50].x = stray;
+    CORXOcTreeNode tree;
+    tree.SetFunctions(counted_compare, counted_locate, nullptr);
+    ASSERT_TRUE(tree.Init(low, low, low, high, high, high, 0));
+    add(tree, items);
+    locate_count = compare_count = 0;
+    for (Item& item : items) EXPECT_EQ(tree.FindNode(&item), &item);
+    EXPECT_LT(compare_count, 40 * 20'000) << low << ' ' << high;
+    EXPECT_LT(locate_count, 14 * 20'000) << low << ' ' << high;
+  }
+}
+
+TEST(Octree, TriesToPartCoincidentItemsSeldom) {
+  for (const double place : {5.0, 0.0}) {  // a box beside 0 has a thousand levels
+    CORXOcTreeGeneric tree;
+    init(tree, 64, is_same, counted_locate);
+    Items items(2000, Item{place, place, place});
+    locate_count = 0;
+    add(tree, items);
+    EXPECT_LT(locate_count, 2000 * 500) << place;
+    EXPECT_EQ(tree.PointCount(), 2000);
+    Items others(2100, Item{7, 7, 7});
+    add(tree, others);  // when there are twice as many, the two kinds part
+    EXPECT_EQ(tree.PointCount(), 0);
+  }
+}
+
+class Eager : public CORXOcTreeGeneric {
+ public:
+  using CORXOcTreeGeneric::Subdivide;
+  void* AddNode(void* item) override {
+    EXPECT_EQ(Subdivide(), octant >= 0);
+    return CORXOcTreeGeneric::AddNode(item);
+  }
+};
+
+TEST(Octree, SubdividesDegenerateNodes) {
+  const double boxes[][2] = {{0, 8}, {8, 0}, {5, 5}, {NAN, NAN}, {-HUGE_VAL, HUGE_VAL}, {NAN, 1}};
+  for (const auto& [low, high] : boxes) {
+    for (const ORXOcTreeLocateFn locator : {locate, static_cast<ORXOcTreeLocateFn>(nullptr)}) {
+      Items items(100, Item{5, 5, 5});
+      Eager tree;
+      tree.AddNode(&items[0]);  // not initialised
+      init(tree, 4, is_same, locator);
+      ASSERT_TRUE(tree.Init(low, low, low, high, high, high, 0));
+      EXPECT_TRUE(tree.Subdivide() && tree.Subdivide());
+      add(tree, items);
+      EXPECT_TRUE(tree.GetCount() == 100 && tree.PointCount() == 0) << low << ' ' << high;
+      EXPECT_EQ(tree.FindNode(&items[9]), &items[0]);
+      tree.RemoveAll();
+      EXPECT_FALSE(tree.Subdivide());
+    }
+  }
 }
 
 TEST(Octree, SearchesNeighboursInTheirOrder) {
@@ -243,12 +369,13 @@ TEST(Octree, GrowsWhereItCannotSplit) {
     tree.SetFunctions(is_same, locate, nullptr);
     ASSERT_TRUE(tree.Init(box[0], box[1], box[2], box[3], box[4], box[5], 0));
     Items items(i % 3 == 0 ? 40'000 : 100, Item{5, 5, 5});
+    for (Item& item : items) item = (&item - items.data()) % 2 == 0 ? item : Item{1, 1, 1};
     const int count = static_cast<int>(items.size());
     add(tree, items);
     EXPECT_EQ(tree.GetCount(), count) << low << ' ' << high;
     EXPECT_EQ(tree.GetChild(0) != nullptr, splits) << low << ' ' << high;
-    EXPECT_EQ(tree.FindNode(&items[9]), &items[0]);
-    EXPECT_EQ(tree.SuperFindNode(&items[9]), count);
+    EXPECT_EQ(tree.FindNode(&items[9]), &items[1]);
+    EXPECT_EQ(tree.SuperFindNode(&items[9]), count / 2);
   }
 }
 
@@ -279,12 +406,12 @@ TEST(Octree, TakesCallbacksThatAreMissing) {
   CORXOcTreeNode heap;
   init(heap, 4, is_same, nullptr);
   add(heap, items);
-  EXPECT_EQ(heap.PointCount(), 300);
+  EXPECT_EQ(heap.PointCount(), 200);
   for (Item& item : items) EXPECT_EQ(heap.FindNode(&item), &item);
   int counter = INT_MAX;
   heap.Iterate(nullptr, nullptr, counter);
   heap.Iterate([](int, void*, void*) {}, nullptr, counter);
-  EXPECT_EQ(counter, INT_MIN + 299);
+  EXPECT_EQ(counter, INT_MIN + 199);
   CORXOcTreeGeneric mute;
   init(mute, 500, nullptr);
   add(mute, items);
@@ -293,8 +420,8 @@ TEST(Octree, TakesCallbacksThatAreMissing) {
 
 TEST(Octree, KeepsWhatItHasWhenMemoryRunsOut) {
   std::mt19937 random(11);
-  Items items = shaped(1, random);
   for (int allowed = 0; allowed < 60; ++allowed) {
+    Items items = shaped(allowed % 2 == 0 ? 1 : kFar, random);
     released.clear();
     std::multiset<void*> stored;
     {
@@ -303,9 +430,9 @@ TEST(Octree, KeepsWhatItHasWhenMemoryRunsOut) {
       tree.SetPointLimit(2 + allowed % 9);
       orx::testing::allocations_left = allowed;
       errno = 7;
-      EXPECT_EQ(tree.Init(0, 0, 0, 8, 8, 8, 0), allowed > 0);
+      EXPECT_EQ(tree.Init(0, 0, 0, items[0].x, 1e30, 8, 0), allowed > 0);
       for (Item& item : items) {
-        const bool is_plenty = &item - items.data() > 200;
+        const bool is_plenty = &item - items.data() > 130;
         if (is_plenty) orx::testing::allocations_left = INT_MAX;
         const int before = tree.GetCount();
         EXPECT_EQ(tree.AddNode(&item), &item);
