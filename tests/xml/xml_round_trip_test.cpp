@@ -68,8 +68,8 @@ class Builder {
                                   "1",
                                   "a b",
                                   "\xC3",
-                                  "a\x94"
-                                  "b",
+                                  ("a\x94"
+                                   "b"),
                                   "\uFFFE"};
     return pieces[Pick(static_cast<int>(std::size(pieces)))];
   }
