@@ -372,7 +372,8 @@ CORXOcTreeGeneric* CORXOcTreeGeneric::Split(const std::int8_t* path, int levels,
 bool CORXOcTreeGeneric::SplitBelow(const std::int8_t* octants, int count) {
   Levels levels = make_levels(bb, octants, count);
   if (levels == nullptr && count > 0) return false;
-  children = NewChildren(levels != nullptr ? levels->box : bb);
+  const auto* const last = levels.get();
+  children = NewChildren(last != nullptr ? last->box : bb);
   if (children != nullptr) skipped = levels.release();
   return children != nullptr;
 }
@@ -427,7 +428,8 @@ bool CORXOcTreeGeneric::MakeLevel(int level) {
   const int own = octants[level];
   const int count_below = skipped->count - level - 1;
   Levels above = make_levels(bb, octants, level);
-  CORXOcTreeBB box = above != nullptr ? above->box : bb;
+  const auto* const last = above.get();
+  CORXOcTreeBB box = last != nullptr ? last->box : bb;
   Levels below = make_levels(box_of_child(box, own), octants + level + 1, count_below);
   const bool has_levels = (above != nullptr || level == 0) && (below != nullptr || count_below == 0);
   CORXOcTreeGeneric* const nodes = has_levels ? NewChildren(box) : nullptr;

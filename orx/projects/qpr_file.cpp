@@ -29,9 +29,9 @@ enum class Kind { kText, kPlatform, kNumber };
 struct Property {
   const char* name;
   Kind kind;
+  int length;  // of the longest text in characters
   std::size_t offset;
   std::size_t size;  // of the field in bytes
-  int length;        // of the longest text in characters
 
   char* Text(QPRInfo& info) const { return reinterpret_cast<char*>(&info) + offset; }
   int& Number(QPRInfo& info) const {
@@ -41,23 +41,23 @@ struct Property {
 
 // In the order in which they are written.
 constexpr Property kProperties[] = {
-    {"SiteName", Kind::kText, offsetof(QPRInfo, SiteName), sizeof(QPRInfo::SiteName), ORX_SITE_NAME_LENGTH},
-    {"SiteDatabase", Kind::kText, offsetof(QPRInfo, SiteDatabase), sizeof(QPRInfo::SiteDatabase),
-     ORX_SITE_DATABASE_LENGTH},
-    {"SiteDatabasePlatform", Kind::kPlatform, offsetof(QPRInfo, SiteDatabasePlatform), sizeof(int), 0},
-    {"SiteDatabaseServerName", Kind::kText, offsetof(QPRInfo, SiteDatabaseServerName),
-     sizeof(QPRInfo::SiteDatabaseServerName), ORX_SERVER_NAME_LENGTH},
-    {"ProjectName", Kind::kText, offsetof(QPRInfo, ProjectName), sizeof(QPRInfo::ProjectName),
-     ORX_PROJECT_NAME_LENGTH},
-    {"DataGroupName", Kind::kText, offsetof(QPRInfo, DataGroupName), sizeof(QPRInfo::DataGroupName),
-     ORX_DATA_GROUP_NAME_LENGTH},
-    {"Coordinates", Kind::kText, offsetof(QPRInfo, Coordinates), sizeof(QPRInfo::Coordinates),
-     ORX_COORDINATES_LENGTH},
-    {"Description", Kind::kText, offsetof(QPRInfo, Description), sizeof(QPRInfo::Description),
-     ORX_DESCRIPTION_LENGTH},
-    {"MajorVersion", Kind::kNumber, offsetof(QPRInfo, MajorVersion), sizeof(int), 0},
-    {"MinorVersion", Kind::kNumber, offsetof(QPRInfo, MinorVersion), sizeof(int), 0},
-    {"ReleaseVersion", Kind::kNumber, offsetof(QPRInfo, ReleaseVersion), sizeof(int), 0},
+    {"SiteName", Kind::kText, ORX_SITE_NAME_LENGTH, offsetof(QPRInfo, SiteName), sizeof(QPRInfo::SiteName)},
+    {"SiteDatabase", Kind::kText, ORX_SITE_DATABASE_LENGTH, offsetof(QPRInfo, SiteDatabase),
+     sizeof(QPRInfo::SiteDatabase)},
+    {"SiteDatabasePlatform", Kind::kPlatform, 0, offsetof(QPRInfo, SiteDatabasePlatform), sizeof(int)},
+    {"SiteDatabaseServerName", Kind::kText, ORX_SERVER_NAME_LENGTH, offsetof(QPRInfo, SiteDatabaseServerName),
+     sizeof(QPRInfo::SiteDatabaseServerName)},
+    {"ProjectName", Kind::kText, ORX_PROJECT_NAME_LENGTH, offsetof(QPRInfo, ProjectName),
+     sizeof(QPRInfo::ProjectName)},
+    {"DataGroupName", Kind::kText, ORX_DATA_GROUP_NAME_LENGTH, offsetof(QPRInfo, DataGroupName),
+     sizeof(QPRInfo::DataGroupName)},
+    {"Coordinates", Kind::kText, ORX_COORDINATES_LENGTH, offsetof(QPRInfo, Coordinates),
+     sizeof(QPRInfo::Coordinates)},
+    {"Description", Kind::kText, ORX_DESCRIPTION_LENGTH, offsetof(QPRInfo, Description),
+     sizeof(QPRInfo::Description)},
+    {"MajorVersion", Kind::kNumber, 0, offsetof(QPRInfo, MajorVersion), sizeof(int)},
+    {"MinorVersion", Kind::kNumber, 0, offsetof(QPRInfo, MinorVersion), sizeof(int)},
+    {"ReleaseVersion", Kind::kNumber, 0, offsetof(QPRInfo, ReleaseVersion), sizeof(int)},
 };
 
 const Property* find_property(const char* name) {

@@ -137,8 +137,10 @@ void expect_same(COrxXMLDoc& document, IXMLDOMNode* node, const Model& model, bo
     EXPECT_EQ(document.GetXMLAttribute(node, name.c_str(), text), 1) << name;
     EXPECT_EQ(text, narrow(value, false)) << name;
   }
-  if (const auto space = model.attributes.find("xml:space"); space != model.attributes.end())
-    keeps_space = space->second == L"preserve" || (keeps_space && space->second != L"default");
+  if (const auto space = model.attributes.find("xml:space"); space != model.attributes.end()) {
+    const std::string mode = narrow(space->second, false);
+    keeps_space = mode == "preserve" || (keeps_space && mode != "default");
+  }
   if (model.children.empty()) {
     ASSERT_EQ(document.GetXMLValue(node, text), 1);
     EXPECT_EQ(text, narrow(model.text, !keeps_space));
