@@ -1,7 +1,8 @@
-// What the subcommands do. Each writes what it shows to `out` and raises Failure when it cannot be done;
-// nothing is then saved.
+// The subcommands, with one record of arguments for each group. A command writes its output to `out`. It
+// raises Failure when it cannot do its work, and then it has saved nothing.
 #pragma once
 
+#include <functional>
 #include <limits>
 #include <optional>
 #include <ostream>
@@ -12,80 +13,119 @@
 
 namespace orx::cli {
 
-struct Arguments {
+struct ProjectArguments {
+  std::string file;
+  std::vector<std::string> settings;  // each NAME=VALUE
+  bool overwrite = false;
+  Format format = Format::kText;
+};
+
+struct ListArguments {
   std::string file;
   std::string name;
   std::string path;
-  std::vector<std::string> settings;  // each NAME=VALUE
-  Format format = Format::kText;
-  bool overwrite = false;
   bool make_default = false;
   bool no_default = false;
+  Format format = Format::kText;
+};
 
+struct RegistryArguments {
   std::string key;
   std::optional<std::string> value;  // the name of a value
   std::string data;
   std::string type;
+  std::string file;
   bool tree = false;
+  Format format = Format::kText;
+};
 
+struct DateArguments {
   std::string text;
   std::string order;
   std::string kind;
   bool full = false;
+  Format format = Format::kText;
+};
 
+struct AngleArguments {
+  std::string text;
+  std::string mode;
   bool packed = false;
   bool degrees = false;
+  Format format = Format::kText;
+};
+
+struct FieldArguments {
+  std::string type;
+  std::string text;
   std::optional<int> subtype;
   std::optional<std::string> low;
   std::optional<std::string> high;
   int size = std::numeric_limits<int>::max();
+  Format format = Format::kText;
+};
 
-  std::string plane;  // the coordinates of three points, with commas
-  std::optional<std::string> tolerance;
-  std::optional<std::string> svg;  // the file to draw in
-
+struct LogArguments {
   int count = 0;
   bool follow = false;
   bool thread_log = false;
+  Format format = Format::kText;
 };
 
-using Command = void (*)(const Arguments& arguments, std::ostream& out);
+struct KeyArguments {
+  int count = 0;
+  Format format = Format::kText;
+};
 
-void project_show(const Arguments& arguments, std::ostream& out);
-void project_verify(const Arguments& arguments, std::ostream& out);
-void project_new(const Arguments& arguments, std::ostream& out);
-void project_set(const Arguments& arguments, std::ostream& out);
-void project_upgrade(const Arguments& arguments, std::ostream& out);
+struct SectionArguments {
+  std::string file;
+  std::string plane;  // the coordinates of three points, with commas
+  std::optional<std::string> tolerance;
+  std::optional<std::string> svg;  // the file to draw in
+  Format format = Format::kText;
+};
 
-void list_show(const Arguments& arguments, std::ostream& out);
-void list_add(const Arguments& arguments, std::ostream& out);
-void list_remove(const Arguments& arguments, std::ostream& out);
-void list_default(const Arguments& arguments, std::ostream& out);
+struct PlatformArguments {
+  Format format = Format::kText;
+};
 
-void registry_get(const Arguments& arguments, std::ostream& out);
-void registry_set(const Arguments& arguments, std::ostream& out);
-void registry_list(const Arguments& arguments, std::ostream& out);
-void registry_delete(const Arguments& arguments, std::ostream& out);
-void registry_export(const Arguments& arguments, std::ostream& out);
-void registry_import(const Arguments& arguments, std::ostream& out);
+using Command = std::function<void(std::ostream& out)>;
 
-void date_parse(const Arguments& arguments, std::ostream& out);
-void date_format(const Arguments& arguments, std::ostream& out);
-void date_now(const Arguments& arguments, std::ostream& out);
+void project_show(const ProjectArguments& arguments, std::ostream& out);
+void project_verify(const ProjectArguments& arguments, std::ostream& out);
+void project_new(const ProjectArguments& arguments, std::ostream& out);
+void project_set(const ProjectArguments& arguments, std::ostream& out);
+void project_upgrade(const ProjectArguments& arguments, std::ostream& out);
 
-void angle_read(const Arguments& arguments, std::ostream& out);
-void angle_write(const Arguments& arguments, std::ostream& out);
+void list_show(const ListArguments& arguments, std::ostream& out);
+void list_add(const ListArguments& arguments, std::ostream& out);
+void list_remove(const ListArguments& arguments, std::ostream& out);
+void list_default(const ListArguments& arguments, std::ostream& out);
 
-void field(const Arguments& arguments, std::ostream& out);
+void registry_get(const RegistryArguments& arguments, std::ostream& out);
+void registry_set(const RegistryArguments& arguments, std::ostream& out);
+void registry_list(const RegistryArguments& arguments, std::ostream& out);
+void registry_delete(const RegistryArguments& arguments, std::ostream& out);
+void registry_export(const RegistryArguments& arguments, std::ostream& out);
+void registry_import(const RegistryArguments& arguments, std::ostream& out);
 
-void log_path(const Arguments& arguments, std::ostream& out);
-// Following flushes `out` as lines come, and goes on until the process is asked to end.
-void log_tail(const Arguments& arguments, std::ostream& out);
+void date_parse(const DateArguments& arguments, std::ostream& out);
+void date_format(const DateArguments& arguments, std::ostream& out);
+void date_now(const DateArguments& arguments, std::ostream& out);
 
-void key_new(const Arguments& arguments, std::ostream& out);
+void angle_read(const AngleArguments& arguments, std::ostream& out);
+void angle_write(const AngleArguments& arguments, std::ostream& out);
 
-void section(const Arguments& arguments, std::ostream& out);
+void field(const FieldArguments& arguments, std::ostream& out);
 
-void platforms(const Arguments& arguments, std::ostream& out);
+void log_path(const LogArguments& arguments, std::ostream& out);
+// With `follow` it flushes `out` as lines arrive, until the process receives SIGINT or SIGTERM.
+void log_tail(const LogArguments& arguments, std::ostream& out);
+
+void key_new(const KeyArguments& arguments, std::ostream& out);
+
+void section(const SectionArguments& arguments, std::ostream& out);
+
+void platforms(const PlatformArguments& arguments, std::ostream& out);
 
 }  // namespace orx::cli

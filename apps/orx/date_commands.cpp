@@ -36,7 +36,7 @@ constexpr Word kKinds[] = {{"", orxDateTimeFull},
                            {"time", orxDateTimeTime},
                            {"number", orxDateTimeNumber}};
 
-DateTime new_record(const Arguments& arguments) {
+DateTime new_record(const DateArguments& arguments) {
   const auto is = [](const std::string& word) { return [&](const Word& row) { return row.word == word; }; };
   DateTime record(orxDateTime_New(std::ranges::find_if(kKinds, is(arguments.kind))->number));
   if (record == nullptr) throw std::bad_alloc();
@@ -89,7 +89,7 @@ void require_in_range(const DateTime& record, const std::string& text) {
 
 }  // namespace
 
-void date_parse(const Arguments& arguments, std::ostream& out) {
+void date_parse(const DateArguments& arguments, std::ostream& out) {
   const DateTime record = new_record(arguments);
   const int result = orxDateTime_ParseString(record.get(), arguments.text.c_str());
   if (result != 0) throw Failure(arguments.text, reason_of(record, result));
@@ -97,7 +97,7 @@ void date_parse(const Arguments& arguments, std::ostream& out) {
   write(out, described(record), arguments.format);
 }
 
-void date_format(const Arguments& arguments, std::ostream& out) {
+void date_format(const DateArguments& arguments, std::ostream& out) {
   const DateTime record = new_record(arguments);
   double value = 0;
   if (!read_number(arguments.text, value)) throw Failure(arguments.text, "it is no number");
@@ -109,7 +109,7 @@ void date_format(const Arguments& arguments, std::ostream& out) {
       << '\n';
 }
 
-void date_now(const Arguments& arguments, std::ostream& out) {
+void date_now(const DateArguments& arguments, std::ostream& out) {
   const DateTime record = new_record(arguments);
   orxDateTime_SetToCurrent(record.get());
   write(out, described(record), arguments.format);

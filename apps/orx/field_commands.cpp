@@ -18,7 +18,7 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 
-int mode_of(const Arguments& arguments) { return find_type(Among::kAngles, arguments.type)->number; }
+int mode_of(const AngleArguments& arguments) { return find_type(Among::kAngles, arguments.mode)->number; }
 
 Record angle_record(double radians) { return {{"Radians", radians}, {"Degrees", radians / kPi * 180}}; }
 
@@ -71,13 +71,13 @@ Record field_record(const ValueKind& kind, const Imported& imported) {
 
 }  // namespace
 
-void angle_read(const Arguments& arguments, std::ostream& out) {
+void angle_read(const AngleArguments& arguments, std::ostream& out) {
   const double radians =
       zel_convert_str_to_ang(mode_of(arguments), arguments.text.c_str(), static_cast<int>(arguments.packed));
   write(out, angle_record(radians), arguments.format);
 }
 
-void angle_write(const Arguments& arguments, std::ostream& out) {
+void angle_write(const AngleArguments& arguments, std::ostream& out) {
   double radians = 0;
   if (!read_number(arguments.text, radians)) throw Failure(arguments.text, "it is no number");
   if (arguments.degrees) radians = radians / 180 * kPi;
@@ -91,7 +91,7 @@ void angle_write(const Arguments& arguments, std::ostream& out) {
   out << text.data() << '\n';
 }
 
-void field(const Arguments& arguments, std::ostream& out) {
+void field(const FieldArguments& arguments, std::ostream& out) {
   const FieldType& type = *find_type(Among::kTypes, arguments.type);
   const Limit low(type, "--low", arguments.low);
   const Limit high(type, "--high", arguments.high);

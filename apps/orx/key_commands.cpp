@@ -4,7 +4,7 @@
 
 namespace orx::cli {
 
-void key_new(const Arguments& arguments, std::ostream& out) {
+void key_new(const KeyArguments& arguments, std::ostream& out) {
   Table table{{"Key"}, {}};
   char key[64];
   char stamp[32] = "";

@@ -15,7 +15,7 @@ std::string default_of(const CQPLFile& list) {
   return name.GetString();
 }
 
-void require_listed(const CQPLFile& list, const Arguments& arguments) {
+void require_listed(const CQPLFile& list, const ListArguments& arguments) {
   CStringA path;
   if (list.GetProject(arguments.name.c_str(), path) == 0) {
     throw Failure(arguments.file, "lists no project '" + arguments.name + "'");
@@ -24,7 +24,7 @@ void require_listed(const CQPLFile& list, const Arguments& arguments) {
 
 }  // namespace
 
-void list_show(const Arguments& arguments, std::ostream& out) {
+void list_show(const ListArguments& arguments, std::ostream& out) {
   CQPLFile list;
   load(list, arguments.file);
   const std::string default_name = default_of(list);
@@ -37,7 +37,7 @@ void list_show(const Arguments& arguments, std::ostream& out) {
   write(out, table, arguments.format);
 }
 
-void list_add(const Arguments& arguments, std::ostream&) {
+void list_add(const ListArguments& arguments, std::ostream&) {
   CQPLFile list;
   if (exists(arguments.file)) {
     load(list, arguments.file);
@@ -57,7 +57,7 @@ void list_add(const Arguments& arguments, std::ostream&) {
   save(list, arguments.file);
 }
 
-void list_remove(const Arguments& arguments, std::ostream&) {
+void list_remove(const ListArguments& arguments, std::ostream&) {
   CQPLFile list;
   load(list, arguments.file);
   require_listed(list, arguments);
@@ -67,7 +67,7 @@ void list_remove(const Arguments& arguments, std::ostream&) {
   save(list, arguments.file);
 }
 
-void list_default(const Arguments& arguments, std::ostream& out) {
+void list_default(const ListArguments& arguments, std::ostream& out) {
   CQPLFile list;
   load(list, arguments.file);
   if (arguments.name.empty() && !arguments.no_default) {

@@ -27,7 +27,7 @@ volatile std::sig_atomic_t was_asked_to_end = 0;
 
 void ask_to_end(int /*signal*/) { was_asked_to_end = 1; }
 
-std::string log_file(const Arguments& arguments) {
+std::string log_file(const LogArguments& arguments) {
   std::array<char, kLongestName + 1> folder{};
   GetApplicationDataPath(folder.data(), kLongestName);
   std::string name = folder.data();
@@ -126,13 +126,13 @@ void follow(Reader& reader, std::ostream& out) {
 
 }  // namespace
 
-void log_path(const Arguments& arguments, std::ostream& out) {
+void log_path(const LogArguments& arguments, std::ostream& out) {
   const std::string path = log_file(arguments);
   if (arguments.format == Format::kJson) return write(out, Record{{"Path", path}}, Format::kJson);
   out << one_line(path) << '\n';
 }
 
-void log_tail(const Arguments& arguments, std::ostream& out) {
+void log_tail(const LogArguments& arguments, std::ostream& out) {
   const std::string path = log_file(arguments);
   Reader reader(path);
   if (!reader.Skip(arguments.count) && !(arguments.follow && errno == ENOENT)) {

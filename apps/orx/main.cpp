@@ -49,11 +49,10 @@ void run(int argc, const char* const* argv) {
   Screen screen;
   std::ostream out(&screen);
   out.exceptions(std::ios::badbit);
-  orx::cli::Arguments arguments;
-  const orx::cli::Command command = orx::cli::parse(argc, argv, arguments, out);
+  const orx::cli::Command command = orx::cli::parse(argc, argv, out);
   std::optional<Failure> failure;
   try {
-    if (command != nullptr) command(arguments, out);
+    if (command) command(out);
   } catch (const Failure& caught) {
     failure = caught;
   }

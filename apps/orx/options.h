@@ -12,8 +12,9 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The command that was asked for, with `arguments` filled in; or null when the command line asked for a text
-// that is already written to `out` (--help, --version). Raises UsageError.
-Command parse(int argc, const char* const* argv, Arguments& arguments, std::ostream& out);
+// Returns the command with its arguments. Returns an empty command when the command line asked only for
+// --help or
+// --version; that text is then already written to `out`. Raises UsageError.
+Command parse(int argc, const char* const* argv, std::ostream& out);
 
 }  // namespace orx::cli

@@ -22,7 +22,7 @@ std::vector<Value> row_of(const CStringA& long_name, const CStringA& short_name)
 
 }  // namespace
 
-void platforms(const Arguments& arguments, std::ostream& out) {
+void platforms(const PlatformArguments& arguments, std::ostream& out) {
   CAtlArray<CStringA> long_names;
   CAtlArray<CStringA> short_names;
   CDbPlatformUtil::GetPlatformNameList(&long_names, 1);

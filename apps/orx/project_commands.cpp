@@ -59,7 +59,7 @@ void require_base_path(const CQPRFile& project, const std::string& file) {
   }
 }
 
-void apply_settings(CQPRFile& project, const Arguments& arguments) {
+void apply_settings(CQPRFile& project, const ProjectArguments& arguments) {
   QPRInfo& info = *project.GetQPRInfo();
   std::string reason;
   for (const std::string& setting : arguments.settings) {
@@ -83,7 +83,7 @@ void save_valid(CQPRFile& project, const std::string& file) {
 
 }  // namespace
 
-void project_show(const Arguments& arguments, std::ostream& out) {
+void project_show(const ProjectArguments& arguments, std::ostream& out) {
   // Loaded in the place of the current project, but not verified: a broken project is shown too.
   CQPRFile& project = *GetCurrentQPRInfo();
   load(project, arguments.file);
@@ -103,7 +103,7 @@ void project_show(const Arguments& arguments, std::ostream& out) {
   write(out, record, arguments.format);
 }
 
-void project_verify(const Arguments& arguments, std::ostream& out) {
+void project_verify(const ProjectArguments& arguments, std::ostream& out) {
   const std::string problem = problem_of(arguments.file);
   const bool valid = problem.empty();
   if (arguments.format == Format::kJson) {
@@ -115,7 +115,7 @@ void project_verify(const Arguments& arguments, std::ostream& out) {
   if (!valid) throw Failure(arguments.file, problem);
 }
 
-void project_new(const Arguments& arguments, std::ostream&) {
+void project_new(const ProjectArguments& arguments, std::ostream&) {
   CQPRFile project;
   attach(project, arguments.file);
   require_base_path(project, arguments.file);
@@ -128,14 +128,14 @@ void project_new(const Arguments& arguments, std::ostream&) {
   save_valid(project, arguments.file);
 }
 
-void project_set(const Arguments& arguments, std::ostream&) {
+void project_set(const ProjectArguments& arguments, std::ostream&) {
   CQPRFile project;
   load(project, arguments.file);
   apply_settings(project, arguments);
   save_valid(project, arguments.file);
 }
 
-void project_upgrade(const Arguments& arguments, std::ostream&) {
+void project_upgrade(const ProjectArguments& arguments, std::ostream&) {
   CQPRFile project;
   load(project, arguments.file);
   if (project.VerifyProjectVersion() == enProjectVersionNewer) {

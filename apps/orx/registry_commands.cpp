@@ -63,7 +63,7 @@ KeyName key_of(const TreeDocument& document, const std::string& file) {
 
 }  // namespace
 
-void registry_get(const Arguments& arguments, std::ostream& out) {
+void registry_get(const RegistryArguments& arguments, std::ostream& out) {
   const KeyName key = key_named(arguments.key);
   const StoredValue value = read_value(key, arguments.value.value_or(""));
   Form form = form_of(value);
@@ -84,7 +84,7 @@ void registry_get(const Arguments& arguments, std::ostream& out) {
         Format::kJson);
 }
 
-void registry_set(const Arguments& arguments, std::ostream&) {
+void registry_set(const RegistryArguments& arguments, std::ostream&) {
   const KeyName key = key_named(arguments.key);
   StoredValue value{arguments.value.value_or(""), REG_NONE, {}};
   std::string reason;
@@ -94,7 +94,7 @@ void registry_set(const Arguments& arguments, std::ostream&) {
   write_value(key, value);
 }
 
-void registry_list(const Arguments& arguments, std::ostream& out) {
+void registry_list(const RegistryArguments& arguments, std::ostream& out) {
   const KeyName key = key_named(arguments.key);
   const Tree tree = read_tree(key);
   if (arguments.format == Format::kJson) return write_json(out, key, tree);
@@ -102,7 +102,7 @@ void registry_list(const Arguments& arguments, std::ostream& out) {
   list(out, tree, "  ");
 }
 
-void registry_delete(const Arguments& arguments, std::ostream&) {
+void registry_delete(const RegistryArguments& arguments, std::ostream&) {
   const KeyName key = key_named(arguments.key);
   if (arguments.value) return delete_value(key, *arguments.value);
   if (key.path.empty() || CStringA(key.path.c_str()).CompareNoCase("Software") == 0) {
@@ -114,7 +114,7 @@ void registry_delete(const Arguments& arguments, std::ostream&) {
   if (status != ERROR_SUCCESS) throw refusal(key, status, Use::kWrite);
 }
 
-void registry_export(const Arguments& arguments, std::ostream& out) {
+void registry_export(const RegistryArguments& arguments, std::ostream& out) {
   const KeyName key = key_named(arguments.key);
   const Tree tree = read_tree(key);
   if (arguments.file.empty()) return write_json(out, key, tree);
@@ -123,7 +123,7 @@ void registry_export(const Arguments& arguments, std::ostream& out) {
   replace_file(arguments.file, document.str());
 }
 
-void registry_import(const Arguments& arguments, std::ostream&) {
+void registry_import(const RegistryArguments& arguments, std::ostream&) {
   const TreeDocument document = read_json(read_file(arguments.file), arguments.file);
   const KeyName key = arguments.key.empty() ? key_of(document, arguments.file) : key_named(arguments.key);
   if (levels_of(key) + document.depth > kDeepestLevel) {

@@ -65,7 +65,7 @@ void write_json(std::ostream& out, const Section& section) {
   out << "\n  ]\n}\n";
 }
 
-void keep_surface(const Arguments& arguments) {
+void keep_surface(const SectionArguments& arguments) {
   if (!arguments.svg) return;
   std::error_code unknown;  // the drawing need not exist
   if (std::filesystem::equivalent(native_path(arguments.file), native_path(*arguments.svg), unknown)) {
@@ -78,7 +78,7 @@ struct Cut {
   std::string length;  // with the decimals that the tolerance leaves it
 };
 
-Cut cut_file(const Arguments& arguments) {
+Cut cut_file(const SectionArguments& arguments) {
   const Seeds seeds = seeds_of(arguments.plane);
   const std::optional<double> wanted = tolerance_of(arguments.tolerance);
   Progress progress;
@@ -90,7 +90,7 @@ Cut cut_file(const Arguments& arguments) {
   return {std::move(section), std::move(length)};
 }
 
-std::string title_of(const Arguments& arguments, const Cut& cut) {
+std::string title_of(const SectionArguments& arguments, const Cut& cut) {
   const std::size_t count = cut.section.polylines.size();
   return std::filesystem::path(native_path(arguments.file)).filename().string() + ": " +
          std::to_string(count) + (count == 1 ? " polyline" : " polylines") + ", length " + cut.length;
@@ -98,7 +98,7 @@ std::string title_of(const Arguments& arguments, const Cut& cut) {
 
 }  // namespace
 
-void section(const Arguments& arguments, std::ostream& out) {
+void section(const SectionArguments& arguments, std::ostream& out) {
   keep_surface(arguments);
   const Cut cut = cut_file(arguments);
   if (arguments.svg) replace_file(*arguments.svg, draw(cut.section, title_of(arguments, cut)));
