@@ -2,7 +2,8 @@
 # orx_cli_test.sh ORX: what the command-line host answers. A row is the exit status, patterns that the whole of standard
 # output and standard error match, and the arguments.
 set -uo pipefail
-orx=$1
+program=$1
+orx=$program
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/Süd Feld/Grube 1" "$work/c/Projects/Pit 2"
@@ -24,6 +25,10 @@ row() {
   # shellcheck disable=SC2053  # the right sides are patterns
   [[ $actual == "$status" && $out == $out_pattern && $err == $err_pattern ]] ||
     fail "orx $* (expected $status, '$out_pattern', '$err_pattern')" "  status: $actual" "  stdout: $out" "  stderr: $err"
+}
+
+unprivileged() { # ARGUMENTS: runs the host so that file permissions apply to root, too
+  if [[ $(id -u) == 0 ]]; then setpriv --bounding-set=-all --inh-caps=-all "$program" "$@"; else "$program" "$@"; fi
 }
 
 unchanged() { # FILE COMMAND...: the command leaves the file, or its absence, as it was
@@ -188,8 +193,9 @@ row 2 '' 'orx: *it is empty*' registry export "$key" ''
 row 2 '' 'orx: *it is empty*' registry import /dev/null ''
 row 2 '' 'orx: --type: long *' registry set "$key" N 1 --type long
 row 1 '' 'orx: HKLM\\SOFTWARE: there is no such key' registry list 'HKLM\SOFTWARE'
-ORX_MACHINE_REGISTRY=/sys/orx/registry.db \
-  row 1 '' 'orx: HKLM\\SOFTWARE\\X: ann may not write /sys/orx/registry.db' registry set 'HKLM\SOFTWARE\X' N 1
+mkdir -m 555 "$work/closed"
+orx=unprivileged ORX_MACHINE_REGISTRY=$work/closed/registry.db \
+  row 1 '' "orx: HKLM*: ann may not write $work/closed/registry.db" registry set 'HKLM\SOFTWARE\X' N 1
 ORX_USER_REGISTRY=$PWD/torn.qpr row 1 '' "orx: HKCU*: $PWD/torn.qpr is damaged, no registry, *" registry list "$key"
 
 # export and import: every type and byte, wherever it is written
@@ -440,8 +446,7 @@ line 4: there is no vertex 4|f 1 2 4\nf 1 2 3
 END
 
 # a write that fails is told, whether in the commit or before, and leaves the file
-unlimited=$orx
-limited() (ulimit -Sf 1 && exec "$unlimited" "$@") # KiB
+limited() (ulimit -Sf 1 && exec "$program" "$@") # KiB
 for size in 2000 100000; do
   orx=limited unchanged all.qpl row 1 '' 'orx: all.qpl: File too large' list add all.qpl "$(printf "A%${size}s" B)" p.qpr
 done
