@@ -66,20 +66,18 @@ void prepare_libxml2() {
   static_cast<void>(prepared);
 }
 
-CallbacksAside::CallbacksAside() noexcept : has_thread_state_(make_thread_state()) {
-  if (!has_thread_state_) return;
-  on_new_ = std::exchange(xmlRegisterNodeDefaultValue, nullptr);
-  on_free_ = std::exchange(xmlDeregisterNodeDefaultValue, nullptr);
+CallbackAside::CallbackAside() noexcept
+    : on_free_(make_thread_state() ? &xmlDeregisterNodeDefaultValue : nullptr) {
+  if (on_free_ != nullptr) old_on_free_ = std::exchange(*on_free_, nullptr);
 }
 
-CallbacksAside::~CallbacksAside() {
-  if (!has_thread_state_) return;
-  xmlRegisterNodeDefaultValue = on_new_;
-  xmlDeregisterNodeDefaultValue = on_free_;
+CallbackAside::~CallbackAside() {
+  if (on_free_ != nullptr) *on_free_ = old_on_free_;
 }
 
 HostAside::HostAside() {
-  if (!callbacks_.has_thread_state()) throw std::bad_alloc();
+  if (!callback_.has_thread_state()) throw std::bad_alloc();
+  on_new_ = std::exchange(xmlRegisterNodeDefaultValue, nullptr);
   on_error_ = std::exchange(xmlStructuredError, &HostAside::OnError);
   error_context_ = std::exchange(xmlStructuredErrorContext, this);
   on_message_ = std::exchange(xmlGenericError, ignore_message);
@@ -94,6 +92,7 @@ HostAside::~HostAside() {
   xmlGenericError = on_message_;
   xmlStructuredErrorContext = error_context_;
   xmlStructuredError = on_error_;
+  xmlRegisterNodeDefaultValue = on_new_;
 }
 
 void HostAside::CheckMemory() const {

@@ -14,23 +14,22 @@ namespace orx::platform::dom {
 // initialization of some parts is not safe when several threads come first. Raises std::bad_alloc.
 void prepare_libxml2();
 
-// Around whatever makes or frees nodes. A host that is called for each node may take `_private` for its own.
-// Never throws, so that documents can be closed when memory runs out.
-class CallbacksAside {
+// Around whatever frees nodes. A host that is called for each node may take `_private` for its own. Never
+// throws, so that documents can be closed when memory runs out.
+class CallbackAside {
  public:
-  CallbacksAside() noexcept;
-  ~CallbacksAside();
-  CallbacksAside(const CallbacksAside&) = delete;
-  CallbacksAside& operator=(const CallbacksAside&) = delete;
+  CallbackAside() noexcept;
+  ~CallbackAside();
+  CallbackAside(const CallbackAside&) = delete;
+  CallbackAside& operator=(const CallbackAside&) = delete;
 
   // False when libxml2 has no memory for the state of this thread. It must not be asked for any part of it
   // then.
-  bool has_thread_state() const { return has_thread_state_; }
+  bool has_thread_state() const { return on_free_ != nullptr; }
 
  private:
-  const bool has_thread_state_;
-  xmlRegisterNodeFunc on_new_ = nullptr;
-  xmlDeregisterNodeFunc on_free_ = nullptr;
+  xmlDeregisterNodeFunc* on_free_;  // null without a state
+  xmlDeregisterNodeFunc old_on_free_ = nullptr;
 };
 
 // Around every other call that may allocate or report something. Raises std::bad_alloc.
@@ -49,7 +48,8 @@ class HostAside {
   static void OnError(void* self, xmlError* error);
 
  private:
-  const CallbacksAside callbacks_;
+  const CallbackAside callback_;
+  xmlRegisterNodeFunc on_new_;
   xmlStructuredErrorFunc on_error_;
   void* error_context_;
   xmlGenericErrorFunc on_message_;

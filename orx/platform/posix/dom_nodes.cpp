@@ -53,7 +53,10 @@ xmlNs* xml_namespace(xmlDoc& doc) {
 }
 
 bool is_named(const xmlAttr& attribute, std::string_view name) {
-  if (attribute.ns == nullptr || attribute.ns->prefix == nullptr) return view(attribute.name) == name;
+  if (attribute.ns == nullptr || attribute.ns->prefix == nullptr) {
+    const char* own = as_text(attribute.name);
+    return std::strncmp(own, name.data(), name.size()) == 0 && own[name.size()] == '\0';
+  }
   const std::string_view prefix = view(attribute.ns->prefix);
   return name.size() > prefix.size() && name.starts_with(prefix) && name[prefix.size()] == ':' &&
          name.substr(prefix.size() + 1) == view(attribute.name);
@@ -62,7 +65,7 @@ bool is_named(const xmlAttr& attribute, std::string_view name) {
 }  // namespace
 
 void NodeDeleter::operator()(xmlNode* node) const noexcept {
-  const CallbacksAside host;
+  const CallbackAside host;
   xmlFreeNode(node);
 }
 

@@ -3,7 +3,7 @@
 #include <orx/platform/posix/utf8.h>
 
 #include <algorithm>
-#include <iterator>
+#include <array>
 
 namespace orx::platform::dom {
 namespace {
@@ -26,10 +26,26 @@ constexpr CharacterRange kNameRest[] = {
     {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
 };
 
-template <std::size_t kCount>
-bool is_among(const CharacterRange (&ranges)[kCount], char32_t c) {
-  return std::ranges::any_of(
-      ranges, [c](const CharacterRange& range) { return range.first <= c && c <= range.last; });
+enum class NamePlace : unsigned char { kNone, kRest, kStart };
+
+constexpr NamePlace place_of(char32_t c) {
+  const auto holds = [c](const CharacterRange& range) { return range.first <= c && c <= range.last; };
+  if (std::ranges::any_of(kNameStart, holds)) return NamePlace::kStart;
+  return std::ranges::any_of(kNameRest, holds) ? NamePlace::kRest : NamePlace::kNone;
+}
+
+// Most names are ASCII.
+constexpr auto kAsciiPlaces = [] {
+  std::array<NamePlace, 128> places{};
+  for (char32_t c = 0; c < places.size(); ++c) places[c] = place_of(c);
+  return places;
+}();
+
+NamePlace take_place(std::string_view& text) {
+  const auto byte = static_cast<unsigned char>(text.front());
+  if (byte >= kAsciiPlaces.size()) return place_of(utf8::take_first(text));
+  text.remove_prefix(1);
+  return kAsciiPlaces[byte];
 }
 
 bool is_forbidden(char c) {
@@ -71,10 +87,9 @@ bool is_reserved_namespace(std::string_view uri) {
 
 bool is_plain_name(std::string_view text) {
   if (text.empty() || !utf8::is_valid(text)) return false;
-  if (!is_among(kNameStart, utf8::take_first(text))) return false;
+  if (take_place(text) != NamePlace::kStart) return false;
   while (!text.empty()) {
-    const char32_t c = utf8::take_first(text);
-    if (!is_among(kNameStart, c) && !is_among(kNameRest, c)) return false;
+    if (take_place(text) == NamePlace::kNone) return false;
   }
   return true;
 }

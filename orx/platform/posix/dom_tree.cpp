@@ -29,12 +29,12 @@ bool is_needed(xmlNode& top) {
 }  // namespace
 
 void DocDeleter::operator()(xmlDoc* doc) const noexcept {
-  const CallbacksAside host;
+  const CallbackAside host;
   xmlFreeDoc(doc);
 }
 
 Tree::~Tree() {
-  const CallbacksAside host;
+  const CallbackAside host;
   for (xmlNode* node : removed_) xmlFreeNode(node);
 }
 
@@ -62,7 +62,7 @@ void Tree::RemoveChildren(xmlNode& parent) {
   if (children > removed_.capacity() - removed_.size())
     removed_.reserve(std::max(2 * removed_.size(), removed_.size() + children));
   forget_ids(parent);
-  const CallbacksAside host;  // from here on nothing throws
+  const CallbackAside host;  // from here on nothing throws
   while (xmlNode* child = first_child(parent)) {
     const bool seen = lists_ > 0 || is_needed(*child);
     if (seen) removed_.push_back(child);
@@ -74,7 +74,7 @@ void Tree::RemoveChildren(xmlNode& parent) {
 // Runs when the number of removed nodes has doubled, so that it costs next to nothing a node.
 void Tree::Sweep() {
   if (lists_ == 0) {
-    const CallbacksAside host;
+    const CallbackAside host;
     std::erase_if(removed_, [](xmlNode* node) {
       if (is_needed(*node)) return false;
       xmlFreeNode(node);

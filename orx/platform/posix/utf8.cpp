@@ -146,6 +146,10 @@ bool from_wide(const wchar_t* text, std::size_t length, std::string& out) {
   narrow.reserve(length);
   for (const wchar_t character : std::wstring_view(text, length)) {
     const auto c = static_cast<std::uint32_t>(character);
+    if (c < 0x80) {
+      narrow += static_cast<char>(c);
+      continue;
+    }
     if (!is_code_point(c)) return false;
     char bytes[4];
     narrow.append(bytes, encode(c, bytes));
