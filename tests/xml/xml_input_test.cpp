@@ -88,6 +88,8 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
       {kMark16 + utf16("<a/>") + " ", "middle of a character"},
       {kMark16 + utf16("<a>") + "\x01\xD8" + utf16("</a>"), "not valid in its encoding"},
       {declared("klingon") + "<a/>", "unknown encoding \"klingon\""},
+      {declared("\xFF") + "<a/>", "unknown encoding"},
+      {"<a></" + repeated("\u20AC", 400) + ">", "tag mismatch"},
       {declared("UTF-16") + "<a/>", ""},  // in name only
       {doctype("<!ENTITY x 'y'>") + root_of("&x;"), "it declares entities"},
       {doctype("<!NOTATION n SYSTEM 'n'><!ENTITY x SYSTEM 'y' NDATA n>") + "<a/>", "it declares entities"},
@@ -108,6 +110,9 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
     const std::string outcome = Read(bytes);
     EXPECT_TRUE(outcome.starts_with("refused: ") && outcome.find(reason) != outcome.npos)
         << bytes.substr(0, 60) << ": " << outcome << ", not " << reason;
+    COrxXMLDoc document;  // which takes only what is valid UTF-8
+    Element root;
+    EXPECT_EQ(document.SetXMLText(root.Out(), ("<a><![CDATA[" + outcome + "]]></a>").c_str()), 1) << outcome;
   }
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }

@@ -204,6 +204,7 @@ int read_more(void* context, char* buffer, int size) {
 
 std::string parser_complaint(const Parse& parse) {
   std::string message(parse.message.data());
+  while (!utf8::is_valid(message)) message.pop_back();  // it may be cut, or show what is not valid
   message.erase(message.find_last_not_of(" \n") + 1);
   std::replace(message.begin(), message.end(), '\n', ' ');
   return "not well-formed at line " + std::to_string(parse.line) + ", column " +

@@ -4,13 +4,13 @@
 #include <orx/platform/posix/error_text.h>
 
 #include <fcntl.h>
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace orx::platform::dom {
@@ -32,6 +32,18 @@ std::string declared_encoding(std::string_view head) {
   if (open == std::string_view::npos) return {};
   const std::size_t close = head.find(head[open], open + 1);
   return std::string(close == std::string_view::npos ? "" : head.substr(open + 1, close - open - 1));
+}
+
+// The same in every locale.
+std::string in_capitals(std::string text) {
+  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return text;
+}
+
+// The converter takes other names for that of the locale, or for options.
+bool is_of_encoding_name(char c) {
+  const bool is_letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+  return is_letter || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '_';
 }
 
 bool is_readable(int file, std::string& reason) {
@@ -89,24 +101,26 @@ bool Source::ChooseBySight(std::string_view head, std::string& reason) {
 }
 
 bool Source::Choose(const std::string& encoding, std::string& reason) {
-  static constexpr std::pair<const char*, Form> kOwn[] = {{"", Form::kUtf8},
-                                                          {"UTF-8", Form::kUtf8},
-                                                          {"UTF-16", Form::kUtf16LE},
-                                                          {"UTF-16LE", Form::kUtf16LE},
-                                                          {"UTF-16BE", Form::kUtf16BE},
-                                                          {"ISO-8859-1", Form::kLatin1},
-                                                          {"latin1", Form::kLatin1},
-                                                          {"windows-1252", Form::kWindows1252},
-                                                          {"cp1252", Form::kWindows1252}};
+  static constexpr std::pair<std::string_view, Form> kOwn[] = {{"", Form::kUtf8},
+                                                               {"UTF-8", Form::kUtf8},
+                                                               {"UTF-16", Form::kUtf16LE},
+                                                               {"UTF-16LE", Form::kUtf16LE},
+                                                               {"UTF-16BE", Form::kUtf16BE},
+                                                               {"ISO-8859-1", Form::kLatin1},
+                                                               {"LATIN1", Form::kLatin1},
+                                                               {"WINDOWS-1252", Form::kWindows1252},
+                                                               {"CP1252", Form::kWindows1252}};
   for (const auto& [name, form] : kOwn) {
-    if (strcasecmp(encoding.c_str(), name) != 0) continue;
+    if (in_capitals(encoding) != name) continue;
     form_ = form;
     return true;
   }
   form_ = Form::kConverted;
-  converter_ = iconv_open("UTF-8", encoding.c_str());
+  const bool is_name = std::ranges::all_of(encoding, is_of_encoding_name);
+  if (is_name) converter_ = iconv_open("UTF-8", encoding.c_str());
   if (converter_ != no_converter()) return true;
-  reason = "unknown encoding \"" + encoding + '"';
+  if (is_name && errno == ENOMEM) throw std::bad_alloc();
+  reason = is_name ? "unknown encoding \"" + encoding + '"' : "unknown encoding";
   return false;
 }
 
