@@ -12,6 +12,10 @@ void fail_heap_after(int count, HeapFailure how);
 // Lets all succeed again. Whether any has failed.
 bool restore_heap();
 
+// From fail_heap_after to restore_heap, takes new blocks from memory that may be lost, since libxml2 loses
+// some of its own. A block that is freed twice ends the process.
+void use_arena(bool uses);
+
 // How many blocks of operator new and libxml2 are in use.
 int blocks_in_use();
 
