@@ -59,27 +59,10 @@ class Builder {
   int Pick(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
 
   std::string Name() {
-    const char* const pieces[] = {"a",
-                                  "B-1",
-                                  "_",
-                                  "xml",
-                                  "\u00DC.",
-                                  "\u0416",
-                                  "\u4E00",
-                                  "\u2C00",
-                                  "x\u00B7",
-                                  "\U00010000",
-                                  "xmlns",
-                                  "xmlns:p",
-                                  "p:c",
-                                  "q:\u00E9",
-                                  "xml:space",
-                                  "1",
-                                  "a b",
-                                  "\xC3",
-                                  "a\x94"
-                                  "b",
-                                  "\uFFFE"};
+    const char* const pieces[] = {"a",      "B-1",     "_",      "xml",      "\u00DC.",
+                                  "\u0416", "\u4E00",  "\u2C00", "x\u00B7",  "\U00010000",
+                                  "xmlns",  "xmlns:p", "p:c",    "q:\u00E9", "xml:space",
+                                  "1",      "a b",     "\xC3",   "a\224b",   "\uFFFE"};
     return pieces[Pick(static_cast<int>(std::size(pieces)))];
   }
 
