@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "field_types.h"
+#include "field/types.h"
 
 namespace orx::cli {
 namespace {

@@ -1,6 +1,6 @@
 #include <orx/compat/string_a.h>
 
-#include <orx/compat/text_format.h>
+#include <orx/base/text_format.h>
 
 #include <algorithm>
 #include <climits>

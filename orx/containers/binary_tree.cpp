@@ -1,6 +1,6 @@
 #include <orx/containers/binary_tree.h>
 
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -204,7 +204,7 @@ void release_all(Node* node, bto_item_fn free_item) {
 }  // namespace
 
 bto_tree* bto_new() {
-  const orx::platform::KeptErrno kept;
+  const orx::platform::ErrnoGuard kept;
   return new (std::nothrow) bto_tree{};
 }
 

@@ -1,6 +1,6 @@
 #include <orx/datetime/date_time_format.h>
 
-#include <orx/datetime/calendar.h>
+#include <orx/base/calendar.h>
 #include <orx/datetime/static_defaults.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include <orx/frame/application_data.h>
 
 #include <orx/frame/application_data_folder.h>
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 #include <orx/platform/paths.h>
 #include <orx/platform/registry_key.h>
 #include <orx/platform/shared_files.h>
@@ -67,7 +67,7 @@ bool look_for_folder(std::string& folder) {
 }  // namespace
 
 bool orx::find_application_data_folder(ApplicationDataFolder& folder) {
-  const platform::KeptErrno kept;
+  const platform::ErrnoGuard kept;
   *folder = '\0';
   try {
     std::string found;
@@ -87,7 +87,7 @@ void GetApplicationDataPath(char* buffer, int size) {
 }
 
 void GetApplicationDataPathString(CStringA& path) {
-  const orx::platform::KeptErrno kept;
+  const orx::platform::ErrnoGuard kept;
   orx::ApplicationDataFolder folder;
   orx::find_application_data_folder(folder);
   path.Empty();

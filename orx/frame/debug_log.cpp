@@ -1,12 +1,12 @@
 #include <orx/frame/debug_log.h>
 
-#include <orx/compat/text_format.h>
+#include <orx/base/text_format.h>
 #include <orx/datetime/date_time.h>
 #include <orx/datetime/date_time_format.h>
 #include <orx/frame/application_data_folder.h>
 #include <orx/platform/debug_output.h>
 #include <orx/platform/file_system.h>
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 #include <orx/platform/shared_files.h>
 #include <orx/text/strings.h>
 
@@ -75,7 +75,7 @@ bool succeeds(Call call) {
 
 int write(Log& log, const char* text) {
   if (text == nullptr || *text == '\0') return -1;
-  const orx::platform::KeptErrno kept;
+  const orx::platform::ErrnoGuard kept;
   if (echoes) std::puts(text);
   orx::platform::debug_output(text);
   started = true;

@@ -2,7 +2,7 @@
 
 #include <orx/geometry/any_null.h>
 #include <orx/geometry/box_corners.h>
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 
 #include <new>
 
@@ -40,7 +40,7 @@ int box_has(const bbox* box, const double* point) {
 }  // namespace
 
 bbox* bbox_new() {
-  const orx::platform::KeptErrno kept;
+  const orx::platform::ErrnoGuard kept;
   return new (std::nothrow) bbox(kEmpty);
 }
 

@@ -2,7 +2,7 @@
 
 #include <orx/geometry/any_null.h>
 #include <orx/geometry/box_corners.h>
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 
 #include <algorithm>
 #include <array>
@@ -144,7 +144,7 @@ Point end_of(const cutplane& cut, int end) { return {cut.seg_x[end], cut.seg_y[e
 }  // namespace
 
 cutplane* cutplane_new() {
-  const orx::platform::KeptErrno kept;
+  const orx::platform::ErrnoGuard kept;
   return new (std::nothrow) cutplane{};
 }
 

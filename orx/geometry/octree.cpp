@@ -1,6 +1,6 @@
 #include <orx/geometry/octree.h>
 
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 
 #include <algorithm>
 #include <array>
@@ -46,7 +46,7 @@ constexpr struct {
 // Null when memory runs out.
 template <class T>
 T* allocated(std::size_t count) {
-  const orx::platform::KeptErrno kept;
+  const orx::platform::ErrnoGuard kept;
   return new (std::nothrow) T[count];
 }
 

@@ -1,6 +1,6 @@
 #include <orx/text/angle_text.h>
 
-#include <orx/compat/number_text.h>
+#include <orx/base/number_text.h>
 #include <orx/text/strings.h>
 
 #include <algorithm>

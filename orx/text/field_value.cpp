@@ -1,6 +1,6 @@
 #include <orx/text/field_value.h>
 
-#include <orx/compat/number_text.h>
+#include <orx/base/number_text.h>
 #include <orx/datetime/date_time_parse.h>
 #include <orx/datetime/static_defaults.h>
 #include <orx/platform/code_page.h>

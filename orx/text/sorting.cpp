@@ -1,6 +1,6 @@
 #include <orx/text/sorting.h>
 
-#include <orx/text/shell_sort.h>
+#include <orx/base/shell_sort.h>
 
 #include <utility>
 

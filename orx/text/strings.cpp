@@ -1,6 +1,6 @@
 #include <orx/text/strings.h>
 
-#include <orx/compat/text_format.h>
+#include <orx/base/text_format.h>
 #include <orx/platform/code_page.h>
 
 #include <algorithm>

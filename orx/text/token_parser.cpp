@@ -1,6 +1,6 @@
 #include <orx/text/token_parser.h>
 
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 
 #include <array>
 #include <cstddef>
@@ -51,7 +51,7 @@ char** copied(std::span<const std::string_view> tokens) {
 
 char** orx_token_parser(const char* text, const char* delimiters, int* count) {
   if (text == nullptr || *text == '\0' || count == nullptr) return nullptr;
-  const orx::platform::KeptErrno kept_errno;
+  const orx::platform::ErrnoGuard kept_errno;
   Tokens tokens;
   const std::size_t found = split(text, delimiters != nullptr ? delimiters : "", tokens);
   char** const copies = copied(std::span(tokens).first(found));

@@ -3,7 +3,7 @@
 #include <orx/platform/code_page.h>
 #include <orx/platform/dom.h>
 #include <orx/platform/file_system.h>
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 #include <orx/platform/message_box.h>
 
 #include <exception>
@@ -37,7 +37,7 @@ auto with_one_exception(Work work) {
 // Runs one operation: 1, or 0 with its reason in `failure`.
 template <class Operation>
 int attempt(CStringA& failure, Operation operation) {
-  const orx::platform::KeptErrno kept;
+  const orx::platform::ErrnoGuard kept;
   std::string reason;
   if (with_one_exception([&] { return operation(reason); })) return 1;
   failure = reason.c_str();

@@ -1,4 +1,4 @@
-#include <orx/platform/posix/utf8.h>
+#include <orx/platform/posix/support/utf8.h>
 
 #include <orx/compat/atl_exception.h>
 

@@ -1,7 +1,7 @@
 #include <orx/settings/registry.h>
 
 #include <gtest/gtest.h>
-#include <orx/platform/posix/registry_database.h>
+#include <orx/platform/posix/registry/database.h>
 #include <tests/support/registry.h>
 
 #include <filesystem>

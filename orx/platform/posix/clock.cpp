@@ -1,7 +1,7 @@
 #include <orx/platform/clock.h>
 
-#include <orx/platform/kept_errno.h>
-#include <orx/platform/posix/cancellation_held.h>
+#include <orx/base/errno_guard.h>
+#include <orx/platform/posix/support/cancellation_block.h>
 
 #include <time.h>
 
@@ -10,8 +10,8 @@
 namespace orx::platform {
 
 LocalTime system_local_time() {
-  const KeptErrno kept;
-  const CancellationHeld held;  // the C library may read the file of the time zone, under a lock
+  const ErrnoGuard kept;
+  const CancellationBlock held;  // the C library may read the file of the time zone, under a lock
   const time_t now = time(nullptr);
   tm local{};
   if (localtime_r(&now, &local) == nullptr) return {};

@@ -1,6 +1,6 @@
 #include <orx/platform/code_page.h>
 
-#include <orx/platform/posix/utf8.h>
+#include <orx/platform/posix/support/utf8.h>
 
 #include <algorithm>
 #include <bit>

@@ -1,9 +1,9 @@
 #include <orx/platform/debug_output.h>
 
-#include <orx/platform/kept_errno.h>
-#include <orx/platform/posix/cancellation_held.h>
+#include <orx/base/errno_guard.h>
+#include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/environment.h>
-#include <orx/platform/posix/signals_held.h>
+#include <orx/platform/posix/support/signal_block.h>
 
 #include <fcntl.h>
 #include <sys/uio.h>
@@ -17,7 +17,7 @@ namespace {
 
 // In one piece, so that the lines of several processes stay whole.
 void write_line(int file, const char* text) {
-  const SignalsHeld held;
+  const SignalBlock held;
   char line_end = '\n';
   const iovec pieces[] = {{const_cast<char*>(text), std::strlen(text)}, {&line_end, 1}};
   [[maybe_unused]] const ssize_t ignored = writev(file, pieces, 2);
@@ -34,8 +34,8 @@ const char* destination() {
 }  // namespace
 
 void debug_output(const char* text) {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   if (text == nullptr || *text == '\0') return;
   const char* const where = destination();
   if (*where == '\0') return;

@@ -1,6 +1,6 @@
 #include <orx/platform/posix/drive_path.h>
 
-#include <orx/platform/posix/utf8.h>
+#include <orx/platform/posix/support/utf8.h>
 
 #include <dirent.h>
 #include <sys/stat.h>

@@ -1,8 +1,8 @@
 #include <orx/platform/environment.h>
 
-#include <orx/compat/text_format.h>
-#include <orx/platform/kept_errno.h>
-#include <orx/platform/posix/cancellation_held.h>
+#include <orx/base/text_format.h>
+#include <orx/base/errno_guard.h>
+#include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/environment.h>
 
 #include <pthread.h>
@@ -71,15 +71,15 @@ void read_all() {
 const Values& current_values() {
   const Snapshot* snapshot = current.load(std::memory_order_acquire);
   if (snapshot != nullptr) return snapshot->values;
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   const std::lock_guard lock(reading);
   if (current == nullptr) read_all();
   return current.load()->values;
 }
 
 std::string home_of_user() {
-  const CancellationHeld held;
+  const CancellationBlock held;
   std::vector<char> buffer(1024);
   passwd entry;
   passwd* found = nullptr;
@@ -92,8 +92,8 @@ std::string home_of_user() {
 }  // namespace
 
 void read_environment() {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   const std::lock_guard lock(reading);
   read_all();
 }

@@ -1,7 +1,7 @@
 #include <orx/platform/file_system.h>
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 #include <orx/platform/posix/drive_path.h>
-#include <orx/platform/posix/utf8.h>
+#include <orx/platform/posix/support/utf8.h>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -101,7 +101,7 @@ std::uint64_t size_of(const struct stat& status) {
 }  // namespace
 
 std::uint64_t first_match_size(const char* pattern) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   SystemPath path = parse_path(pattern);
   struct stat status;
   const char* wildcard = std::strpbrk(pattern, "*?");

@@ -1,10 +1,10 @@
 #include <orx/platform/file_system.h>
 
-#include <orx/platform/kept_errno.h>
-#include <orx/platform/posix/cancellation_held.h>
-#include <orx/platform/posix/descriptor.h>
+#include <orx/base/errno_guard.h>
+#include <orx/platform/posix/support/cancellation_block.h>
+#include <orx/platform/posix/support/descriptor.h>
 #include <orx/platform/posix/drive_path.h>
-#include <orx/platform/posix/error_text.h>
+#include <orx/platform/posix/support/error_text.h>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -102,7 +102,7 @@ bool is_refused_by_folder(int error) {
 }  // namespace
 
 EntryKind entry_kind(const char* path) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   SystemPath where = parse_path(path);
   struct stat status;
   if (on_path(where, [&](const char* name) { return stat(name, &status); }) != 0) return EntryKind::kNone;
@@ -110,7 +110,7 @@ EntryKind entry_kind(const char* path) {
 }
 
 std::optional<std::uint64_t> readable_size(const char* path) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   SystemPath where = parse_path(path);
   const std::string& name = where.name;
   struct stat status;
@@ -130,7 +130,7 @@ std::optional<std::uint64_t> readable_size(const char* path) {
 }
 
 std::uint64_t free_space(const char* folder) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   SystemPath where = parse_path(folder);
   if (where.name.empty()) return 0;
   where.name += '/';  // refuses what is not a folder
@@ -345,14 +345,14 @@ struct FileReplacement::State {
 FileReplacement::FileReplacement() = default;
 
 FileReplacement::~FileReplacement() {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   state_.reset();
 }
 
 bool FileReplacement::Open(const char* path, std::string& reason) {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   state_.reset();
   auto state = std::make_unique<State>();
   if (!state->Open(path, reason)) return false;
@@ -361,8 +361,8 @@ bool FileReplacement::Open(const char* path, std::string& reason) {
 }
 
 bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& reason) {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   std::unique_ptr<State> state = std::move(state_);
   if (state == nullptr) return failed(reason, "No file is open");
   if (!state->Write(static_cast<const char*>(bytes), size, reason)) return false;
@@ -371,15 +371,15 @@ bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& re
 }
 
 bool FileReplacement::Commit(std::string& reason) {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   const std::unique_ptr<State> state = std::move(state_);
   if (state == nullptr) return failed(reason, "No file is open");
   return state->Commit(reason);
 }
 
 bool remove_file(const char* path) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   SystemPath where = parse_path(path);
   return on_path(where, unlink) == 0;
 }

@@ -1,13 +1,13 @@
 #include <orx/platform/message_box.h>
 
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 
 #include <cstdio>
 
 namespace orx::platform {
 
 void show_error_box(const char* text, const char* caption) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   std::fprintf(stderr, "%s: %s\n", caption, text);
 }
 

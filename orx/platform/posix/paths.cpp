@@ -1,6 +1,6 @@
 #include <orx/platform/paths.h>
 
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/environment.h>
 
@@ -97,12 +97,12 @@ SystemPath parse_path(const char* path) {
 }
 
 std::string system_path(const char* path) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   return parse_path(path).name;
 }
 
 std::string existing_path(const char* path) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   SystemPath result = parse_path(path);
   struct stat status;
   on_path(result, [&](const char* name) { return lstat(name, &status); });
@@ -110,7 +110,7 @@ std::string existing_path(const char* path) {
 }
 
 std::string suite_path(const char* native) {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   if (native == nullptr || *native == '\0') return "";
   if (*native == '\\' || has_drive(native)) return native;
   if (has_server(native)) {

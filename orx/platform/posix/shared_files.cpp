@@ -1,8 +1,8 @@
 #include <orx/platform/shared_files.h>
 
-#include <orx/platform/kept_errno.h>
-#include <orx/platform/posix/cancellation_held.h>
-#include <orx/platform/posix/descriptor.h>
+#include <orx/base/errno_guard.h>
+#include <orx/platform/posix/support/cancellation_block.h>
+#include <orx/platform/posix/support/descriptor.h>
 #include <orx/platform/posix/drive_path.h>
 
 #include <dirent.h>
@@ -168,8 +168,8 @@ Descriptor opened_log(const char* path) {
 }  // namespace
 
 bool create_shared_folder(const char* path) {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   SystemPath where = parse_path(path);
   // A folder that exists in another letter case is there already.
   struct stat status;
@@ -185,8 +185,8 @@ bool create_shared_folder(const char* path) {
 }
 
 bool clear_log(const char* path) {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   Descriptor file = opened_log(path);
   struct stat status;
   if (!file.is_open() || fstat(file, &status) != 0) return false;
@@ -194,8 +194,8 @@ bool clear_log(const char* path) {
 }
 
 bool append_to_log(const char* path, std::string_view bytes) {
-  const KeptErrno kept;
-  const CancellationHeld held;
+  const ErrnoGuard kept;
+  const CancellationBlock held;
   Descriptor file = opened_log(path);
   const bool is_written = file.is_open() && write_all(file, bytes);
   return file.Close() && is_written;

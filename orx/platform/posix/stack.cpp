@@ -1,6 +1,6 @@
 #include <orx/platform/stack.h>
 
-#include <orx/platform/kept_errno.h>
+#include <orx/base/errno_guard.h>
 
 #include <pthread.h>
 #include <sys/resource.h>
@@ -53,7 +53,7 @@ const Stack& own_stack() {
 }  // namespace
 
 std::size_t stack_left() {
-  const KeptErrno kept;
+  const ErrnoGuard kept;
   const Stack& stack = own_stack();
   // No local's address: the address sanitizer may keep locals elsewhere.
   const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));

@@ -1,0 +1,114 @@
+#include <orx/datetime/date_time_format.h>
+#include <orx/text/angle_text.h>
+#include <orx/text/field_value.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "commands.h"
+#include "failure.h"
+#include "field/types.h"
+#include "numbers.h"
+#include "options.h"
+
+namespace orx::cli {
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+
+int mode_of(const AngleArguments& arguments) { return find_type(Among::kAngles, arguments.mode)->number; }
+
+Record angle_record(double radians) { return {{"Radians", radians}, {"Degrees", radians / kPi * 180}}; }
+
+// A value of the field's type, or null when no limit is given.
+class Limit {
+ public:
+  Limit(const FieldType& type, const std::string& option, const std::optional<std::string>& text)
+      : is_given_(text.has_value()) {
+    if (!is_given_) return;
+    if (type.kind.read_limit == nullptr) throw UsageError(option + ": " + type.name + " has no limits");
+    if (!type.kind.read_limit(*text, bytes_.data()))
+      throw UsageError(option + ": '" + *text + "' is no " + type.name);
+  }
+  const void* get() const { return is_given_ ? bytes_.data() : nullptr; }
+
+ private:
+  bool is_given_;
+  std::array<char, ORX_FIELD_VALUE_SIZE> bytes_{};
+};
+
+struct Imported {
+  Value value;
+  int special;
+  int result;
+};
+
+std::string special_name(int code) {
+  constexpr const char* kNames[] = {"ordinary", "below", "above", "NC", "NS", "IS", "NE", "ERR"};
+  return kNames[code];
+}
+
+// The year in full and first, whatever the order was that it was read in.
+Value date_text(const ValueKind& kind, const Imported& imported) {
+  if (imported.result != 0 || imported.special != orxdbOrdinary) return {};
+  const orxDateTime moment{std::get<double>(imported.value), orxYearMonthDay,
+                           static_cast<std::int16_t>(kind.date_kind), 0};
+  std::array<char, 64> text{};
+  orxDateTime_FormatSpecialFullLengthString(&moment, text.data(), static_cast<int>(text.size()));
+  return text.data();
+}
+
+Record field_record(const ValueKind& kind, const Imported& imported) {
+  Record shown{{"Value", imported.value}};
+  if (kind.date_kind != 0) shown.emplace_back("Text", date_text(kind, imported));
+  shown.emplace_back("Special", imported.special);
+  shown.emplace_back("SpecialName", special_name(imported.special));
+  shown.emplace_back("Result", imported.result);
+  return shown;
+}
+
+}  // namespace
+
+void angle_read(const AngleArguments& arguments, std::ostream& out) {
+  const double radians =
+      zel_convert_str_to_ang(mode_of(arguments), arguments.text.c_str(), static_cast<int>(arguments.packed));
+  write(out, angle_record(radians), arguments.format);
+}
+
+void angle_write(const AngleArguments& arguments, std::ostream& out) {
+  double radians = 0;
+  if (!read_number(arguments.text, radians)) throw Failure(arguments.text, "it is no number");
+  if (arguments.degrees) radians = radians / 180 * kPi;
+  std::array<char, 50> text{};
+  zel_convert_ang_to_str(mode_of(arguments), radians, static_cast<int>(arguments.packed), text.data());
+  if (arguments.format == Format::kJson) {
+    Record shown = angle_record(radians);
+    shown.emplace_back("Text", text.data());
+    return write(out, shown, Format::kJson);
+  }
+  out << text.data() << '\n';
+}
+
+void field(const FieldArguments& arguments, std::ostream& out) {
+  const FieldType& type = *find_type(Among::kTypes, arguments.type);
+  const Limit low(type, "--low", arguments.low);
+  const Limit high(type, "--high", arguments.high);
+  // More than the text or a value needs makes no difference.
+  constexpr std::size_t kValueSize = ORX_FIELD_VALUE_SIZE;
+  std::string bytes(std::max(arguments.text.size() + 1, kValueSize), '\0');
+  const int size = std::min(arguments.size, static_cast<int>(bytes.size()));
+  Imported imported{};
+  imported.result =
+      orxdb_StrToVal(arguments.text.c_str(), low.get(), high.get(), type.number,
+                     arguments.subtype.value_or(type.kind.subtype), size, &imported.special, bytes.data());
+  imported.value = type.kind.value(bytes.data());
+  write(out, field_record(type.kind, imported), arguments.format);
+  if (imported.result == 0) return;
+  throw Failure(arguments.text, imported.result == -1
+                                    ? std::string("it is not ") + type.kind.expected
+                                    : "it does not fit into " + std::to_string(size) + " bytes");
+}
+
+}  // namespace orx::cli

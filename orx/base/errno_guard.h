@@ -1,0 +1,25 @@
+// The host's errno, which the library's own calls must not change.
+#pragma once
+
+#include <cerrno>
+
+namespace orx::platform {
+
+// Restores errno at the end of the scope to its value at the beginning.
+//
+// Both accesses are volatile. Clang assumes that `new (std::nothrow)` leaves errno alone. It would read errno
+// after the allocation, or would not write it back.
+class ErrnoGuard {
+ public:
+  ErrnoGuard() = default;
+  ErrnoGuard(const ErrnoGuard&) = delete;
+  ErrnoGuard& operator=(const ErrnoGuard&) = delete;
+  ~ErrnoGuard() { current() = value_; }
+
+ private:
+  static volatile int& current() { return errno; }
+
+  int value_ = current();
+};
+
+}  // namespace orx::platform

@@ -1,0 +1,192 @@
+#include <orx/platform/posix/dom/tree.h>
+
+#include <orx/platform/posix/dom/host.h>
+#include <orx/platform/posix/dom/nodes.h>
+
+#include <libxml/valid.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace orx::platform::dom {
+namespace {
+
+// Whether a host can still see the node or one below it. An element that declares namespaces counts as well:
+// nodes that were cut out of it before may be of those namespaces. Only a parse makes such elements, so few
+// are kept.
+bool is_needed(xmlNode& top) {
+  for (xmlNode* node = &top; node != nullptr; node = following(node, &top)) {
+    if (node->_private != nullptr) return true;
+    if (node->type != XML_ELEMENT_NODE) continue;
+    if (node->nsDef != nullptr) return true;
+    for (xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next) {
+      if (is_needed(*reinterpret_cast<xmlNode*>(attribute))) return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+void DocDeleter::operator()(xmlDoc* doc) const noexcept {
+  const CallbackAside host;
+  xmlFreeDoc(doc);
+}
+
+Tree::~Tree() {
+  const CallbackAside host;
+  for (xmlNode* node : removed_) xmlFreeNode(node);
+}
+
+void Tree::Release() {
+  if (--references_ == 0) delete this;
+}
+
+Node* Tree::HandleOf(xmlNode* node) {
+  if (node->_private == nullptr) return new Node(*this, node);
+  Node* handle = static_cast<Node*>(node->_private);
+  handle->AddRef();
+  return handle;
+}
+
+void Tree::SetText(xmlNode& parent, std::string_view text) {
+  NodePointer added = text.empty() ? nullptr : new_text(*parent.doc, text);
+  if (first_child(parent) != nullptr) RemoveChildren(parent);
+  if (added != nullptr) xmlAddChild(&parent, added.release());
+}
+
+void Tree::RemoveChildren(xmlNode& parent) {
+  if (removed_.size() >= sweep_at_) Sweep();
+  std::size_t children = 0;
+  for (const xmlNode* child = first_child(parent); child != nullptr; child = child->next) ++children;
+  if (children > removed_.capacity() - removed_.size())
+    removed_.reserve(std::max(2 * removed_.size(), removed_.size() + children));
+  forget_ids(parent);
+  const CallbackAside host;  // from here on nothing throws
+  while (xmlNode* child = first_child(parent)) {
+    const bool seen = lists_ > 0 || is_needed(*child);
+    if (seen) removed_.push_back(child);
+    xmlUnlinkNode(child);
+    if (!seen) xmlFreeNode(child);
+  }
+}
+
+// Runs when the number of removed nodes has doubled, so that it costs next to nothing a node.
+void Tree::Sweep() {
+  if (lists_ == 0) {
+    const CallbackAside host;
+    std::erase_if(removed_, [](xmlNode* node) {
+      if (is_needed(*node)) return false;
+      xmlFreeNode(node);
+      return true;
+    });
+  }
+  sweep_at_ = std::max<std::size_t>(16, 2 * removed_.size());
+}
+
+unsigned long Node::Release() noexcept {
+  const unsigned long left = --references_;
+  if (left == 0) {
+    Tree& owner = tree;
+    node->_private = nullptr;
+    delete this;
+    owner.Release();
+  }
+  return left;
+}
+
+unsigned long List::Release() noexcept {
+  const unsigned long left = --references_;
+  if (left == 0) {
+    Tree& owner = tree_;
+    delete this;
+    owner.ReleaseList();
+  }
+  return left;
+}
+
+Node* List::Next() {
+  xmlNode* next = nullptr;
+  if (parent_ == nullptr) {
+    if (position_ < nodes_.size()) next = nodes_[position_];
+  } else if (last_ == nullptr) {
+    next = first_child(*parent_);
+  } else if (last_->parent == parent_) {  // it may have been removed since
+    next = last_->next;
+  }
+  if (next == nullptr) return nullptr;
+  Node* handle = tree_.HandleOf(next);
+  last_ = next;
+  ++position_;
+  return handle;
+}
+
+unsigned long Document::Release() noexcept {
+  const unsigned long left = --references_;
+  if (left == 0) delete this;
+  return left;
+}
+
+Document::Document() {
+  prepare_libxml2();
+  const HostAside host;
+  DocPointer doc(allocated(xmlNewDoc(as_xml("1.0"))));
+  host.CheckMemory();
+  tree_ = new Tree(std::move(doc));
+}
+
+void Document::Hold(Tree* tree) noexcept { std::exchange(tree_, tree)->Release(); }
+
+void forget_ids(xmlNode& top) {
+  if (top.doc->ids == nullptr) return;
+  const HostAside host;
+  const auto forget = [&host](xmlAttr* attribute) {
+    if (attribute->atype != XML_ATTRIBUTE_ID) return;
+    xmlRemoveID(attribute->doc, attribute);
+    host.CheckMemory();
+    attribute->atype = {};
+  };
+  if (top.type == XML_ATTRIBUTE_NODE) forget(reinterpret_cast<xmlAttr*>(&top));
+  for (xmlNode* node = &top; node != nullptr; node = following(node, &top)) {
+    if (node->type != XML_ELEMENT_NODE) continue;
+    for (xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next)
+      forget(attribute);
+  }
+}
+
+xmlNode* first_child(const xmlNode& node) {
+  switch (node.type) {
+    case XML_ELEMENT_NODE:
+    case XML_ATTRIBUTE_NODE:
+    case XML_DOCUMENT_NODE:
+      return node.children;
+    default:
+      return nullptr;
+  }
+}
+
+xmlNode* following(xmlNode* node, const xmlNode* top) {
+  if (xmlNode* child = first_child(*node)) return child;
+  while (node != top) {
+    if (node->next != nullptr) return node->next;
+    node = node->parent;
+  }
+  return nullptr;
+}
+
+bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+
+bool keeps_space(const xmlNode& node) {
+  // Only a document that uses the prefix "xml" has its namespace declared; the others need no search.
+  if (node.doc->oldNs == nullptr) return false;
+  for (const xmlNode* at = &node; at != nullptr && at->type == XML_ELEMENT_NODE; at = at->parent) {
+    const xmlAttr* space = find_attribute(*at, "xml:space");
+    const xmlNode* text = space != nullptr ? space->children : nullptr;
+    if (text == nullptr || text->content == nullptr) continue;
+    if (xmlStrEqual(text->content, as_xml("preserve"))) return true;
+    if (xmlStrEqual(text->content, as_xml("default"))) return false;
+  }
+  return false;
+}
+
+}  // namespace orx::platform::dom

@@ -1,0 +1,230 @@
+#include <orx/platform/posix/registry/store.h>
+
+#include <orx/platform/posix/registry/names.h>
+
+#include <cstring>
+
+namespace orx::platform {
+namespace {
+
+constexpr std::int64_t kDeepestLevel = 512;  // the root counts as one
+constexpr std::size_t kMostKnown = 4096;
+
+bool is_text(std::int64_t type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
+
+LSTATUS deliver_value(std::int64_t type, std::string_view bytes, const ValueOutput& output) {
+  if (output.type != nullptr) *output.type = static_cast<DWORD>(type);
+  if (output.size == nullptr) return ERROR_SUCCESS;
+  const DWORD room = *output.size;
+  *output.size = static_cast<DWORD>(bytes.size());
+  if (output.data == nullptr) return ERROR_SUCCESS;
+  if (bytes.size() > room) return ERROR_MORE_DATA;
+  std::memcpy(output.data, bytes.data(), bytes.size());
+  const bool is_open_end = is_text(type) && bytes.size() < room && !bytes.empty() && bytes.back() != '\0';
+  if (is_open_end) output.data[bytes.size()] = '\0';
+  return ERROR_SUCCESS;
+}
+
+LSTATUS deliver_name(std::string_view name, const NameOutput& output) {
+  if (name.size() >= *output.size) return ERROR_MORE_DATA;
+  std::memcpy(output.name, name.data(), name.size());
+  output.name[name.size()] = '\0';
+  *output.size = static_cast<DWORD>(name.size());
+  return ERROR_SUCCESS;
+}
+
+bool fold_value_name(std::string_view name, std::string& folded) {
+  return fold_name(name, kLongestValueName, folded);
+}
+
+}  // namespace
+
+LSTATUS RegistryStore::Find(KeyId from, std::string_view path, KeyId& found) {
+  if (path.starts_with('\\')) return ERROR_BAD_PATHNAME;
+  const LSTATUS readable = database_.readable();
+  const bool is_root = from == kRootKey && path.empty();
+  if (is_root) found = from;
+  if (is_root && readable == ERROR_FILE_NOT_FOUND) return ERROR_SUCCESS;  // it is there without a file
+  if (readable != ERROR_SUCCESS) return readable;
+  if (FindKnown(from, path, found)) return ERROR_SUCCESS;
+  if (const LSTATUS status = Exists(from); status != ERROR_SUCCESS) return status;
+  KeyId key = from;
+  std::string folded;
+  for (std::string_view rest = path; !rest.empty();) {
+    const LSTATUS status = FindLevel(key, take_level(rest), folded, key);
+    if (status != ERROR_SUCCESS) return status;
+  }
+  Know(from, path, key);
+  found = key;
+  return ERROR_SUCCESS;
+}
+
+LSTATUS RegistryStore::Make(KeyId from, std::string_view path, KeyId& made, bool& is_new) {
+  is_new = false;
+  LSTATUS status = Find(from, path, made);
+  if (status != ERROR_FILE_NOT_FOUND) return status;
+  status = StartWriting(from);
+  KeyId key = from;
+  std::string folded;
+  for (std::string_view rest = path; status == ERROR_SUCCESS && !rest.empty();) {
+    const std::string_view level = take_level(rest);
+    status = FindLevel(key, level, folded, key);
+    is_new = status == ERROR_FILE_NOT_FOUND;
+    if (is_new) status = AddLevel(key, level, folded, key);
+  }
+  if (status == ERROR_SUCCESS) made = key;
+  return status;
+}
+
+LSTATUS RegistryStore::Delete(KeyId from, std::string_view path) {
+  KeyId key = 0;
+  if (const LSTATUS status = FindDeletable(from, path, key); status != ERROR_SUCCESS) return status;
+  {
+    Run run(database_.Prepared(Sql::kHasChildren));
+    const LSTATUS status = database_.Found(run.Bind(key));
+    if (status != ERROR_FILE_NOT_FOUND)
+      return status == ERROR_SUCCESS ? LSTATUS{ERROR_ACCESS_DENIED} : status;
+  }
+  return Remove(Sql::kDeleteKey, key);
+}
+
+LSTATUS RegistryStore::DeleteTree(KeyId from, std::string_view path) {
+  if (path.empty() && from == kRootKey) return ERROR_ACCESS_DENIED;
+  KeyId key = from;
+  const LSTATUS status = path.empty() ? StartWriting(from) : FindDeletable(from, path, key);
+  if (status != ERROR_SUCCESS) return status;
+  return Remove(path.empty() ? Sql::kDeleteChildren : Sql::kDeleteKey, key);
+}
+
+LSTATUS RegistryStore::Query(KeyId key, std::string_view name, const ValueOutput& output) {
+  std::string folded;
+  LSTATUS status = fold_value_name(name, folded) ? database_.readable() : LSTATUS{ERROR_FILE_NOT_FOUND};
+  if (status == ERROR_SUCCESS) {
+    Run run(database_.Prepared(Sql::kFindValue));
+    status = database_.Found(run.Bind(key).Bind(folded));
+    if (status == ERROR_SUCCESS) return deliver_value(run.Integer(0), run.Bytes(1), output);
+  }
+  if (status != ERROR_FILE_NOT_FOUND) return status;
+  const LSTATUS exists = key != kRootKey ? Exists(key) : LSTATUS{ERROR_SUCCESS};
+  if (exists != ERROR_SUCCESS) return exists;
+  if (output.type != nullptr) *output.type = REG_NONE;
+  return status;
+}
+
+LSTATUS RegistryStore::Set(KeyId key, std::string_view name, DWORD type, const void* data, DWORD size) {
+  std::string folded;
+  if (!fold_value_name(name, folded)) return ERROR_INVALID_PARAMETER;
+  if (const LSTATUS status = StartWriting(key); status != ERROR_SUCCESS) return status;
+  Run run(database_.Prepared(Sql::kSetValue));
+  return database_.Done(run.Bind(key).Bind(name).Bind(folded).Bind(type).Bind(data, size));
+}
+
+LSTATUS RegistryStore::DeleteValue(KeyId key, std::string_view name) {
+  std::string folded;
+  if (!fold_value_name(name, folded)) return ERROR_FILE_NOT_FOUND;
+  if (const LSTATUS status = StartWriting(key); status != ERROR_SUCCESS) return status;
+  Run run(database_.Prepared(Sql::kDeleteValue));
+  return database_.Found(run.Bind(key).Bind(folded));
+}
+
+LSTATUS RegistryStore::ListKey(KeyId key, DWORD index, const NameOutput& output) {
+  return ListItem(Sql::kListKeys, keys_, key, index,
+                  [&](Run& run) { return deliver_name(run.Bytes(0), output); });
+}
+
+LSTATUS RegistryStore::ListValue(KeyId key, DWORD index, const NameOutput& output, const ValueOutput& value) {
+  return ListItem(Sql::kListValues, values_, key, index, [&](Run& run) {
+    const LSTATUS status = deliver_name(run.Bytes(0), output);
+    return status == ERROR_SUCCESS ? deliver_value(run.Integer(2), run.Bytes(3), value) : status;
+  });
+}
+
+LSTATUS RegistryStore::StartWriting(KeyId key) {
+  const LSTATUS status = database_.StartWriting();
+  return status == ERROR_SUCCESS ? Exists(key) : status;
+}
+
+LSTATUS RegistryStore::Exists(KeyId key) {
+  if (key == kRootKey) return database_.readable();
+  Run run(database_.Prepared(Sql::kKeyExists));
+  const LSTATUS status = database_.Found(run.Bind(key));
+  return status == ERROR_FILE_NOT_FOUND ? LSTATUS{ERROR_KEY_DELETED} : status;
+}
+
+LSTATUS RegistryStore::FindLevel(KeyId parent, std::string_view level, std::string& folded, KeyId& found) {
+  if (!fold_name(level, kLongestKeyName, folded)) return ERROR_INVALID_PARAMETER;
+  Run run(database_.Prepared(Sql::kFindKey));
+  const LSTATUS status = database_.Found(run.Bind(parent).Bind(folded));
+  if (status == ERROR_SUCCESS) found = run.Integer(0);
+  return status;
+}
+
+LSTATUS RegistryStore::AddLevel(KeyId parent, std::string_view level, std::string_view folded, KeyId& made) {
+  {
+    Run depth(database_.Prepared(Sql::kKeyDepth));
+    const LSTATUS status = database_.Found(depth.Bind(parent).Bind(kDeepestLevel));
+    if (status != ERROR_SUCCESS) return status;
+    if (depth.Integer(0) >= kDeepestLevel) return ERROR_INVALID_PARAMETER;
+  }
+  Run run(database_.Prepared(Sql::kAddKey));
+  const LSTATUS status = database_.Found(run.Bind(parent).Bind(level).Bind(folded));
+  if (status == ERROR_SUCCESS) made = run.Integer(0);
+  return status;
+}
+
+LSTATUS RegistryStore::FindDeletable(KeyId from, std::string_view path, KeyId& found) {
+  if (const LSTATUS status = Find(from, path, found); status != ERROR_SUCCESS) return status;
+  KeyId software = 0;
+  if (found == kRootKey || (Find(kRootKey, "Software", software) == ERROR_SUCCESS && found == software)) {
+    return ERROR_ACCESS_DENIED;
+  }
+  if (const LSTATUS status = database_.StartWriting(); status != ERROR_SUCCESS) return status;
+  return Find(from, path, found);
+}
+
+LSTATUS RegistryStore::Remove(Sql sql, KeyId key) {
+  known_.clear();
+  Run run(database_.Prepared(sql));
+  return database_.Done(run.Bind(key));
+}
+
+bool RegistryStore::FindKnown(KeyId from, std::string_view path, KeyId& found) {
+  if (known_epoch_ != database_.epoch()) known_.clear();
+  known_epoch_ = database_.epoch();
+  known_name_.assign(reinterpret_cast<const char*>(&from), sizeof from).append(path);
+  const auto known = known_.find(known_name_);
+  if (known != known_.end()) found = known->second;
+  return known != known_.end();
+}
+
+void RegistryStore::Know(KeyId from, std::string_view path, KeyId found) {
+  if (known_.size() >= kMostKnown) known_.clear();
+  known_name_.assign(reinterpret_cast<const char*>(&from), sizeof from).append(path);
+  known_.emplace(known_name_, found);
+}
+
+template <class Deliver>
+LSTATUS RegistryStore::ListItem(Sql sql, Listing& listing, KeyId key, DWORD index, Deliver deliver) {
+  LSTATUS status = database_.readable();
+  if (status != ERROR_SUCCESS) return status == ERROR_FILE_NOT_FOUND ? LSTATUS{ERROR_NO_MORE_ITEMS} : status;
+  // Goes on behind the item before, which may be gone by now. A listing that begins anew finds what was made
+  // meanwhile.
+  const bool goes_on = listing.key == key && index > listing.index;
+  if (!goes_on) listing = {};
+  const std::string least = goes_on ? listing.folded + '\0' : "";
+  const DWORD offset = goes_on ? index - listing.index - 1 : index;
+  {
+    Run run(database_.Prepared(sql));
+    status = database_.Found(run.Bind(key).Bind(least).Bind(offset));
+    if (status == ERROR_SUCCESS) {
+      status = deliver(run);
+      listing = {key, index, std::string(run.Bytes(1))};
+      return status;
+    }
+  }
+  if (status != ERROR_FILE_NOT_FOUND) return status;
+  const LSTATUS exists = Exists(key);
+  return exists == ERROR_SUCCESS ? LSTATUS{ERROR_NO_MORE_ITEMS} : exists;
+}
+
+}  // namespace orx::platform

@@ -1,0 +1,53 @@
+// Open files of the system.
+#pragma once
+
+#include <orx/platform/posix/support/quiet_write.h>
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+namespace orx::platform {
+
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int number) : number_(number) {}
+  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
+  ~Descriptor() { Close(); }
+
+  bool is_open() const { return number_ >= 0; }
+  operator int() const { return number_; }
+
+  // Some file systems report only now that the disk is full.
+  bool Close() { return number_ < 0 || close(std::exchange(number_, -1)) == 0; }
+
+ private:
+  int number_ = -1;
+};
+
+// The result of a call that a signal may interrupt.
+template <class Call>
+auto uninterrupted(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
+
+inline bool write_all(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = uninterrupted([&] { return quiet_write(file, bytes.data(), bytes.size()); });
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+}  // namespace orx::platform

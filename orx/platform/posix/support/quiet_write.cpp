@@ -1,0 +1,16 @@
+#include <orx/platform/posix/support/quiet_write.h>
+
+#include <orx/platform/posix/support/signal_block.h>
+
+#include <unistd.h>
+
+namespace orx::platform {
+
+ssize_t quiet_write(int file, const void* bytes, std::size_t size) {
+  SignalBlock held;
+  const ssize_t written = write(file, bytes, size);
+  if (written == static_cast<ssize_t>(size)) held.NoneSent();
+  return written;
+}
+
+}  // namespace orx::platform
