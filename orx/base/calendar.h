@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace orx::datetime {
+namespace orx::calendar {
 
 struct Fields {
   int year = 1899;  // day 0
@@ -125,10 +125,4 @@ inline bool to_fields(double value, Fields& fields) {
   return true;
 }
 
-// A year as the user writes it, below 100 completed by the two-digit pivot.
-inline int completed_year(int year, int pivot) {
-  if (year >= 100) return year;
-  return year + (year >= 0 && year < pivot ? 2000 : 1900);
-}
-
-}  // namespace orx::datetime
+}  // namespace orx::calendar

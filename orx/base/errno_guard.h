@@ -1,9 +1,9 @@
-// The host's errno, which the library's own calls must not change.
+// Keeps the host's errno, which calls of the library must not change. Internal to the library.
 #pragma once
 
 #include <cerrno>
 
-namespace orx::platform {
+namespace orx {
 
 // Restores errno at the end of the scope to its value at the beginning.
 //
@@ -22,4 +22,4 @@ class ErrnoGuard {
   int value_ = current();
 };
 
-}  // namespace orx::platform
+}  // namespace orx

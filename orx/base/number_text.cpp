@@ -1,6 +1,6 @@
 #include <orx/base/number_text.h>
 
-#include <orx/platform/code_page.h>
+#include <orx/base/ascii.h>
 #include <orx/base/errno_guard.h>
 
 #include <algorithm>
@@ -15,10 +15,8 @@
 #include <string_view>
 #include <system_error>
 
-namespace orx::compat {
+namespace orx {
 namespace {
-
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // Of a number beyond the range: whether it is too large, or too close to 0. Its decimal exponent is that of
 // its first digit that is not 0, moved by the exponent that is written.
@@ -76,7 +74,7 @@ Number read_digits(const char* first, const char* last) {
 // Fortran writes a D before the exponent. The number is read again with an E in its place, from a copy;
 // without memory for that there is no exponent.
 Number read_fortran(const char* first, const Number& mantissa) {
-  const platform::ErrnoGuard kept_errno;
+  const ErrnoGuard errno_guard;
   const char* const last = mantissa.end + 1 + std::strspn(mantissa.end + 1, "+-0123456789");
   const std::unique_ptr<char[]> copy(new (std::nothrow) char[static_cast<std::size_t>(last - first)]);
   if (copy == nullptr) return mantissa;
@@ -93,7 +91,7 @@ Number read_long(const char* text) {
 }
 
 const char* skip_space(const char* text) {
-  while (platform::is_space(*text)) ++text;
+  while (is_space(*text)) ++text;
   return text;
 }
 
@@ -119,4 +117,4 @@ std::int32_t read_int32(const char* text) {
   return *text == '-' ? std::numeric_limits<std::int32_t>::min() : std::numeric_limits<std::int32_t>::max();
 }
 
-}  // namespace orx::compat
+}  // namespace orx

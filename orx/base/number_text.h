@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace orx::compat {
+namespace orx {
 
 // Both read the number at the beginning of the text, behind white space, and ignore what follows it; without
 // a number they give 0. errno is left alone.
@@ -21,4 +21,4 @@ inline double read_double(const char* text) { return read_number(text).value; }
 // A whole number; beyond the range it is the nearest that there is.
 std::int32_t read_int32(const char* text);
 
-}  // namespace orx::compat
+}  // namespace orx

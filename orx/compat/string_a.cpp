@@ -1,5 +1,6 @@
 #include <orx/compat/string_a.h>
 
+#include <orx/base/ascii.h>
 #include <orx/base/text_format.h>
 
 #include <algorithm>
@@ -52,9 +53,6 @@ std::size_t grown_capacity(int capacity, int wanted) {
   return static_cast<std::size_t>(std::clamp<std::int64_t>(grown, wanted, INT_MAX));
 }
 
-char to_upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-char to_lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 CStringA& change_each(CStringA& text, char (*change)(char)) {
   char* chars = text.GetBuffer();
   std::transform(chars, chars + text.GetLength(), chars, change);
@@ -97,7 +95,7 @@ HRESULT append_formatted(CStringA& text, const char* format, std::va_list argume
   char small[256];
   std::va_list first;
   va_copy(first, arguments);
-  const int length = orx::compat::format_text(small, sizeof small, format, first);
+  const int length = orx::format_text(small, sizeof small, format, first);
   va_end(first);
   if (length < 0) return E_INVALIDARG;
   if (static_cast<std::size_t>(length) < sizeof small) {
@@ -106,7 +104,7 @@ HRESULT append_formatted(CStringA& text, const char* format, std::va_list argume
   }
   CStringA added;
   char* chars = added.GetBuffer(length);
-  orx::compat::format_text(chars, static_cast<std::size_t>(length) + 1, format, arguments);
+  orx::format_text(chars, static_cast<std::size_t>(length) + 1, format, arguments);
   added.ReleaseBufferSetLength(length);
   text.Append(added);
   return S_OK;
@@ -252,7 +250,7 @@ int CStringA::CompareNoCase(const char* other) const noexcept {
   const char* right = other != nullptr ? other : "";
   for (;; ++left, ++right) {
     const int difference =
-        static_cast<unsigned char>(to_lower(*left)) - static_cast<unsigned char>(to_lower(*right));
+        static_cast<unsigned char>(orx::to_lower(*left)) - static_cast<unsigned char>(orx::to_lower(*right));
     if (difference != 0 || *left == '\0') return difference;
   }
 }
@@ -296,8 +294,8 @@ CStringA& CStringA::TrimRight() { return trim_right(*this, kWhiteSpace); }
 CStringA& CStringA::TrimRight(char c) { return trim_right(*this, {&c, 1}); }
 CStringA& CStringA::TrimRight(const char* set) { return trim_right(*this, view(set)); }
 
-CStringA& CStringA::MakeUpper() { return change_each(*this, to_upper); }
-CStringA& CStringA::MakeLower() { return change_each(*this, to_lower); }
+CStringA& CStringA::MakeUpper() { return change_each(*this, orx::to_upper); }
+CStringA& CStringA::MakeLower() { return change_each(*this, orx::to_lower); }
 
 int CStringA::Replace(char old_char, char new_char) {
   const auto replaced = std::count(chars_, chars_ + GetLength(), old_char);

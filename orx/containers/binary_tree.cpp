@@ -204,7 +204,7 @@ void release_all(Node* node, bto_item_fn free_item) {
 }  // namespace
 
 bto_tree* bto_new() {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   return new (std::nothrow) bto_tree{};
 }
 

@@ -49,7 +49,7 @@ namespace {
 
 // Where memory is short, a smaller block will do.
 bool add_block(genlist& list) {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   std::size_t size = std::clamp(kGrowth * list.block_size, kFirstBlock, kLargestBlock);
   void* memory = nullptr;
   while (memory == nullptr && size >= kFirstBlock) {
@@ -128,14 +128,14 @@ void* neighbour(const genlist* list, void* key, int wrap, Node* Node::*next, Nod
 }
 
 std::unique_ptr<void* []> room_for_items(const genlist& list) {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   return std::unique_ptr<void*[]>(new (std::nothrow) void*[list.count]);
 }
 
 }  // namespace
 
 genlist* genlist_new(genlist_compare_fn compare, genlist_swap_fn swap, genlist_free_fn free_item) {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   auto* const list = new (std::nothrow) genlist{};
   if (list == nullptr) return nullptr;
   list->compare = compare;

@@ -10,7 +10,7 @@
 
 namespace {
 
-using orx::datetime::Fields;
+using orx::calendar::Fields;
 
 enum Error {
   kNoError,
@@ -31,11 +31,11 @@ bool has_time(const orxDateTime& dt) { return dt.kind == orxDateTimeFull || dt.k
 
 // February 29 of a year that only a simpler calendar takes for a leap year is told as a wrong month.
 Error diagnosed_date(const Fields& fields) {
-  if (orx::datetime::is_date(fields.year, fields.month, fields.day)) return kNoError;
+  if (orx::calendar::is_date(fields.year, fields.month, fields.day)) return kNoError;
   if (fields.year < 100 || fields.year > 9999) return kInvalidYear;
   if (fields.month < 1 || fields.month > 12) return kInvalidMonth;
   const int last =
-      fields.month == 2 && fields.year % 4 == 0 ? 29 : orx::datetime::kDaysOfMonths[fields.month - 1];
+      fields.month == 2 && fields.year % 4 == 0 ? 29 : orx::calendar::kDaysOfMonths[fields.month - 1];
   return fields.day < 1 || fields.day > last ? kInvalidDay : kInvalidMonth;
 }
 
@@ -54,15 +54,15 @@ Error diagnosed(const orxDateTime& dt, const Fields& fields) {
 
 int set(orxDateTime* dt, Fields fields) {
   if (dt == nullptr) return 1;
-  fields.year = orx::datetime::completed_year(fields.year, orx::datetime::static_defaults.pivot);
-  const bool is_valid = orx::datetime::to_value(fields, dt->value);
+  fields.year = orx::datetime::completed_year(fields.year);
+  const bool is_valid = orx::calendar::to_value(fields, dt->value);
   dt->errorCode = is_valid ? kNoError : diagnosed(*dt, fields);
   return is_valid ? 0 : 1;
 }
 
 Fields fields_of(const orxDateTime* dt) {
   Fields fields{-1, -1, -1, -1, -1, -1};
-  if (dt != nullptr) orx::datetime::to_fields(dt->value, fields);
+  if (dt != nullptr) orx::calendar::to_fields(dt->value, fields);
   return fields;
 }
 
@@ -77,7 +77,7 @@ Fields now() {
 
 double value_of(const Fields& fields) {
   double value = 0;
-  orx::datetime::to_value(fields, value);
+  orx::calendar::to_value(fields, value);
   return value;
 }
 
@@ -104,7 +104,7 @@ int orxDateTime_SetHourMinuteSecond(orxDateTime* dt, int hour, int minute, int s
   fields.hour = hour;
   fields.minute = minute;
   fields.second = second;
-  if (orx::datetime::to_value(fields, dt->value)) {
+  if (orx::calendar::to_value(fields, dt->value)) {
     dt->errorCode = kNoError;
     return 0;
   }

@@ -12,7 +12,7 @@
 
 namespace {
 
-using orx::datetime::Fields;
+using orx::calendar::Fields;
 
 // "00" to "99", since a number of two digits is copied faster than it is divided.
 constexpr auto kPairs = [] {
@@ -97,7 +97,7 @@ void put_date(Writer& text, int year, int month, int day, int order) {
 int format(const orxDateTime* dt, char* buffer, int size, const Style& style) {
   if (dt == nullptr || buffer == nullptr || size < 1) return 0;
   Fields fields{-1, -1, -1, -1, -1, -1};
-  orx::datetime::to_fields(dt->value, fields);
+  orx::calendar::to_fields(dt->value, fields);
   const auto& [year, month, day, hour, minute, second] = fields;
   Writer text;
   switch (dt->kind) {

@@ -1,6 +1,7 @@
 #include <orx/datetime/date_time_parse.h>
 
 #include <orx/base/number_text.h>
+#include <orx/base/ascii.h>
 #include <orx/platform/clock.h>
 #include <orx/platform/code_page.h>
 
@@ -14,26 +15,24 @@ constexpr int kNoBlankBetween = -1;
 
 using Numbers = int[3];
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
 // The digits at a text. A number too large for every calendar stays so, whatever its digits: it is for the
 // calendar to refuse it.
 const char* read_digits(const char* text, int& number) {
   while (*text == '0') ++text;
   const char* const first = text;
   unsigned magnitude = 0;
-  for (; is_digit(*text); ++text) magnitude = magnitude * 10 + static_cast<unsigned>(*text - '0');
+  for (; orx::is_digit(*text); ++text) magnitude = magnitude * 10 + static_cast<unsigned>(*text - '0');
   number = text - first > 9 ? INT_MAX : static_cast<int>(magnitude);
   return text;
 }
 
 // The next integer, behind white space and a sign; null when there is none.
 const char* read_integer(const char* text, int& number) {
-  if (is_digit(*text)) return read_digits(text, number);
-  while (orx::platform::is_space(*text)) ++text;
+  if (orx::is_digit(*text)) return read_digits(text, number);
+  while (orx::is_space(*text)) ++text;
   const bool is_negative = *text == '-';
   if (is_negative || *text == '+') ++text;
-  if (!is_digit(*text)) return nullptr;
+  if (!orx::is_digit(*text)) return nullptr;
   text = read_digits(text, number);
   if (is_negative) number = -number;
   return text;
@@ -66,7 +65,7 @@ bool split(const char* text, Parts& parts) {
   bool has_slash = false, has_colon = false;
   const char* blank = text;
   for (;; ++blank) {
-    if (is_digit(*blank)) continue;  // as most are
+    if (orx::is_digit(*blank)) continue;  // as most are
     if (*blank == ' ' || *blank == '\0') break;
     if (*blank == '/') has_slash = true;
     if (*blank == ':') has_colon = true;
@@ -129,7 +128,7 @@ int orxDateTime_ParseString(orxDateTime* dt, const char* text) {
   if (text == nullptr) return 0;
   if (dt == nullptr) return 1;
   if (dt->kind == orxDateTimeNumber) {
-    dt->value = orx::compat::read_double(text);
+    dt->value = orx::read_double(text);
     return 0;
   }
   if (*text == 'G' && std::strcmp(text, "GETDATE()") == 0) return store_now(*dt);

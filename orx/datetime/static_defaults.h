@@ -21,4 +21,10 @@ struct StaticDefaults {
 
 extern StaticDefaults static_defaults;
 
+// The full year of a year that may have two digits.
+inline int completed_year(int year) {
+  if (year >= 100) return year;
+  return year + (year >= 0 && year < static_defaults.pivot ? 2000 : 1900);
+}
+
 }  // namespace orx::datetime

@@ -67,7 +67,7 @@ bool look_for_folder(std::string& folder) {
 }  // namespace
 
 bool orx::find_application_data_folder(ApplicationDataFolder& folder) {
-  const platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   *folder = '\0';
   try {
     std::string found;
@@ -87,7 +87,7 @@ void GetApplicationDataPath(char* buffer, int size) {
 }
 
 void GetApplicationDataPathString(CStringA& path) {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   orx::ApplicationDataFolder folder;
   orx::find_application_data_folder(folder);
   path.Empty();

@@ -75,7 +75,7 @@ bool succeeds(Call call) {
 
 int write(Log& log, const char* text) {
   if (text == nullptr || *text == '\0') return -1;
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   if (echoes) std::puts(text);
   orx::platform::debug_output(text);
   started = true;
@@ -88,7 +88,7 @@ int write_formatted(Log& log, const char* format, std::va_list arguments) {
   if (format == nullptr) return -1;
   // Filled, for a format that cannot be carried out: the line is what was written before that came out.
   char text[kLongestFormatted + 1] = "";
-  orx::compat::format_text(text, sizeof text, format, arguments);
+  orx::format_text(text, sizeof text, format, arguments);
   return write(log, text);
 }
 

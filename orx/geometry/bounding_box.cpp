@@ -40,7 +40,7 @@ int box_has(const bbox* box, const double* point) {
 }  // namespace
 
 bbox* bbox_new() {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   return new (std::nothrow) bbox(kEmpty);
 }
 

@@ -144,7 +144,7 @@ Point end_of(const cutplane& cut, int end) { return {cut.seg_x[end], cut.seg_y[e
 }  // namespace
 
 cutplane* cutplane_new() {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   return new (std::nothrow) cutplane{};
 }
 

@@ -46,7 +46,7 @@ constexpr struct {
 // Null when memory runs out.
 template <class T>
 T* allocated(std::size_t count) {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   return new (std::nothrow) T[count];
 }
 

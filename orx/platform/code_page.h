@@ -9,9 +9,6 @@
 
 namespace orx::platform {
 
-// Space, tab, line feed, vertical tab, form feed, carriage return.
-inline bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 // Compares without regard to the case of the letters A to Z; below, at or above 0.
 int compare_no_case(const char* left, const char* right);
 

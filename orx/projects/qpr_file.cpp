@@ -1,5 +1,6 @@
 #include <orx/projects/qpr_file.h>
 
+#include <orx/base/ascii.h>
 #include <orx/platform/code_page.h>
 #include <orx/projects/platform_catalogue.h>
 #include <orx/projects/xml_handle.h>
@@ -68,7 +69,7 @@ const Property* find_property(const char* name) {
 
 // As atoi, but a number too large for an int becomes the nearest one, and no locale plays a part.
 int to_int(std::string_view text) {
-  while (!text.empty() && orx::platform::is_space(text.front())) text.remove_prefix(1);
+  while (!text.empty() && orx::is_space(text.front())) text.remove_prefix(1);
   const bool is_negative = text.starts_with('-');
   if (is_negative || text.starts_with('+')) text.remove_prefix(1);
   long long number = 0;

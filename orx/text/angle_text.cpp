@@ -47,14 +47,14 @@ const Notation& notation_of(int mode) {
 
 // The text goes on in `rest` where it ends with a colon.
 double read_columns(const char* text, const char* rest, int columns) {
-  const double degrees = orx::compat::read_double(text);
+  const double degrees = orx::read_double(text);
   if (columns == 1) return degrees;  // -0 stays what it is
   double value = std::abs(degrees);
   double parts = 1;
   while (--columns > 0 && (text = std::strchr(text, ':')) != nullptr) {
     if (*++text == '\0') std::swap(text, rest);
     parts *= 60;
-    value += orx::compat::read_double(text) / parts;
+    value += orx::read_double(text) / parts;
   }
   return degrees < 0 ? -value : value;
 }

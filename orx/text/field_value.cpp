@@ -36,13 +36,13 @@ void store(const Field& field, Value value) {
 }
 
 int read_integer(const Field& field) {
-  store(field, orx::compat::read_int32(field.text));
+  store(field, orx::read_int32(field.text));
   return 0;
 }
 
 template <typename Value>
 int read_number(const Field& field) {
-  store(field, static_cast<Value>(orx::compat::read_double(field.text)));
+  store(field, static_cast<Value>(orx::read_double(field.text)));
   return 0;
 }
 
@@ -50,7 +50,7 @@ int read_number(const Field& field) {
 // one must be, since what is searched of it may be blank, or end behind a minus.
 template <typename Value>
 bool read_plain_number(const Field& field) {
-  const orx::compat::Number number = orx::compat::read_number(field.text);
+  const orx::Number number = orx::read_number(field.text);
   const std::ptrdiff_t length = number.end - field.text;
   if (*number.end != '\0' || length == 0 || length > static_cast<std::ptrdiff_t>(kMostSearched)) return false;
   store(field, static_cast<Value>(number.value));

@@ -1,5 +1,6 @@
 #include <orx/text/strings.h>
 
+#include <orx/base/ascii.h>
 #include <orx/base/text_format.h>
 #include <orx/platform/code_page.h>
 
@@ -11,23 +12,21 @@
 
 namespace {
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
 const char* after_space(const char* text) {
-  while (orx::platform::is_space(*text)) ++text;
+  while (orx::is_space(*text)) ++text;
   return text;
 }
 
 // Behind a sign and digits, both of which may be missing.
 const char* after_integer(const char* text) {
   if (*text == '-' || *text == '+') ++text;
-  while (is_digit(*text)) ++text;
+  while (orx::is_digit(*text)) ++text;
   return text;
 }
 
 const char* after_fraction(const char* text) {
   if (*text == '.') ++text;
-  while (is_digit(*text)) ++text;
+  while (orx::is_digit(*text)) ++text;
   return text;
 }
 
@@ -76,7 +75,7 @@ int ORX_snprintf(char* buf, std::size_t n, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
   const std::size_t size = std::min<std::size_t>(n, INT_MAX - 1) + 1;
-  const int length = orx::compat::format_text(buf, size, format, arguments);
+  const int length = orx::format_text(buf, size, format, arguments);
   va_end(arguments);
   // A count beyond any buffer means "all of it".
   if (n < PTRDIFF_MAX) buf[n] = '\0';

@@ -51,7 +51,7 @@ char** copied(std::span<const std::string_view> tokens) {
 
 char** orx_token_parser(const char* text, const char* delimiters, int* count) {
   if (text == nullptr || *text == '\0' || count == nullptr) return nullptr;
-  const orx::platform::ErrnoGuard kept_errno;
+  const orx::ErrnoGuard errno_guard;
   Tokens tokens;
   const std::size_t found = split(text, delimiters != nullptr ? delimiters : "", tokens);
   char** const copies = copied(std::span(tokens).first(found));

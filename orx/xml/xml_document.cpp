@@ -1,5 +1,6 @@
 #include <orx/xml/xml_document.h>
 
+#include <orx/base/ascii.h>
 #include <orx/platform/code_page.h>
 #include <orx/platform/dom.h>
 #include <orx/platform/file_system.h>
@@ -37,7 +38,7 @@ auto with_one_exception(Work work) {
 // Runs one operation: 1, or 0 with its reason in `failure`.
 template <class Operation>
 int attempt(CStringA& failure, Operation operation) {
-  const orx::platform::ErrnoGuard kept;
+  const orx::ErrnoGuard errno_guard;
   std::string reason;
   if (with_one_exception([&] { return operation(reason); })) return 1;
   failure = reason.c_str();
@@ -90,8 +91,8 @@ COrxXMLDoc::~COrxXMLDoc() { CloseXMLDocument(); }
 
 void COrxXMLDoc::SetFileName(const char* name) {
   std::string_view rest(text_of(name));
-  while (!rest.empty() && orx::platform::is_space(rest.front())) rest.remove_prefix(1);
-  while (!rest.empty() && orx::platform::is_space(rest.back())) rest.remove_suffix(1);
+  while (!rest.empty() && orx::is_space(rest.front())) rest.remove_prefix(1);
+  while (!rest.empty() && orx::is_space(rest.back())) rest.remove_suffix(1);
   file_name_ = CStringA(rest.data(), static_cast<int>(rest.size()));
 }
 

@@ -10,7 +10,7 @@
 namespace orx::platform {
 
 LocalTime system_local_time() {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;  // the C library may read the file of the time zone, under a lock
   const time_t now = time(nullptr);
   tm local{};

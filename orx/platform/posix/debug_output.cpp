@@ -34,7 +34,7 @@ const char* destination() {
 }  // namespace
 
 void debug_output(const char* text) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   if (text == nullptr || *text == '\0') return;
   const char* const where = destination();

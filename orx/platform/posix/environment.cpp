@@ -1,6 +1,6 @@
 #include <orx/platform/environment.h>
 
-#include <orx/base/text_format.h>
+#include <orx/platform/posix/support/format_locale.h>
 #include <orx/base/errno_guard.h>
 #include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/environment.h>
@@ -60,7 +60,7 @@ Values read_values() {
 void read_all() {
   // The C library reads some variables by itself, on first use: TZ, and LOCPATH to find a locale.
   tzset();
-  compat::format_locale();
+  format_locale();
   std::unique_ptr<const Snapshot> fresh(new Snapshot{read_values(), newest});
   const Snapshot* known = newest;
   while (known != nullptr && known->values != fresh->values) known = known->older;
@@ -71,7 +71,7 @@ void read_all() {
 const Values& current_values() {
   const Snapshot* snapshot = current.load(std::memory_order_acquire);
   if (snapshot != nullptr) return snapshot->values;
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   const std::lock_guard lock(reading);
   if (current == nullptr) read_all();
@@ -92,7 +92,7 @@ std::string home_of_user() {
 }  // namespace
 
 void read_environment() {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   const std::lock_guard lock(reading);
   read_all();

@@ -1,3 +1,4 @@
+#include <orx/base/ascii.h>
 #include <orx/platform/file_system.h>
 #include <orx/base/errno_guard.h>
 #include <orx/platform/posix/drive_path.h>
@@ -17,12 +18,10 @@
 namespace orx::platform {
 namespace {
 
-char capital(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
 // Of a name that is not valid in the encoding, only what is ASCII.
 std::string capitals(std::string_view name) {
   std::string result(name);
-  if (!utf8::to_upper(name, result)) std::ranges::transform(result, result.begin(), capital);
+  if (!utf8::to_upper(name, result)) std::ranges::transform(result, result.begin(), to_upper);
   return result;
 }
 
@@ -101,7 +100,7 @@ std::uint64_t size_of(const struct stat& status) {
 }  // namespace
 
 std::uint64_t first_match_size(const char* pattern) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   SystemPath path = parse_path(pattern);
   struct stat status;
   const char* wildcard = std::strpbrk(pattern, "*?");

@@ -102,7 +102,7 @@ bool is_refused_by_folder(int error) {
 }  // namespace
 
 EntryKind entry_kind(const char* path) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   SystemPath where = parse_path(path);
   struct stat status;
   if (on_path(where, [&](const char* name) { return stat(name, &status); }) != 0) return EntryKind::kNone;
@@ -110,7 +110,7 @@ EntryKind entry_kind(const char* path) {
 }
 
 std::optional<std::uint64_t> readable_size(const char* path) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   SystemPath where = parse_path(path);
   const std::string& name = where.name;
   struct stat status;
@@ -130,7 +130,7 @@ std::optional<std::uint64_t> readable_size(const char* path) {
 }
 
 std::uint64_t free_space(const char* folder) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   SystemPath where = parse_path(folder);
   if (where.name.empty()) return 0;
   where.name += '/';  // refuses what is not a folder
@@ -345,13 +345,13 @@ struct FileReplacement::State {
 FileReplacement::FileReplacement() = default;
 
 FileReplacement::~FileReplacement() {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   state_.reset();
 }
 
 bool FileReplacement::Open(const char* path, std::string& reason) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   state_.reset();
   auto state = std::make_unique<State>();
@@ -361,7 +361,7 @@ bool FileReplacement::Open(const char* path, std::string& reason) {
 }
 
 bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& reason) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   std::unique_ptr<State> state = std::move(state_);
   if (state == nullptr) return failed(reason, "No file is open");
@@ -371,7 +371,7 @@ bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& re
 }
 
 bool FileReplacement::Commit(std::string& reason) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   const std::unique_ptr<State> state = std::move(state_);
   if (state == nullptr) return failed(reason, "No file is open");
@@ -379,7 +379,7 @@ bool FileReplacement::Commit(std::string& reason) {
 }
 
 bool remove_file(const char* path) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   SystemPath where = parse_path(path);
   return on_path(where, unlink) == 0;
 }

@@ -7,7 +7,7 @@
 namespace orx::platform {
 
 void show_error_box(const char* text, const char* caption) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   std::fprintf(stderr, "%s: %s\n", caption, text);
 }
 

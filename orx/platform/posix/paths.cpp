@@ -1,3 +1,4 @@
+#include <orx/base/ascii.h>
 #include <orx/platform/paths.h>
 
 #include <orx/base/errno_guard.h>
@@ -15,10 +16,6 @@
 
 namespace orx::platform {
 namespace {
-
-bool is_letter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-
-char lower(char letter) { return static_cast<char>(letter | 0x20); }
 
 bool has_drive(const char* path) { return is_letter(path[0]) && path[1] == ':'; }
 
@@ -86,7 +83,7 @@ SystemPath parse_path(const char* path) {
   if (is_server) {
     result = in_drive_folder("unc", path);
   } else if (has_drive(path)) {
-    result = in_drive_folder({lower(path[0])}, path + 2);
+    result = in_drive_folder({to_lower(path[0])}, path + 2);
   } else if (has_server(path)) {
     result = in_drive_folder("unc", path + 1);
   } else {
@@ -97,12 +94,12 @@ SystemPath parse_path(const char* path) {
 }
 
 std::string system_path(const char* path) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   return parse_path(path).name;
 }
 
 std::string existing_path(const char* path) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   SystemPath result = parse_path(path);
   struct stat status;
   on_path(result, [&](const char* name) { return lstat(name, &status); });
@@ -110,7 +107,7 @@ std::string existing_path(const char* path) {
 }
 
 std::string suite_path(const char* native) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   if (native == nullptr || *native == '\0') return "";
   if (*native == '\\' || has_drive(native)) return native;
   if (has_server(native)) {

@@ -38,7 +38,7 @@ LSTATUS in_transaction(const OpenKey& key, Intent intent, Operation operation) {
 // Carries an operation out on the key behind a handle that has the rights for it.
 template <class Operation>
 LSTATUS with_key(HKEY handle, REGSAM rights, Intent intent, Operation operation) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const std::lock_guard lock(registry().mutex);
   const OpenKey* found = registry().Find(handle);
   LSTATUS status = ERROR_INVALID_HANDLE;
@@ -89,7 +89,7 @@ constexpr struct {
 }  // namespace
 
 RegistryTransaction::RegistryTransaction(HKEY root, Intent intent) : root_(root) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   registry().mutex.lock();
   RegistryDatabase& database = registry().StoreOf(root).database();
   if (!database.is_active()) {
@@ -104,7 +104,7 @@ RegistryTransaction::~RegistryTransaction() { End(kUndone); }
 
 LSTATUS RegistryTransaction::End(Outcome outcome) {
   if (root_ == nullptr) return ERROR_SUCCESS;
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const LSTATUS status = registry().StoreOf(root_).database().End(outcome);
   root_ = nullptr;
   registry().mutex.unlock();
@@ -113,7 +113,7 @@ LSTATUS RegistryTransaction::End(Outcome outcome) {
 }
 
 std::string registry_file(HKEY root) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   return registry_path(root == HKEY_LOCAL_MACHINE ? kMachineRegistry : kUserRegistry);
 }
 

@@ -168,7 +168,7 @@ Descriptor opened_log(const char* path) {
 }  // namespace
 
 bool create_shared_folder(const char* path) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   SystemPath where = parse_path(path);
   // A folder that exists in another letter case is there already.
@@ -185,7 +185,7 @@ bool create_shared_folder(const char* path) {
 }
 
 bool clear_log(const char* path) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   Descriptor file = opened_log(path);
   struct stat status;
@@ -194,7 +194,7 @@ bool clear_log(const char* path) {
 }
 
 bool append_to_log(const char* path, std::string_view bytes) {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const CancellationBlock held;
   Descriptor file = opened_log(path);
   const bool is_written = file.is_open() && write_all(file, bytes);

@@ -1,5 +1,6 @@
 #include <orx/platform/stack.h>
 
+#include <orx/base/compiler.h>
 #include <orx/base/errno_guard.h>
 
 #include <pthread.h>
@@ -53,10 +54,10 @@ const Stack& own_stack() {
 }  // namespace
 
 std::size_t stack_left() {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   const Stack& stack = own_stack();
   // No local's address: the address sanitizer may keep locals elsewhere.
-  const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  const auto here = reinterpret_cast<std::uintptr_t>(frame_address());
   return here >= stack.lowest && here < stack.end ? here - stack.lowest : 0;
 }
 

@@ -1,32 +1,29 @@
 #include <orx/base/text_format.h>
 
+#include <orx/base/errno_guard.h>
+#include <orx/platform/posix/support/format_locale.h>
+
 #include <cerrno>
 #include <cstdio>
 
-namespace orx::compat {
-namespace {
+namespace orx {
 
-// Numbers and all else as in C, but wide text has all its characters, where the system has such a locale.
-locale_t made_locale() {
-  const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  return unicode != nullptr ? unicode : newlocale(LC_ALL_MASK, "C", nullptr);
-}
-
-}  // namespace
-
-locale_t format_locale() {
-  static const locale_t locale = made_locale();
+locale_t platform::format_locale() {
+  static const locale_t locale = [] {
+    const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    return unicode != nullptr ? unicode : newlocale(LC_ALL_MASK, "C", nullptr);
+  }();
   return locale;
 }
 
 int format_text(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
+  const ErrnoGuard errno_guard;
   const int host_errno = errno;
-  const locale_t host_locale = uselocale(format_locale());
-  errno = host_errno;  // for %m
+  const locale_t host_locale = uselocale(platform::format_locale());
+  errno = host_errno;  // the value that %m shows
   const int length = std::vsnprintf(buffer, size, format, arguments);
   uselocale(host_locale);
-  errno = host_errno;
   return length;
 }
 
-}  // namespace orx::compat
+}  // namespace orx

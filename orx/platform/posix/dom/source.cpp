@@ -1,5 +1,6 @@
 #include <orx/platform/posix/dom/source.h>
 
+#include <orx/base/ascii.h>
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/support/error_text.h>
 
@@ -34,16 +35,14 @@ std::string declared_encoding(std::string_view head) {
   return std::string(close == std::string_view::npos ? "" : head.substr(open + 1, close - open - 1));
 }
 
-// The same in every locale.
 std::string in_capitals(std::string text) {
-  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  for (char& c : text) c = to_upper(c);
   return text;
 }
 
 // The converter takes other names for that of the locale, or for options.
 bool is_of_encoding_name(char c) {
-  const bool is_letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-  return is_letter || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '_';
+  return is_letter(c) || is_digit(c) || c == '-' || c == '.' || c == '_';
 }
 
 bool is_readable(int file, std::string& reason) {

@@ -1,10 +1,11 @@
 #include <orx/platform/posix/dom/variant_text.h>
 
+#include <orx/base/ascii.h>
+#include <orx/base/calendar.h>
 #include <orx/platform/posix/support/utf8.h>
 
 #include <algorithm>
 #include <charconv>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -27,7 +28,7 @@ std::string real_text(double value, int significant_digits) {
   char* end =
       std::to_chars(digits, std::end(digits), value, std::chars_format::general, significant_digits).ptr;
   std::string text(digits, end);
-  for (char& c : text) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);  // E, INF
+  for (char& c : text) c = to_upper(c);  // E, INF
   return text;
 }
 
@@ -42,38 +43,24 @@ std::string currency_text(std::int64_t ten_thousandths) {
   return text;
 }
 
-// Whole days count from 1899-12-30 either way, their fraction always forward. Of a date and a time, the one
-// that is zero is left out.
+// Of a date and a time, the one that is zero is left out. The platform rounds to whole seconds, too.
 HRESULT date_text(double date, std::string& text) {
-  using namespace std::chrono;
-  constexpr double kBeforeYear100 = -657435;
-  constexpr double kAfterYear9999 = 2958466;
-  constexpr long kSecondsOfDay = 86400;
-  constexpr double kGuard = 1e-11;  // an encoded half second goes up
-  if (!(date > kBeforeYear100 && date < kAfterYear9999)) return E_INVALIDARG;
-  const double whole = std::trunc(date);
-  const auto second_of_day =
-      static_cast<long>(std::floor((std::fabs(date - whole) + kGuard) * kSecondsOfDay + 0.5));
-  const sys_days zero{1899y / December / 30};
-  const sys_days day = zero + days{std::lround(whole) + second_of_day / kSecondsOfDay};
-  const year_month_day ymd{day};
-  if (ymd.year() > 9999y) return E_INVALIDARG;
-  const hh_mm_ss time{seconds{second_of_day % kSecondsOfDay}};
-
-  char parts[48];
-  std::string written;
-  if (day != zero) {
-    std::snprintf(parts, sizeof parts, "%u/%u/%04d", static_cast<unsigned>(ymd.month()),
-                  static_cast<unsigned>(ymd.day()), static_cast<int>(ymd.year()));
-    written = parts;
+  calendar::Fields fields;
+  if (!calendar::to_fields(date, fields)) return E_INVALIDARG;
+  const bool has_date = fields.year != 1899 || fields.month != 12 || fields.day != 30;
+  const bool has_time = fields.hour != 0 || fields.minute != 0 || fields.second != 0;
+  char part[48];
+  text.clear();
+  if (has_date) {
+    std::snprintf(part, sizeof part, "%d/%d/%04d", fields.month, fields.day, fields.year);
+    text = part;
   }
-  if (day == zero || time.to_duration() != 0s) {
-    std::snprintf(parts, sizeof parts, "%s%ld:%02ld:%02ld %s", written.empty() ? "" : " ",
-                  make12(time.hours()).count(), time.minutes().count(), time.seconds().count(),
-                  is_am(time.hours()) ? "AM" : "PM");
-    written += parts;
+  if (has_time || !has_date) {
+    const int hour = fields.hour % 12 == 0 ? 12 : fields.hour % 12;
+    std::snprintf(part, sizeof part, "%s%d:%02d:%02d %s", has_date ? " " : "", hour, fields.minute,
+                  fields.second, fields.hour < 12 ? "AM" : "PM");
+    text += part;
   }
-  text = std::move(written);
   return S_OK;
 }
 

@@ -35,7 +35,7 @@ SignalBlock::SignalBlock() {
 
 // Both signals go to the thread that writes, so what waits now and did not before is ours.
 SignalBlock::~SignalBlock() {
-  const ErrnoGuard kept;
+  const ErrnoGuard errno_guard;
   sigset_t waiting;
   sigemptyset(&waiting);
   if (may_wait_) sigpending(&waiting);

@@ -1,5 +1,6 @@
 #include <orx/platform/posix/support/utf8.h>
 
+#include <orx/base/ascii.h>
 #include <orx/compat/atl_exception.h>
 
 #include <utf8proc.h>
@@ -130,7 +131,7 @@ bool to_upper(std::string_view text, std::string& upper) {
   while (!text.empty()) {
     const char c = text.front();
     if (static_cast<unsigned char>(c) < 0x80) {
-      capitals += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+      capitals += orx::to_upper(c);
       text.remove_prefix(1);
     } else {
       char bytes[4];

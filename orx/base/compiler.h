@@ -1,0 +1,12 @@
+// What the compiler offers beyond the language. Internal to the library.
+#pragma once
+
+namespace orx {
+
+// Requests the cache line of an address that is read soon. Any address will do, also an invalid one.
+inline void prefetch(const void* address) { __builtin_prefetch(address); }
+
+// The address of the stack frame of the function that calls this one.
+[[gnu::always_inline]] inline const void* frame_address() { return __builtin_frame_address(0); }
+
+}  // namespace orx
