@@ -6,7 +6,7 @@
 static void show(const char* message) { fprintf(stderr, "host: %s\n", message); }
 
 int main(void) {
-  char name[51];
+  char name[ORX_PROJECT_NAME_SIZE];
   SetShowErrorCallback(show);
   if (ORX_snprintf(name, sizeof name - 1, "%s", "  pit 1  ") < 0) {
     ShowError("The name is too long.");

@@ -28,6 +28,7 @@
 #include <orx/text/strings.h>
 #include <orx/text/token_parser.h>
 #include <orx/text/unique_key.h>
+#include <orx/version.h>
 
 #if defined(__cplusplus)
 #include <orx/geometry/octree.h>

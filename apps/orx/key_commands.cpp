@@ -6,8 +6,8 @@ namespace orx::cli {
 
 void key_new(const KeyArguments& arguments, std::ostream& out) {
   Table table{{"Key"}, {}};
-  char key[64];
-  char stamp[32] = "";
+  char key[ORX_KEY_SIZE];
+  char stamp[ORX_KEY_STAMP_SIZE] = "";
   int counter = 0;
   for (int i = 0; i < arguments.count; ++i) {
     GenerateKey(key, sizeof key, stamp, &counter);

@@ -1,4 +1,5 @@
 #include <orx/frame/application_data.h>
+#include <orx/frame/debug_log.h>
 #include <orx/frame/native_path.h>
 
 #include <algorithm>
@@ -17,8 +18,7 @@
 namespace orx::cli {
 namespace {
 
-constexpr std::size_t kLongestName = 260;  // the library cuts the names of logs there
-static_assert(kLongestName + 1 >= ORX_APPLICATION_DATA_PATH_SIZE);
+static_assert(ORX_LOG_PATH_LENGTH + 1 >= ORX_APPLICATION_DATA_PATH_SIZE);
 constexpr std::streamoff kBlock = 65536;
 constexpr std::size_t kHead = 512;
 constexpr std::chrono::milliseconds kPause(200);
@@ -28,13 +28,13 @@ volatile std::sig_atomic_t was_asked_to_end = 0;
 void ask_to_end(int /*signal*/) { was_asked_to_end = 1; }
 
 std::string log_file(const LogArguments& arguments) {
-  std::array<char, kLongestName + 1> folder{};
-  GetApplicationDataPath(folder.data(), kLongestName);
+  std::array<char, ORX_LOG_PATH_LENGTH + 1> folder{};
+  GetApplicationDataPath(folder.data(), ORX_LOG_PATH_LENGTH);
   std::string name = folder.data();
   if (name.empty()) throw Failure("the log", "there is no folder for it (PUBLIC is not set)");
   if (!name.ends_with('\\')) name += '\\';
-  name += arguments.thread_log ? "DEBUGThread.LOG" : "DEBUG.LOG";
-  name.resize(std::min(name.size(), kLongestName));
+  name += arguments.thread_log ? ORX_THREAD_LOG_NAME : ORX_LOG_NAME;
+  name.resize(std::min<std::size_t>(name.size(), ORX_LOG_PATH_LENGTH));
   std::array<char, 4096> path{};
   if (orx_path_to_native(name.c_str(), path.data(), path.size()) != 0) {
     throw Failure(name, "the path is too long, or its drive has no folder");

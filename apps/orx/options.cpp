@@ -1,6 +1,8 @@
 // The one source that includes CLI11, which compiles slowly.
 #include "options.h"
 
+#include <orx/version.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <limits>
@@ -16,7 +18,7 @@ namespace {
 class CommandLine {
  public:
   explicit CommandLine(Command& chosen) : chosen_(chosen) {
-    app_.set_version_flag("--version", "orx " ORX_VERSION);
+    app_.set_version_flag("--version", std::string("orx ") + orx_version());
     app_.require_subcommand(1);
     add_project_commands(group(&app_, "project", "One project file"));
     add_list_commands(group(&app_, "list", "The list of projects"));

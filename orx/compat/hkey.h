@@ -33,6 +33,13 @@ typedef struct orxOpenKey* HKEY;
 #define HKEY_LOCAL_MACHINE ((HKEY)(uintptr_t)0x80000002U)
 #endif
 
+// The longest names in characters.
+#define ORX_REGISTRY_KEY_NAME_LENGTH 255
+#define ORX_REGISTRY_VALUE_NAME_LENGTH 16383
+
+// The levels of a tree of keys; the root is the first one.
+#define ORX_REGISTRY_DEPTH 512
+
 // What a key was opened for. Rights are asked of a key when its own values are used or its sub-keys listed;
 // sub-keys can be opened, made and deleted through any key.
 #define KEY_QUERY_VALUE 0x0001U

@@ -66,7 +66,7 @@ class Writer {
     return *this;
   }
 
-  char text_[24];  // a number of 64 bits is the longest, then a date and time
+  char text_[ORX_DATE_TEXT_SIZE - 1];  // a number of 64 bits is the longest, then a date and time
   char* end_ = text_;
 };
 

@@ -7,6 +7,9 @@
 
 #include <orx/datetime/date_time.h>
 
+// The bytes of the longest text, with its NUL.
+#define ORX_DATE_TEXT_SIZE 21
+
 ORX_C_BEGIN
 
 // "24/03/05 10:20:30", "24/03/05", "10:20:30" or a whole number, by kind; the date in the order of the

@@ -5,6 +5,7 @@
 #include <orx/platform/paths.h>
 #include <orx/platform/registry_key.h>
 #include <orx/platform/shared_files.h>
+#include <orx/settings/registry.h>
 #include <orx/text/strings.h>
 
 #include <atomic>
@@ -14,7 +15,7 @@
 
 namespace {
 
-constexpr const char* kInstallKey = "SOFTWARE\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS";
+constexpr const char* kInstallKey = "SOFTWARE\\Halvark Software\\TESSEL\\" ORX_PRODUCT_VERSION "\\INSTALL_PARAMETERS";
 constexpr DWORD kConfiguredCapacity = ORX_APPLICATION_DATA_PATH_SIZE - 1;  // a longer value is ignored
 
 // Each log may look for the folder on its own thread. The first answer that no failure has influenced is
@@ -42,7 +43,7 @@ LSTATUS read_configured(std::string& folder) {
 // Empty when the variable is not set, or names a folder that is too long.
 std::string folder_of_all_users() {
   std::string folder = orx::platform::public_folder();
-  constexpr const char* kLevels[] = {"\\Halvark", "\\TESSEL", "\\6.9.1\\"};
+  constexpr const char* kLevels[] = {"\\Halvark", "\\TESSEL", "\\" ORX_PRODUCT_VERSION "\\"};
   std::size_t length = folder.size();
   for (const char* level : kLevels) length += std::strlen(level);
   if (folder.empty() || length >= ORX_APPLICATION_DATA_PATH_SIZE) return "";

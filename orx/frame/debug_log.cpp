@@ -19,18 +19,16 @@
 
 namespace {
 
-constexpr std::size_t kLongestName = 260;
 constexpr std::size_t kLongestHeader = 260;
-constexpr std::size_t kLongestFormatted = 4096;
 
 struct Log {
   const char* file;
-  char name[kLongestName + 1];  // in full; empty until the first line or halvark_log_debug_init sets it
+  char name[ORX_LOG_PATH_LENGTH + 1];  // in full; empty until the first line or halvark_log_debug_init sets it
   bool is_fixed;                // the next line does not look for the application data folder again
 };
 
-constinit Log main_log{"DEBUG.LOG", "", false};
-constinit Log thread_log{"DEBUGThread.LOG", "", false};
+constinit Log main_log{ORX_LOG_NAME, "", false};
+constinit Log thread_log{ORX_THREAD_LOG_NAME, "", false};
 
 // Shared by the logs, and so by their threads.
 constinit std::atomic<bool> started = false;  // a start or a line was tried, in either log
@@ -42,13 +40,13 @@ void set_name(Log& log, const char* folder) {
   orx::ApplicationDataFolder chosen;
   log.is_fixed = folder != nullptr && *folder != '\0';
   if (log.is_fixed) {
-    ORX_strncpy(chosen, folder, kLongestName);
+    ORX_strncpy(chosen, folder, ORX_LOG_PATH_LENGTH);
   } else {
     log.is_fixed = orx::find_application_data_folder(chosen);
   }
   const bool separated = std::string_view(chosen).ends_with('\\');
   *log.name = '\0';
-  if (*chosen != '\0') ORX_snprintf(log.name, kLongestName, separated ? "%s%s" : "%s\\%s", chosen, log.file);
+  if (*chosen != '\0') ORX_snprintf(log.name, ORX_LOG_PATH_LENGTH, separated ? "%s%s" : "%s\\%s", chosen, log.file);
 }
 
 // The text mode of the C runtime: a line feed becomes CR LF, also behind a CR.
@@ -87,7 +85,7 @@ ORX_PRINTF(2, 0)
 int write_formatted(Log& log, const char* format, std::va_list arguments) {
   if (format == nullptr) return -1;
   // Filled, for a format that cannot be carried out: the line is what was written before that came out.
-  char text[kLongestFormatted + 1] = "";
+  char text[ORX_LOG_LINE_LENGTH + 1] = "";
   orx::format_text(text, sizeof text, format, arguments);
   return write(log, text);
 }

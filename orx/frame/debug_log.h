@@ -17,11 +17,19 @@
 
 #include <orx/compat/export.h>
 
+// The files in the folder of the logs.
+#define ORX_LOG_NAME "DEBUG.LOG"
+#define ORX_THREAD_LOG_NAME "DEBUGThread.LOG"
+
+// The longest full name of a log and the longest formatted line, in bytes without their NUL. Both are cut there.
+#define ORX_LOG_PATH_LENGTH 260
+#define ORX_LOG_LINE_LENGTH 4096
+
 ORX_C_BEGIN
 
 // Empties DEBUG.LOG in a folder (null or empty: the application data folder) and writes a header of two
 // lines. The log is there from now on. -1 if the file cannot be written: the log is then where it was at
-// first, in the application data folder. Full names are cut at 260 characters.
+// first, in the application data folder. Full names are cut at ORX_LOG_PATH_LENGTH.
 ORX_API int halvark_log_debug_init(const char* folder);
 
 // Deletes DEBUG.LOG and DEBUGThread.LOG in the current directory, wherever the logs are. Always 0.
@@ -32,7 +40,7 @@ ORX_API int halvark_log_debug_reset(void);
 ORX_API int halvark_log_debug_write(const char* text);
 ORX_API int halvark_log_debug_write_thread(const char* text);
 
-// One line by the printf conventions of the C runtime, cut at 4096 characters; numbers and wide text are
+// One line by the printf conventions of the C runtime, cut at ORX_LOG_LINE_LENGTH; numbers and wide text are
 // written alike in every locale. A null format, and one that comes to nothing, gives -1.
 ORX_API int halvark_log_debug_write_n(const char* format, ...) ORX_PRINTF(1, 2);
 ORX_API int halvark_log_debug_write_n_thread(const char* format, ...) ORX_PRINTF(1, 2);

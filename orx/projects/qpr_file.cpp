@@ -18,10 +18,6 @@ using orx::XmlHandle;
 using orx::platform::compare_no_case;
 using orx::platform::last_backslash;
 
-constexpr int kMajorVersion = 6;
-constexpr int kMinorVersion = 7;
-constexpr int kReleaseVersion = 0;
-
 constexpr int kUnknownPlatform = -1;
 
 enum class Kind { kText, kPlatform, kNumber };
@@ -274,15 +270,15 @@ int CQPRFile::Verify(CStringA& message) {
 
 enProjectVersionT CQPRFile::VerifyProjectVersion() {
   const auto version = std::pair(info_.MajorVersion, info_.MinorVersion);
-  const auto current = std::pair(kMajorVersion, kMinorVersion);
+  const auto current = std::pair(ORX_PROJECT_FORMAT_MAJOR, ORX_PROJECT_FORMAT_MINOR);
   if (version == current) return enProjectVersionCurrent;
   return version < current ? enProjectVersionOlder : enProjectVersionNewer;
 }
 
 void CQPRFile::InitProjectVersion() {
-  info_.MajorVersion = kMajorVersion;
-  info_.MinorVersion = kMinorVersion;
-  info_.ReleaseVersion = kReleaseVersion;
+  info_.MajorVersion = ORX_PROJECT_FORMAT_MAJOR;
+  info_.MinorVersion = ORX_PROJECT_FORMAT_MINOR;
+  info_.ReleaseVersion = ORX_PROJECT_FORMAT_RELEASE;
 }
 
 void CQPRFile::ProjectConversionUpgradeCompleted() { InitProjectVersion(); }

@@ -42,6 +42,11 @@ typedef struct QPRInfo {
   int ReleaseVersion;
 } QPRInfo;
 
+// The version of the project format that this library reads and writes. It is not the library's version.
+#define ORX_PROJECT_FORMAT_MAJOR 6
+#define ORX_PROJECT_FORMAT_MINOR 7
+#define ORX_PROJECT_FORMAT_RELEASE 0
+
 typedef enum enProjectVersionT {
   enProjectVersionCurrent = 0,
   enProjectVersionOlder = 2,  // it needs converting
@@ -97,10 +102,11 @@ class ORX_API CQPRFile : public CProjectFile {
   // 1 and the message unchanged, or 0 and the first rule that is broken.
   int Verify(CStringA& message);
 
-  // Compares major and minor version with the library's; the release takes no part.
+  // Compares the record's major and minor version with ORX_PROJECT_FORMAT_MAJOR and _MINOR, and ignores the
+  // release.
   enProjectVersionT VerifyProjectVersion();
 
-  // Both set the library's version, and save nothing.
+  // Both set the record's version to the one of the format, and save nothing.
   void InitProjectVersion();
   void ProjectConversionUpgradeCompleted();
 

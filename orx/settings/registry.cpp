@@ -18,7 +18,7 @@ namespace {
 using orx::platform::RegistryKey;
 using orx::platform::RegistryTransaction;
 
-constexpr char kProductKey[] = "Software\\Halvark Software\\TESSEL\\6.9.1";
+constexpr char kProductKey[] = ORX_PRODUCT_KEY;
 
 // Level names, up to a null one.
 using Levels = std::array<const char*, 5>;

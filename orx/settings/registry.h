@@ -13,6 +13,11 @@
 
 #include <stddef.h>
 
+// The product whose settings and application data these are. Its version changes with a release of the suite,
+// not with the library's own.
+#define ORX_PRODUCT_VERSION "6.9.1"
+#define ORX_PRODUCT_KEY "Software\\Halvark Software\\TESSEL\\" ORX_PRODUCT_VERSION
+
 ORX_C_BEGIN
 
 // Reading makes no keys below the product key. It fails for a level with the empty name, for a value that

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr double kPi = 3.141592653589793;
-constexpr std::ptrdiff_t kLongestText = 49;
+constexpr std::ptrdiff_t kLongestText = ORX_ANGLE_TEXT_SIZE - 1;
 constexpr double kLargeInteger = 1e15;
 
 // From these on, a text would show the next whole degree, second or minute.

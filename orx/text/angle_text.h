@@ -9,6 +9,9 @@
 
 ORX_C_BEGIN
 
+// The bytes of the longest text of an angle, with its NUL.
+#define ORX_ANGLE_TEXT_SIZE 50
+
 // The notations, with 45.5 degrees as they are written.
 enum {
   zelDegrees = 10,                      // " 45.50000000"
@@ -26,12 +29,12 @@ enum {
 // 0.
 ORX_API double zel_convert_str_to_ang(int mode, const char* text, int packed);
 
-// Writes the text of the angle, at most 49 characters and a NUL, into `out`, which has room for 50 bytes, and
-// returns `out`. `packed` is 0 for the form with colons and 1 for the packed one. Neither of them, zelNoAngle
+// Writes the text of the angle, into `out`, a buffer of
+// ORX_ANGLE_TEXT_SIZE bytes, and returns `out`. `packed` is 0 for the form with colons and 1 for the packed one. Neither of them, zelNoAngle
 // and an unknown mode give the empty text; a notation of one column ignores it.
 //
 // Whole seconds are cut, decimals rounded; no text shows 60 minutes or seconds. The sign is lost when the
-// whole degrees are 0. Degrees too large for their column make it wider, up to the 49 characters; an angle
+// whole degrees are 0. Degrees too large for their column make it wider, up to ORX_ANGLE_TEXT_SIZE; an angle
 // that is infinite or not a number has "inf" or "nan" in its first column, and 0 in the others.
 ORX_API char* zel_convert_ang_to_str(int mode, double radians, int packed, char* out);
 

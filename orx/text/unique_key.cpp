@@ -13,13 +13,12 @@
 
 namespace {
 
-constexpr int kLastNumber = 999999;
 constexpr std::ptrdiff_t kNumberWidth = 6;
 constexpr int kDefaultOrder = -1;  // any that is none of the three
 
 // A stamp, to which a number may be appended.
 struct Key {
-  char text[48];
+  char text[ORX_KEY_STAMP_SIZE];
   std::size_t length = 0;
 
   std::string_view View() const { return {text, length}; }
@@ -32,7 +31,7 @@ Key current_stamp() {
   orxDateTime now{0, 0, orxDateTimeFull, 0};
   orxDateTime_SetYMDFormat(&now, kDefaultOrder);
   orxDateTime_SetToCurrent(&now);
-  char text[32] = "";
+  char text[ORX_DATE_TEXT_SIZE] = "";
   orxDateTime_FormatString(&now, text, sizeof text);
   Key stamp;
   for (const char* c = text; *c != '\0'; ++c) {
@@ -66,7 +65,7 @@ void GenerateKey(char* out, int outSize, char* lastStamp, int* counter) {
   if (lastStamp == nullptr || counter == nullptr) return;
 
   Key key = current_stamp();
-  if (*counter >= kLastNumber) {
+  if (*counter >= ORX_KEY_COUNTER_MAX) {
     while (key.Is(lastStamp)) {
       std::this_thread::yield();
       key = current_stamp();

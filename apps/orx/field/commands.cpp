@@ -81,7 +81,7 @@ void angle_write(const AngleArguments& arguments, std::ostream& out) {
   double radians = 0;
   if (!read_number(arguments.text, radians)) throw Failure(arguments.text, "it is no number");
   if (arguments.degrees) radians = radians / 180 * kPi;
-  std::array<char, 50> text{};
+  std::array<char, ORX_ANGLE_TEXT_SIZE> text{};
   zel_convert_ang_to_str(mode_of(arguments), radians, static_cast<int>(arguments.packed), text.data());
   if (arguments.format == Format::kJson) {
     Record shown = angle_record(radians);

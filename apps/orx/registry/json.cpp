@@ -192,11 +192,11 @@ class Reader {
     depth_ = std::max(depth_, depth);
     Tree tree{name, {}, {}};
     Each(json, "values", place, [&](const auto& value, const Json& content, const std::string& within) {
-      RequireName(value, kLongestValueName, within);
+      RequireName(value, ORX_REGISTRY_VALUE_NAME_LENGTH, within);
       tree.values.push_back(ReadValue(value, content, within));
     });
     Each(json, "keys", place, [&](const auto& key, const Json& content, const std::string& within) {
-      RequireName(key, kLongestKeyName, within);
+      RequireName(key, ORX_REGISTRY_KEY_NAME_LENGTH, within);
       Require(!key.empty() && key.find('\\') == std::string::npos, within, "the name of a key is one level");
       tree.keys.push_back(ReadKey(key, content, within, depth + 1));
     });

@@ -91,7 +91,7 @@ StoredValue read(HKEY opened, const KeyName& key, const std::string& name) {
 
 using NameBuffer = std::vector<char>;
 
-NameBuffer name_buffer() { return NameBuffer(4 * kLongestValueName + 1); }
+NameBuffer name_buffer() { return NameBuffer(4 * ORX_REGISTRY_VALUE_NAME_LENGTH + 1); }
 
 std::vector<StoredValue> values_of(HKEY opened, const KeyName& key) {
   std::vector<StoredValue> values;

@@ -12,9 +12,7 @@
 
 namespace orx::cli {
 
-inline constexpr std::size_t kDeepestLevel = 511;    // below the root
-inline constexpr std::size_t kLongestKeyName = 255;  // in characters
-inline constexpr std::size_t kLongestValueName = 16383;
+inline constexpr std::size_t kDeepestLevel = ORX_REGISTRY_DEPTH - 1;  // below the root
 
 struct KeyName {
   HKEY root;

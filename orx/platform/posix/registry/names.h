@@ -7,9 +7,6 @@
 
 namespace orx::platform {
 
-inline constexpr std::size_t kLongestKeyName = 255;  // in characters
-inline constexpr std::size_t kLongestValueName = 16383;
-
 // The form in which names that differ in letter case alone are equal. False when the name is longer than that
 // many characters, or not valid in the encoding.
 bool fold_name(std::string_view name, std::size_t longest, std::string& folded);

@@ -7,7 +7,6 @@
 namespace orx::platform {
 namespace {
 
-constexpr std::int64_t kDeepestLevel = 512;  // the root counts as one
 constexpr std::size_t kMostKnown = 4096;
 
 bool is_text(std::int64_t type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
@@ -34,7 +33,7 @@ LSTATUS deliver_name(std::string_view name, const NameOutput& output) {
 }
 
 bool fold_value_name(std::string_view name, std::string& folded) {
-  return fold_name(name, kLongestValueName, folded);
+  return fold_name(name, ORX_REGISTRY_VALUE_NAME_LENGTH, folded);
 }
 
 }  // namespace
@@ -152,7 +151,7 @@ LSTATUS RegistryStore::Exists(KeyId key) {
 }
 
 LSTATUS RegistryStore::FindLevel(KeyId parent, std::string_view level, std::string& folded, KeyId& found) {
-  if (!fold_name(level, kLongestKeyName, folded)) return ERROR_INVALID_PARAMETER;
+  if (!fold_name(level, ORX_REGISTRY_KEY_NAME_LENGTH, folded)) return ERROR_INVALID_PARAMETER;
   Run run(database_.Prepared(Sql::kFindKey));
   const LSTATUS status = database_.Found(run.Bind(parent).Bind(folded));
   if (status == ERROR_SUCCESS) found = run.Integer(0);
@@ -162,9 +161,9 @@ LSTATUS RegistryStore::FindLevel(KeyId parent, std::string_view level, std::stri
 LSTATUS RegistryStore::AddLevel(KeyId parent, std::string_view level, std::string_view folded, KeyId& made) {
   {
     Run depth(database_.Prepared(Sql::kKeyDepth));
-    const LSTATUS status = database_.Found(depth.Bind(parent).Bind(kDeepestLevel));
+    const LSTATUS status = database_.Found(depth.Bind(parent).Bind(ORX_REGISTRY_DEPTH));
     if (status != ERROR_SUCCESS) return status;
-    if (depth.Integer(0) >= kDeepestLevel) return ERROR_INVALID_PARAMETER;
+    if (depth.Integer(0) >= ORX_REGISTRY_DEPTH) return ERROR_INVALID_PARAMETER;
   }
   Run run(database_.Prepared(Sql::kAddKey));
   const LSTATUS status = database_.Found(run.Bind(parent).Bind(level).Bind(folded));
