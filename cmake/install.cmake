@@ -1,13 +1,9 @@
 include(CMakePackageConfigHelpers)
 
-install(TARGETS orx EXPORT orx-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS orx EXPORT orx-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} FILE_SET HEADERS)
 if(ORX_APPS)
   install(TARGETS orx-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
-
-# The public headers: all but the seam and what is internal to a room.
-install(DIRECTORY orx/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orx FILES_MATCHING PATTERN "*.h"
-  REGEX "(base|platform)/|/(any_null|application_data_folder|box_corners|never_destroyed|static_defaults|xml_handle)\\.h$" EXCLUDE)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orx)
 install(EXPORT orx-targets NAMESPACE orx:: FILE orx-config.cmake DESTINATION ${package_dir})
