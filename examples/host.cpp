@@ -1,4 +1,4 @@
-// Opens a project, says where its data is and, when the project is of an older version, marks it as current.
+// Opens a project, prints where its data is, and marks a project of an older version as current.
 #include <orx/orx.h>
 
 #include <cstdio>
