@@ -15,10 +15,10 @@
 #define ORX_VERSION ORX_VERSION_TEXT(ORX_VERSION_MAJOR, ORX_VERSION_MINOR, ORX_VERSION_PATCH)
 
 // Whether the headers are of this version or a later one; for #if.
-#define ORX_VERSION_AT_LEAST(major, minor, patch)                                \
-  (ORX_VERSION_MAJOR > (major) ||                                                \
-   (ORX_VERSION_MAJOR == (major) && (ORX_VERSION_MINOR > (minor) ||              \
-                                     (ORX_VERSION_MINOR == (minor) && ORX_VERSION_PATCH >= (patch)))))
+#define ORX_VERSION_AT_LEAST(major, minor, patch) \
+  (ORX_VERSION_MAJOR > (major) ||                 \
+   (ORX_VERSION_MAJOR == (major) &&               \
+    (ORX_VERSION_MINOR > (minor) || (ORX_VERSION_MINOR == (minor) && ORX_VERSION_PATCH >= (patch)))))
 
 ORX_C_BEGIN
 

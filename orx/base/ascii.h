@@ -1,5 +1,5 @@
-// Classes and letter case of ASCII characters. No locale changes them; every byte of another character is neither
-// a letter nor a digit nor white space. Internal to the library.
+// Classes and letter case of ASCII characters. No locale changes them; every byte of another character is
+// neither a letter nor a digit nor white space. Internal to the library.
 #pragma once
 
 namespace orx {

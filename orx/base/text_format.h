@@ -1,5 +1,5 @@
-// Bounded formatting that the locale of the host does not change. Internal to the library; each system's backend
-// in platform implements it, since setting a locale for one thread is a matter of the system.
+// Bounded formatting that the locale of the host does not change. Internal to the library; each system's
+// backend in platform implements it, since setting a locale for one thread is a matter of the system.
 #pragma once
 
 #include <cstdarg>

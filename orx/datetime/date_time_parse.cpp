@@ -1,7 +1,7 @@
 #include <orx/datetime/date_time_parse.h>
 
-#include <orx/base/number_text.h>
 #include <orx/base/ascii.h>
+#include <orx/base/number_text.h>
 #include <orx/platform/clock.h>
 #include <orx/platform/code_page.h>
 

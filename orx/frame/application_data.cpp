@@ -1,7 +1,7 @@
 #include <orx/frame/application_data.h>
 
-#include <orx/frame/application_data_folder.h>
 #include <orx/base/errno_guard.h>
+#include <orx/frame/application_data_folder.h>
 #include <orx/platform/paths.h>
 #include <orx/platform/registry_key.h>
 #include <orx/platform/shared_files.h>
@@ -15,7 +15,8 @@
 
 namespace {
 
-constexpr const char* kInstallKey = "SOFTWARE\\Halvark Software\\TESSEL\\" ORX_PRODUCT_VERSION "\\INSTALL_PARAMETERS";
+constexpr const char* kInstallKey =
+    "SOFTWARE\\Halvark Software\\TESSEL\\" ORX_PRODUCT_VERSION "\\INSTALL_PARAMETERS";
 constexpr DWORD kConfiguredCapacity = ORX_APPLICATION_DATA_PATH_SIZE - 1;  // a longer value is ignored
 
 // Each log may look for the folder on its own thread. The first answer that no failure has influenced is

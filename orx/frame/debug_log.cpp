@@ -1,12 +1,12 @@
 #include <orx/frame/debug_log.h>
 
+#include <orx/base/errno_guard.h>
 #include <orx/base/text_format.h>
 #include <orx/datetime/date_time.h>
 #include <orx/datetime/date_time_format.h>
 #include <orx/frame/application_data_folder.h>
 #include <orx/platform/debug_output.h>
 #include <orx/platform/file_system.h>
-#include <orx/base/errno_guard.h>
 #include <orx/platform/shared_files.h>
 #include <orx/text/strings.h>
 
@@ -23,8 +23,9 @@ constexpr std::size_t kLongestHeader = 260;
 
 struct Log {
   const char* file;
-  char name[ORX_LOG_PATH_LENGTH + 1];  // in full; empty until the first line or halvark_log_debug_init sets it
-  bool is_fixed;                // the next line does not look for the application data folder again
+  char
+      name[ORX_LOG_PATH_LENGTH + 1];  // in full; empty until the first line or halvark_log_debug_init sets it
+  bool is_fixed;                      // the next line does not look for the application data folder again
 };
 
 constinit Log main_log{ORX_LOG_NAME, "", false};
@@ -46,7 +47,8 @@ void set_name(Log& log, const char* folder) {
   }
   const bool separated = std::string_view(chosen).ends_with('\\');
   *log.name = '\0';
-  if (*chosen != '\0') ORX_snprintf(log.name, ORX_LOG_PATH_LENGTH, separated ? "%s%s" : "%s\\%s", chosen, log.file);
+  if (*chosen != '\0')
+    ORX_snprintf(log.name, ORX_LOG_PATH_LENGTH, separated ? "%s%s" : "%s\\%s", chosen, log.file);
 }
 
 // The text mode of the C runtime: a line feed becomes CR LF, also behind a CR.

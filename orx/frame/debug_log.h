@@ -21,7 +21,8 @@
 #define ORX_LOG_NAME "DEBUG.LOG"
 #define ORX_THREAD_LOG_NAME "DEBUGThread.LOG"
 
-// The longest full name of a log and the longest formatted line, in bytes without their NUL. Both are cut there.
+// The longest full name of a log and the longest formatted line, in bytes without their NUL. Both are cut
+// there.
 #define ORX_LOG_PATH_LENGTH 260
 #define ORX_LOG_LINE_LENGTH 4096
 

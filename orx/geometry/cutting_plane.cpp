@@ -1,8 +1,8 @@
 #include <orx/geometry/cutting_plane.h>
 
+#include <orx/base/errno_guard.h>
 #include <orx/geometry/any_null.h>
 #include <orx/geometry/box_corners.h>
-#include <orx/base/errno_guard.h>
 
 #include <algorithm>
 #include <array>

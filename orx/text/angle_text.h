@@ -30,8 +30,9 @@ enum {
 ORX_API double zel_convert_str_to_ang(int mode, const char* text, int packed);
 
 // Writes the text of the angle, into `out`, a buffer of
-// ORX_ANGLE_TEXT_SIZE bytes, and returns `out`. `packed` is 0 for the form with colons and 1 for the packed one. Neither of them, zelNoAngle
-// and an unknown mode give the empty text; a notation of one column ignores it.
+// ORX_ANGLE_TEXT_SIZE bytes, and returns `out`. `packed` is 0 for the form with colons and 1 for the packed
+// one. Neither of them, zelNoAngle and an unknown mode give the empty text; a notation of one column ignores
+// it.
 //
 // Whole seconds are cut, decimals rounded; no text shows 60 minutes or seconds. The sign is lost when the
 // whole degrees are 0. Degrees too large for their column make it wider, up to ORX_ANGLE_TEXT_SIZE; an angle

@@ -1,10 +1,10 @@
 #include <orx/xml/xml_document.h>
 
 #include <orx/base/ascii.h>
+#include <orx/base/errno_guard.h>
 #include <orx/platform/code_page.h>
 #include <orx/platform/dom.h>
 #include <orx/platform/file_system.h>
-#include <orx/base/errno_guard.h>
 #include <orx/platform/message_box.h>
 
 #include <exception>

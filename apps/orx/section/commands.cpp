@@ -14,8 +14,8 @@
 #include "progress.h"
 #include "section/section.h"
 #include "section/svg.h"
-#include "suite_file.h"
 #include "section/triangle_surface.h"
+#include "suite_file.h"
 #include "whole_file.h"
 
 namespace orx::cli {

@@ -11,8 +11,8 @@
 #include <array>
 #include <vector>
 
-#include "section/polylines.h"
 #include "progress.h"
+#include "section/polylines.h"
 #include "section/triangle_surface.h"
 
 namespace orx::cli {

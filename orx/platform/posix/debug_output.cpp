@@ -1,8 +1,8 @@
 #include <orx/platform/debug_output.h>
 
 #include <orx/base/errno_guard.h>
-#include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/environment.h>
+#include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/support/signal_block.h>
 
 #include <fcntl.h>

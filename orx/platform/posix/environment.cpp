@@ -1,9 +1,9 @@
 #include <orx/platform/environment.h>
 
-#include <orx/platform/posix/support/format_locale.h>
 #include <orx/base/errno_guard.h>
-#include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/environment.h>
+#include <orx/platform/posix/support/cancellation_block.h>
+#include <orx/platform/posix/support/format_locale.h>
 
 #include <pthread.h>
 #include <pwd.h>

@@ -1,6 +1,6 @@
 #include <orx/base/ascii.h>
-#include <orx/platform/file_system.h>
 #include <orx/base/errno_guard.h>
+#include <orx/platform/file_system.h>
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/support/utf8.h>
 

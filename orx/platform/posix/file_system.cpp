@@ -1,9 +1,9 @@
 #include <orx/platform/file_system.h>
 
 #include <orx/base/errno_guard.h>
+#include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/support/descriptor.h>
-#include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/support/error_text.h>
 
 #include <dirent.h>

@@ -1,5 +1,5 @@
-#include <orx/compat/hkey.h>
 #include <orx/base/errno_guard.h>
+#include <orx/compat/hkey.h>
 #include <orx/platform/posix/registry/handles.h>
 #include <orx/platform/registry_key.h>
 

@@ -6,9 +6,9 @@
 #include <orx/platform/posix/dom/parse.h>
 #include <orx/platform/posix/dom/rules.h>
 #include <orx/platform/posix/dom/tree.h>
+#include <orx/platform/posix/dom/variant_text.h>
 #include <orx/platform/posix/dom/write.h>
 #include <orx/platform/posix/support/utf8.h>
-#include <orx/platform/posix/dom/variant_text.h>
 
 #include <algorithm>
 #include <cstring>

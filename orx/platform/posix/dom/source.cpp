@@ -41,9 +41,7 @@ std::string in_capitals(std::string text) {
 }
 
 // The converter takes other names for that of the locale, or for options.
-bool is_of_encoding_name(char c) {
-  return is_letter(c) || is_digit(c) || c == '-' || c == '.' || c == '_';
-}
+bool is_of_encoding_name(char c) { return is_letter(c) || is_digit(c) || c == '-' || c == '.' || c == '_'; }
 
 bool is_readable(int file, std::string& reason) {
   struct stat status;

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <orx/compat/hkey.h>
-#include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/registry/place.h>
 #include <orx/platform/posix/registry/schema.h>
-#include <orx/platform/posix/support/signal_block.h>
 #include <orx/platform/posix/registry/sqlite_connection.h>
+#include <orx/platform/posix/support/cancellation_block.h>
+#include <orx/platform/posix/support/signal_block.h>
 #include <orx/platform/registry_key.h>
 
 #include <array>
