@@ -174,9 +174,9 @@ bool CORXOcTreeGeneric::IsPastSkipped(void* item, int own) const {
 // their low side. The nearest of these are the lower and the upper face of the box at the end of the path. An
 // item above the lower face is above all planes below that face, and likewise for the upper face.
 //
-// Where `min` is above `max` on an axis, the faces are the farthest planes. The answer then holds only for an
-// item that is on the side of the path at the plane before the path: such a path passes all further planes on
-// the same side.
+// Where `min` is above `max` on an axis, the faces are the farthest planes. The answer then holds only if the
+// item and the path are on the same side of the plane before the path. Both are then on one side of all
+// further planes.
 bool CORXOcTreeGeneric::IsInside(void* item, const orx::OcTreePath& path) const {
   const bool is_above = (OctantAt(item, path.box.min) & path.high) == 0;
   return is_above && (~OctantAt(item, path.box.max) & path.low) == 0;

@@ -101,7 +101,7 @@ auto CORXOcTreeGeneric::LocateItems(const CORXOcTreeBB& box) const -> Separation
 // Whether no level below `top` separates the items of the leaf and `item`: all of them follow the first one
 // down to where no number is left between the faces. Costs two calls an item and one a level.
 bool CORXOcTreeGeneric::IsInseparable(void* item, const CORXOcTreeBB& top) const {
-  if (!is_ordered(top)) return false;  // IsInside cannot answer for all planes
+  if (!is_ordered(top)) return false;  // rare: the walk down all levels answers, too
   orx::OcTreePath path{top};
   while (can_split(path.box)) path.Enter(OctantAt(points[0], path.box.centre));
   const auto is_inside = [&](void* other) { return IsInside(other, path); };

@@ -163,7 +163,7 @@ Items shaped(int shape, std::mt19937& random) {
   std::uniform_real_distribution<double> uniform(0, 8);
   const double odd[] = {0, -0.0, 4, 8, HUGE_VAL, -HUGE_VAL, NAN, DBL_MAX, 0x1p-60};
   const auto value = [&] {
-    if (shape == 1) return 4 + std::round(uniform(random)) / 100 + uniform(random) / 1e4;  // clustered
+    if (shape == 1) return 6 + std::round(uniform(random)) / 100 + uniform(random) / 1e4;  // clustered
     if (shape == 2) return std::floor(uniform(random) * 4) / 4;  // on dividing planes, often coincident
     if (shape == 3) return 100 - 30 * uniform(random);           // mostly outside
     if (shape == 4) return odd[random() % std::size(odd)];
@@ -188,6 +188,7 @@ void agree_with_brute_force(bool across) {
     SCOPED_TRACE("shape " + std::to_string(shape) + " limit " + std::to_string(limit));
     const ORXOcTreeCompareFn compare = run % 2 == 0 ? is_same : is_close;
     Items items = shaped(shape, random), probes = shaped(run % 11 == 0 ? 0 : shape, random);
+    for (std::size_t i = 0; i < 20; ++i) probes[i].x -= 1;  // beside a cluster
     Root tree;
     const double size = shape < kFar ? 8 : std::ldexp(1, 101);
     tree.SetTolerance(run % 3 == 0 ? 1.5 : run % 3 == 1 ? 0.2 : 0.0012);
@@ -275,6 +276,10 @@ TEST(Octree, TriesToPartCoincidentItemsSeldom) {
     EXPECT_EQ(tree.PointCount(), 2000);
     Items others(2100, Item{7, 7, 7});
     add(tree, others);  // when there are twice as many, the two kinds part
+    EXPECT_EQ(tree.PointCount(), 0);
+    init(tree, 2);
+    tree.AddNode(&items[0]);
+    tree.AddNode(&others[0]);  // what the leaf had grown to is forgotten
     EXPECT_EQ(tree.PointCount(), 0);
   }
 }
