@@ -80,15 +80,19 @@ struct OcTreeLevels {
 
 }  // namespace orx
 
-inline int CORXOcTreeGeneric::OctantAt(void* item, const CORXOcTreeBB::Point& centre) const {
+// Always inline: an exported class would export them from builds that do not optimise.
+[[gnu::always_inline]] inline int CORXOcTreeGeneric::OctantAt(void* item,
+                                                              const CORXOcTreeBB::Point& centre) const {
   if (locateFunc == nullptr) return 0;
   return locateFunc(item, centre.x, centre.y, centre.z) & orx::kAllAxes;
 }
 
-inline int CORXOcTreeGeneric::OctantOf(void* item) const { return OctantAt(item, bb.centre); }
+[[gnu::always_inline]] inline int CORXOcTreeGeneric::OctantOf(void* item) const {
+  return OctantAt(item, bb.centre);
+}
 
 // Adds an item to a leaf, at its end. False when memory runs out.
-inline bool CORXOcTreeGeneric::Append(void* item) {
+[[gnu::always_inline]] inline bool CORXOcTreeGeneric::Append(void* item) {
   constexpr int kFirstSizeLog2 = 3;
   if (pointCount + 1 >= 1 << sizeLog2 && !Resize(std::max(sizeLog2 + 1, kFirstSizeLog2))) return false;
   points[pointCount++] = item;
