@@ -7,7 +7,7 @@ endif()
 
 # The public headers: all but the seam and what is internal to a room.
 install(DIRECTORY orx/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orx FILES_MATCHING PATTERN "*.h"
-  REGEX "platform/|/(any_null|application_data_folder|box_corners|calendar|never_destroyed|number_text|shell_sort|static_defaults|text_format|xml_handle)\\.h$" EXCLUDE)
+  REGEX "platform/|/(any_null|application_data_folder|box_corners|calendar|never_destroyed|number_text|octree_levels|shell_sort|static_defaults|text_format|xml_handle)\\.h$" EXCLUDE)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orx)
 install(EXPORT orx-targets NAMESPACE orx:: FILE orx-config.cmake DESTINATION ${package_dir})
