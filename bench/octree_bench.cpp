@@ -1,5 +1,7 @@
 // The octree against what is installed of a packed and a grown R-tree (Boost.Geometry), a k-d tree
 // (nanoflann) and a voxel octree (PCL, in single precision): a million points, evenly spread or in clusters.
+// Then the octree alone: 200,000 points in regions that are far wider than the points or stretched by one
+// stray point, and 100,000 points at 1,000 places.
 #include <benchmark/benchmark.h>
 #include <orx/geometry/octree.h>
 
@@ -7,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <utility>
@@ -309,6 +312,59 @@ void visit(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(tree.Visit());
 }
 
+constexpr struct {
+  const char* name;
+  double low, high, stray;
+} kRegions[] = {{"tight", 0, kExtent, 1},     {"1e3", -1e3, 1e3, 1},    {"1e6", -1e6, 1e6, 1},
+                {"1e7", -1e7, 1e7, 1},        {"1e8", -1e8, 1e8, 1},    {"1e9", -1e9, 1e9, 1},
+                {"1e12", -1e12, 1e12, 1},     {"1e15", -1e15, 1e15, 1}, {"stray 1e10", 0, 1e10, 1e10},
+                {"stray 1e30", 0, 1e30, 1e30}};
+
+std::int64_t comparisons = 0;
+int count_and_compare(void* a, void* b) {
+  ++comparisons;
+  return is_same(a, b);
+}
+
+std::unique_ptr<CORXOcTreeNode> made_tree(Points& points, double low, double high) {
+  auto tree = std::make_unique<CORXOcTreeNode>();
+  tree->SetFunctions(hidden(count_and_compare), hidden(locate), nullptr);
+  tree->Init(low, low, low, high, high, high, 0);
+  for (Point& point : points) tree->AddNode(&point);
+  return tree;
+}
+
+void find_in_region(benchmark::State& state) {
+  const auto& [name, low, high, stray] = kRegions[state.range(0)];
+  state.SetLabel(name);
+  Points points = made_points(kUniform);
+  points.resize(200'000);
+  points[1000].fill(stray);
+  const auto tree = made_tree(points, low, high);
+  comparisons = 0;
+  for (auto _ : state) {
+    for (Point& point : points) benchmark::DoNotOptimize(tree->FindNode(&point));
+  }
+  const auto searches = static_cast<double>(state.iterations()) * static_cast<double>(points.size());
+  state.counters["comparisons"] = static_cast<double>(comparisons) / searches;
+}
+
+void build_of_coincident(benchmark::State& state) {
+  constexpr std::size_t kPlaces = 1000, kPointsAtPlace = 100;
+  Points points = made_points(kUniform);
+  points.resize(kPlaces * kPointsAtPlace);
+  for (std::size_t i = kPlaces; i < points.size(); ++i) points[i] = points[i % kPlaces];
+  for (auto _ : state) {
+    const std::size_t before = allocated();
+    auto tree = made_tree(points, 0, kExtent);
+    state.PauseTiming();
+    const auto bytes = static_cast<double>(allocated() - before);
+    state.counters["bytes/point"] = bytes / static_cast<double>(points.size());
+    tree.reset();
+    state.ResumeTiming();
+  }
+}
+
 void kinds(benchmark::internal::Benchmark* family) {
   family->ArgName("clustered")->Arg(kUniform)->Arg(kClustered)->Unit(benchmark::kMillisecond);
 }
@@ -336,5 +392,8 @@ ORX_BENCH_TREE(find_beyond, NearKdTree);
 ORX_BENCH_TREE(build, PclOctree);
 ORX_BENCH_TREE(find, PclOctree);
 #endif
+
+BENCHMARK(find_in_region)->DenseRange(0, std::size(kRegions) - 1)->Unit(benchmark::kMillisecond);
+BENCHMARK(build_of_coincident)->Unit(benchmark::kMillisecond);
 
 }  // namespace

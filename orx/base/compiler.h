@@ -3,8 +3,9 @@
 
 namespace orx {
 
-// Requests the cache line of an address that is read soon. Any address will do, also an invalid one.
-inline void prefetch(const void* address) { __builtin_prefetch(address); }
+// Requests the cache line of an address that is read soon. Any address will do, also an invalid one. Always
+// inlined: GCC drops calls of functions that only prefetch, since they have no effect on values.
+[[gnu::always_inline]] inline void prefetch(const void* address) { __builtin_prefetch(address); }
 
 // The address of the stack frame of the function that calls this one.
 [[gnu::always_inline]] inline const void* frame_address() { return __builtin_frame_address(0); }
