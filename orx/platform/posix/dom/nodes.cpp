@@ -1,131 +1,230 @@
-#include <orx/platform/posix/dom/nodes.h>
+#include <orx/platform/dom.h>
 
+#include <orx/platform/code_page.h>
 #include <orx/platform/posix/dom/host.h>
+#include <orx/platform/posix/dom/node_maker.h>
 #include <orx/platform/posix/dom/rules.h>
+#include <orx/platform/posix/dom/tree.h>
+#include <orx/platform/posix/dom/variant_text.h>
+#include <orx/platform/posix/support/utf8.h>
 
-#include <libxml/parserInternals.h>
-
+#include <algorithm>
 #include <cstring>
-#include <new>
-#include <type_traits>
+#include <cwchar>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace orx::platform::dom {
 namespace {
 
-constexpr std::string_view kXmlPrefix = "xml:";
+constexpr const char* kBlanks = " \t\r\n";
 
-// An attribute begins with the same members as every other node.
-xmlNode* as_node(xmlAttr* attribute) { return reinterpret_cast<xmlNode*>(attribute); }
-xmlAttr* as_attribute(xmlNode* node) { return reinterpret_cast<xmlAttr*>(node); }
+Node& handle_of(IXMLDOMNode& node) { return static_cast<Node&>(node); }
+xmlNode& node_of(IXMLDOMNode& node) { return *handle_of(node).node; }
 
-const char* as_text(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
-std::string_view view(const xmlChar* text) { return as_text(text); }
-
-// Zeroed, for libxml2 to free.
-template <class T>
-T* allocate() {
-  static_assert(std::is_trivial_v<T>);
-  void* block = xmlMalloc(sizeof(T));
-  if (block == nullptr) throw std::bad_alloc();
-  return new (block) T{};
-}
-
-template <class T>
-T* allocate_node(xmlElementType type, xmlDoc& doc) {
-  T* node = allocate<T>();
-  node->type = type;
-  node->doc = &doc;
-  return node;
-}
-
-// Where libxml2 keeps the namespace of the prefix "xml"; when it makes that itself it may leave out the
-// prefix.
-xmlNs* xml_namespace(xmlDoc& doc) {
-  if (doc.oldNs != nullptr) return doc.oldNs;
-  XmlText href(duplicate(as_text(XML_XML_NAMESPACE)), xmlFree);
-  XmlText prefix(duplicate("xml"), xmlFree);
-  auto* ns = allocate<xmlNs>();
-  ns->type = XML_LOCAL_NAMESPACE;
-  ns->href = href.release();
-  ns->prefix = prefix.release();
-  doc.oldNs = ns;
-  return ns;
-}
-
-bool is_named(const xmlAttr& attribute, std::string_view name) {
-  if (attribute.ns == nullptr || attribute.ns->prefix == nullptr) {
-    const char* own = as_text(attribute.name);
-    return std::strncmp(own, name.data(), name.size()) == 0 && own[name.size()] == '\0';
+bool accept_depth(const xmlNode& parent, Reason& reason) {
+  int depth = 1;
+  for (const xmlNode* node = &parent; node != nullptr && depth <= kMaxDepth; node = node->parent) {
+    if (node->type == XML_ELEMENT_NODE) ++depth;
   }
-  const std::string_view prefix = view(attribute.ns->prefix);
-  return name.size() > prefix.size() && name.starts_with(prefix) && name[prefix.size()] == ':' &&
-         name.substr(prefix.size() + 1) == view(attribute.name);
+  if (depth <= kMaxDepth) return true;
+  reason = kTooDeep;
+  return false;
+}
+
+bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
+  const xmlAttr* attribute = find_attribute(element, name);
+  if (attribute == nullptr) {
+    const xmlNs* ns = find_namespace(element, name);
+    text = ns != nullptr ? as_text(ns->href) : nullptr;
+    return ns != nullptr;
+  }
+  const xmlNode* child = attribute->children;
+  if (child == nullptr) {
+    text.Empty();
+  } else if (child->next == nullptr && child->type == XML_TEXT_NODE) {
+    text = as_text(child->content);
+  } else {
+    const HostAside host;
+    const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
+    host.CheckMemory();
+    text = as_text(value.get());
+  }
+  return true;
+}
+
+bool add_attribute(Tree& tree, xmlNode& element, const char* name, const char* text, Reason& reason) {
+  xmlAttr* last = element.properties;
+  for (int count = 1; last != nullptr && last->next != nullptr; last = last->next) {
+    if (++count == kMaxAttributes) return refuse(reason, kTooManyAttributes);
+  }
+  NodePointer attribute = new_attribute(element, name);
+  tree.SetText(*attribute, text);
+  append_attribute(element, last, std::move(attribute));
+  return true;
+}
+
+// What its kind of node cannot hold: what would end it, and what a parser would drop or change there.
+bool fits_kind(xmlElementType type, std::string_view text) {
+  const bool has_return = text.find('\r') != text.npos;
+  switch (type) {
+    case XML_COMMENT_NODE:
+      return !has_return && text.find("--") == text.npos && !text.ends_with('-');
+    case XML_PI_NODE:
+      return !has_return && text.find("?>") == text.npos && text.find_first_of(kBlanks) != 0;
+    case XML_CDATA_SECTION_NODE:
+      return !has_return && text.find("]]>") == text.npos;
+    default:
+      return true;
+  }
+}
+
+const xmlNode* attribute_of(const xmlNode& node) {
+  const xmlNode* owner = node.type == XML_TEXT_NODE ? node.parent : &node;
+  return owner != nullptr && owner->type == XML_ATTRIBUTE_NODE ? owner : nullptr;
+}
+
+// Replaces the content of a node that has no children.
+void replace_content(xmlNode& node, const std::string& text) {
+  XmlText content(duplicate(text), xmlFree);
+  if (node.type == XML_TEXT_NODE && node.parent != nullptr) forget_ids(*node.parent);
+  xmlNodeSetContent(&node, nullptr);
+  node.content = content.release();
+}
+
+bool put_text(const Node& handle, const std::string& text, Reason& reason) {
+  xmlNode& node = *handle.node;
+  const xmlNode* attribute = attribute_of(node);
+  const std::string name = attribute != nullptr ? qualified_name(attribute->name, attribute->ns) : "";
+  if (!accept_value(name, text, reason)) return false;
+  if (!fits_kind(node.type, text)) return refuse(reason, "a node of this kind cannot hold this text");
+  switch (node.type) {
+    case XML_ELEMENT_NODE:
+    case XML_ATTRIBUTE_NODE:
+      handle.tree.SetText(node, text);
+      return true;
+    case XML_TEXT_NODE:
+    case XML_CDATA_SECTION_NODE:
+    case XML_COMMENT_NODE:
+    case XML_PI_NODE:
+      replace_content(node, text);
+      return true;
+    default:
+      return refuse(reason, "a node of this kind has no text");
+  }
 }
 
 }  // namespace
 
-void NodeDeleter::operator()(xmlNode* node) const noexcept {
-  const CallbackAside host;
-  xmlFreeNode(node);
+bool append_element(IXMLDOMDocument&, IXMLDOMElement& parent, const char* name, IXMLDOMElement** child,
+                    Reason& reason) {
+  *child = nullptr;
+  const Node& owner = handle_of(parent);
+  if (!accept_name(name, reason) || !accept_depth(*owner.node, reason)) return false;
+  NodePointer element = new_element(*owner.node->doc, name);
+  *child = owner.tree.HandleOf(
+      element.get());  // first, so that an element without a handle is not in the document
+  xmlAddChild(owner.node, element.release());
+  return true;
 }
 
-xmlChar* duplicate(std::string_view text) {
-  auto* copy = static_cast<xmlChar*>(xmlMallocAtomic(text.size() + 1));
-  if (copy == nullptr) throw std::bad_alloc();
-  std::memcpy(copy, text.data(), text.size());
-  copy[text.size()] = '\0';
-  return copy;
+IXMLDOMElement* as_element(IXMLDOMNode& node) {
+  return node_of(node).type == XML_ELEMENT_NODE ? &handle_of(node) : nullptr;
 }
 
-NodePointer new_element(xmlDoc& doc, const char* name) {
-  NodePointer element(allocate_node<xmlNode>(XML_ELEMENT_NODE, doc));
-  element->name = duplicate(name);
-  return element;
-}
-
-NodePointer new_text(xmlDoc& doc, std::string_view text) {
-  NodePointer node(allocate_node<xmlNode>(XML_TEXT_NODE, doc));
-  node->name = xmlStringText;
-  node->content = duplicate(text);
-  return node;
-}
-
-NodePointer new_attribute(xmlNode& element, std::string_view name) {
-  xmlNs* ns = name.starts_with(kXmlPrefix) ? xml_namespace(*element.doc) : nullptr;
-  if (ns != nullptr) name.remove_prefix(kXmlPrefix.size());
-  NodePointer attribute(as_node(allocate_node<xmlAttr>(XML_ATTRIBUTE_NODE, *element.doc)));
-  attribute->name = duplicate(name);
-  as_attribute(attribute.get())->ns = ns;
-  return attribute;
-}
-
-void append_attribute(xmlNode& element, xmlAttr* last, NodePointer attribute) {
-  xmlAttr* added = as_attribute(attribute.release());
-  added->parent = &element;
-  added->prev = last;
-  (last != nullptr ? last->next : element.properties) = added;
-}
-
-std::string qualified_name(const xmlChar* name, const xmlNs* ns) {
-  if (ns == nullptr || ns->prefix == nullptr) return std::string(view(name));
-  std::string qualified(view(ns->prefix));
-  return qualified.append(1, ':').append(view(name));
-}
-
-xmlAttr* find_attribute(const xmlNode& element, std::string_view name) {
-  xmlAttr* attribute = element.properties;
-  while (attribute != nullptr && !is_named(*attribute, name)) attribute = attribute->next;
-  return attribute;
-}
-
-const xmlNs* find_namespace(const xmlNode& element, std::string_view name) {
-  if (!declares_namespace(name)) return nullptr;
-  const std::size_t colon = name.find(':');
-  const std::string_view prefix = colon == std::string_view::npos ? "" : name.substr(colon + 1);
-  for (const xmlNs* ns = element.nsDef; ns != nullptr; ns = ns->next) {
-    if (prefix == (ns->prefix != nullptr ? view(ns->prefix) : "")) return ns;
+bool get_name(IXMLDOMNode& node, CStringA& name, Reason&) {
+  const xmlNode& target = node_of(node);
+  switch (target.type) {
+    case XML_TEXT_NODE:
+      name = "#text";
+      break;
+    case XML_CDATA_SECTION_NODE:
+      name = "#cdata-section";
+      break;
+    case XML_COMMENT_NODE:
+      name = "#comment";
+      break;
+    case XML_DOCUMENT_NODE:
+      name = "#document";
+      break;
+    case XML_ELEMENT_NODE:
+    case XML_ATTRIBUTE_NODE:  // both begin alike, down to the namespace
+      name = qualified_name(target.name, target.ns).c_str();
+      break;
+    default:  // processing instructions, entity references, the document type
+      name = as_text(target.name);
   }
-  return nullptr;
+  return true;
+}
+
+bool get_text(IXMLDOMElement& element, CStringA& text, Reason&) {
+  xmlNode& top = node_of(element);
+  std::string all;
+  std::size_t first_kept = keeps_space(top) ? 0 : std::string::npos;  // CDATA sections keep their white space
+  std::size_t last_kept = 0;
+  for (xmlNode* node = following(&top, &top); node != nullptr; node = following(node, &top)) {
+    const bool is_cdata = node->type == XML_CDATA_SECTION_NODE;
+    if ((!is_cdata && node->type != XML_TEXT_NODE) || node->content == nullptr) continue;
+    if (is_cdata) first_kept = std::min(first_kept, all.size());
+    all += as_text(node->content);
+    if (is_cdata) last_kept = all.size();
+  }
+  if (keeps_space(top)) last_kept = all.size();
+  const std::size_t begin = std::min(all.find_first_not_of(kBlanks), first_kept);
+  const std::size_t end = std::max(all.find_last_not_of(kBlanks) + 1, last_kept);
+  text = begin < end ? CStringA(all.data() + begin, static_cast<int>(end - begin)) : CStringA();
+  return true;
+}
+
+bool set_text(IXMLDOMNode& node, const wchar_t* text, Reason& reason) {
+  std::string narrow;
+  if (text != nullptr && !utf8::from_wide(text, std::wcslen(text), narrow)) {
+    reason = "the text holds what is not a character";
+    return false;
+  }
+  return put_text(handle_of(node), narrow, reason);
+}
+
+bool get_attribute(IXMLDOMElement& element, const char* name, bool& exists, CStringA& text, Reason& reason) {
+  CStringA value;
+  exists = read_attribute(node_of(element), name, value);
+  if (!exists && !accept_name(name, reason)) return false;  // there is none of a name that is none
+  text = std::move(value);
+  return true;
+}
+
+bool get_attribute(IXMLDOMElement& element, const char* name, VARIANT* value, Reason& reason) {
+  VariantInit(value);
+  value->vt = VT_NULL;
+  CStringA text;
+  bool exists = false;
+  if (!get_attribute(element, name, exists, text, reason)) return false;
+  if (exists) {
+    value->bstrVal = widen(text);
+    value->vt = VT_BSTR;
+  }
+  return true;
+}
+
+bool set_attribute(IXMLDOMElement& element, const char* name, const char* text, Reason& reason) {
+  if (!accept_name(name, reason) || !accept_value(name, text, reason)) return false;
+  const Node& handle = handle_of(element);
+  if (xmlAttr* attribute = find_attribute(*handle.node, name)) {
+    handle.tree.SetText(*reinterpret_cast<xmlNode*>(attribute), text);
+    return true;
+  }
+  const xmlNs* ns = find_namespace(*handle.node, name);
+  if (ns == nullptr) return add_attribute(handle.tree, *handle.node, name, text, reason);
+  if (std::strcmp(text, as_text(ns->href)) == 0) return true;
+  return refuse(reason, "the namespace of an element cannot be changed");
+}
+
+bool set_attribute(IXMLDOMElement& element, const char* name, const VARIANT& value, Reason& reason) {
+  std::string text;
+  if (variant_text(value, text) >= 0) return set_attribute(element, name, text.c_str(), reason);
+  reason = "a value of type " + std::to_string(value.vt) + " cannot be written as text";
+  return false;
 }
 
 }  // namespace orx::platform::dom

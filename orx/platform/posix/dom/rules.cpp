@@ -74,16 +74,16 @@ std::size_t written_size(std::string_view text) {
   return text.size() + (kLongestEscape - 1) * static_cast<std::size_t>(escaped);
 }
 
-bool refuse(std::string& reason, const char* why) {
-  reason = why;
-  return false;
-}
-
 bool is_reserved_namespace(std::string_view uri) {
   return uri == "http://www.w3.org/XML/1998/namespace" || uri == "http://www.w3.org/2000/xmlns/";
 }
 
 }  // namespace
+
+bool refuse(std::string& reason, const char* why) {
+  reason = why;
+  return false;
+}
 
 bool is_plain_name(std::string_view text) {
   if (text.empty() || !utf8::is_valid(text)) return false;

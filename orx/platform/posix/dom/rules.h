@@ -43,6 +43,9 @@ inline constexpr const char* kTooManyNamespaces = "it declares too many namespac
 inline constexpr const char* kUnsupportedNamespace = "the name of a namespace holds an ampersand";
 inline constexpr const char* kTooManyNodes = "it has too many elements";
 
+// Sets the reason of a failure, and returns false.
+bool refuse(std::string& reason, const char* why);
+
 // Each is false with the reason when the argument is refused.
 bool accept_name(std::string_view name, std::string& reason);
 bool accept_text(std::string_view text, std::string& reason);

@@ -1,7 +1,7 @@
 #include <orx/platform/posix/dom/tree.h>
 
 #include <orx/platform/posix/dom/host.h>
-#include <orx/platform/posix/dom/nodes.h>
+#include <orx/platform/posix/dom/node_maker.h>
 
 #include <libxml/valid.h>
 
