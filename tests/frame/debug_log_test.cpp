@@ -144,18 +144,9 @@ TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
 TEST_F(DebugLog, WritesTheLineOfAThreadThatIsCancelled) {
   in_new_process([&] {
     halvark_log_debug_init(folder.suite_path("sub").c_str());
-    const auto write_cancelled = [](void* result) -> void* {
-      pthread_cancel(pthread_self());
-      *static_cast<int*>(result) = halvark_log_debug_write("line");
-      pthread_testcancel();
-      return nullptr;
-    };
     int result = 1;
-    void* end = nullptr;
-    pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, nullptr, write_cancelled, &result), 0);
-    pthread_join(thread, &end);
-    EXPECT_TRUE(result == 0 && end == PTHREAD_CANCELED);
+    on_cancelled_thread([&] { result = halvark_log_debug_write("line"); });
+    EXPECT_EQ(result, 0);
   });
   EXPECT_EQ(Content("sub/DEBUG.LOG"), "Hline\r\n");
 }

@@ -94,6 +94,13 @@ TEST_F(FileQueries, WhatMayNotBeReadIsThereAllTheSame) {
   });
 }
 
+TEST_F(FileQueries, AreAnsweredBeforeAThreadIsCancelled) {
+  Create({{"file", 3}});
+  Answers result;
+  on_cancelled_thread([&] { result = answers(folder.path("file")); });
+  EXPECT_EQ(result, Answers(1, 0, 1, 3, 3));
+}
+
 TEST_F(FileQueries, TheFirstMatchOfAPatternIsMeasured) {
   fs::create_directories(folder.path("c/sub.fol"));
   Create({{"c/b.txt", 1}, {"c/A.TXT", 2}, {"c/_a.txt", 3}, {"c/pit10.dat", 4}, {"c/pit1.dat", 5}});

@@ -4,7 +4,6 @@
 #include <tests/support/process.h>
 #include <tests/support/registry.h>
 
-#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -287,17 +286,7 @@ TEST_F(SettingsTest, AProcessEndsWhileAThreadChangesSettings) {
 }
 
 TEST_F(SettingsTest, ACancelledThreadEndsAfterItsCall) {
-  const auto write_cancelled = [](void*) -> void* {
-    pthread_cancel(pthread_self());
-    hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1);
-    pthread_testcancel();
-    return nullptr;
-  };
-  pthread_t thread;
-  ASSERT_EQ(pthread_create(&thread, nullptr, write_cancelled, nullptr), 0);
-  void* result = nullptr;
-  pthread_join(thread, &result);
-  EXPECT_EQ(result, PTHREAD_CANCELED);
+  orx::testing::on_cancelled_thread([] { hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1); });
   EXPECT_EQ(Stored("A"), "x=4:01000000 ");
 }
 
