@@ -113,8 +113,11 @@ TEST_F(FileQueries, TheFirstMatchOfAPatternIsMeasured) {
       {"pit1?.*", 5},    {"pit?.dat", 6}, {"x.*", 7},     {"x*.", 7},        {"sub.fol\\?", 8},
       {"*", 9},          {"*.*", 9},      {"*.tx", 10},   {"üb*", 11},       {"*.r", 12},
       {"?Ü.*", 13},      {".*", 14}};
-  for (const auto& [pattern, size] : sizes)
-    EXPECT_EQ(get_file_length(("C:\\" + pattern).c_str()), size) << pattern;
+  for (const auto& [pattern, size] : sizes) {
+    for (const char* drive : {"C:\\", "\\\\?\\C:\\"}) {
+      EXPECT_EQ(get_file_length((drive + pattern).c_str()), size) << drive << pattern;
+    }
+  }
 }
 
 TEST_F(FileQueries, FreeSpaceIsThatOfTheVolume) {
