@@ -5,11 +5,12 @@
 #include <orx/orx.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace {
 
-int own_calls = 0, shown = 0;
+int own_calls = 0, shown = 0, looked_up = 0;
 
 int fail(const char* what) { return std::fprintf(stderr, "%s\n", what), 1; }
 
@@ -19,6 +20,7 @@ char* trim(char* s) { return ++own_calls, s; }
 char* trimt(char* s) { return ++own_calls, s; }
 void ShowError(const char*) { ++own_calls; }
 void SysFreeString(BSTR) { ++own_calls; }
+ORX_API char* getenv(const char*) noexcept { return ++looked_up, nullptr; }
 
 int main() {
   void* library = dlopen("liborx.so.6", RTLD_NOW | RTLD_NOLOAD);
@@ -40,6 +42,18 @@ int main() {
   ShowError("");
   trim(text);
   if (own_calls != 2 || shown != 0) return fail("the host does not reach its own functions");
+
+  // Another thread may change the environment from here on.
+  setenv("ORX_USER_REGISTRY", "/dev/null", 1);
+  orx_environment_changed();
+  looked_up = 0;
+  int value_read = 0;
+  hvk_RegReadInt(nullptr, nullptr, nullptr, nullptr, "x", &value_read);
+  IXMLDOMElement* root = nullptr;
+  COrxXMLDoc().SetXMLText(&root, "<a/>");
+  if (root != nullptr) root->Release();
+  if (looked_up != 0) return fail("the environment is read once more");
+
   library_show_error("");
   return shown == 1 && own_calls == 2 ? 0 : fail("the library's ShowError does not reach the callback");
 }
