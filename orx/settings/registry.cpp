@@ -1,6 +1,7 @@
 #include <orx/settings/registry.h>
 
 #include <orx/platform/debug_output.h>
+#include <orx/platform/kept_errno.h>
 #include <orx/platform/registry_key.h>
 
 #include <algorithm>
@@ -45,6 +46,7 @@ int result_of(LSTATUS status) { return status == ERROR_SUCCESS ? 0 : -1; }
 // What a flat function does, failing as any other when memory is exhausted.
 template <class Body>
 int guarded(Body body) {
+  const orx::platform::KeptErrno kept;
   try {
     return body();
   } catch (const std::exception&) {
