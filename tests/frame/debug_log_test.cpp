@@ -211,6 +211,10 @@ TEST_F(DebugLog, CutsLongNamesAndNeedsAFolder) {
     EXPECT_EQ(halvark_log_debug_init(folder.suite_path(name).c_str()), 0);
     EXPECT_TRUE(read_file(folder.path(name + "/DEBU")).starts_with(header.substr(0, 260) + "\r\n-"));
     EXPECT_EQ(halvark_log_debug_init(std::string(100'000, 'n').c_str()), -1);
+    const std::string words = kEightyLetters + "/" + kEightyLetters;
+    fs::create_directories(folder.path(words));
+    EXPECT_EQ(halvark_log_debug_init(folder.suite_path(words).c_str()), 0);
+    EXPECT_EQ(Content(words + "/DEBUG.LOG"), "H") << "characters are counted";
     unsetenv("PUBLIC");
     EXPECT_EQ(halvark_log_debug_init(nullptr) + halvark_log_debug_write_thread("line"), -2);
     setenv("PUBLIC", folder.path().c_str(), 1);
