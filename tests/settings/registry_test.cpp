@@ -222,6 +222,8 @@ TEST_F(SettingsTest, FilesAreMadeOnFirstUseForTheirReaders) {
   char file[3];
   EXPECT_EQ(orx_registry_file(HKEY_CURRENT_USER, file, sizeof file), -1);
   EXPECT_STREQ(file, "");
+  char path[PATH_MAX];
+  EXPECT_EQ(orx_registry_file(nullptr, path, sizeof path), -1) << "only a root has a file";
 }
 
 TEST_F(SettingsTest, WhatFailsIsToldToTheDebugger) {
