@@ -2,7 +2,7 @@
 # Builds the library and the command-line host, then runs the host with the arguments given. Without arguments it shows
 # the commands and the sample suite. ORX_NO_INSTALL=1 installs no packages.
 set -euo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+root=$(CDPATH='' cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$root/cmake/install_packages.sh"
 . "$root/cmake/configure.sh"
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds everything, with the tests, and runs them. Arguments go to ctest. ORX_NO_INSTALL=1 installs no packages.
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")"
+CDPATH='' cd "$(dirname "${BASH_SOURCE[0]}")"
 . cmake/install_packages.sh
 . cmake/configure.sh
 

@@ -12,7 +12,7 @@ discard_foreign_build() {
 configure() {
   local build=build/$1 option
   discard_foreign_build "$build"
-  if [ -f "$build/build.ninja" ]; then
+  if [ -f "$build/build.ninja" ] && [ -f "$build/CMakeCache.txt" ]; then
     local -i missing=0
     for option in "${@:2}"; do
       grep -q "^${option#-D}\$" <(sed 's/:[A-Z]*=/=/' "$build/CMakeCache.txt") || missing=1

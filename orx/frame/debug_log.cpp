@@ -5,10 +5,10 @@
 #include <orx/datetime/date_time.h>
 #include <orx/datetime/date_time_format.h>
 #include <orx/frame/application_data_folder.h>
+#include <orx/platform/code_page.h>
 #include <orx/platform/debug_output.h>
 #include <orx/platform/file_system.h>
 #include <orx/platform/shared_files.h>
-#include <orx/text/strings.h>
 
 #include <atomic>
 #include <cstdarg>
@@ -19,13 +19,13 @@
 
 namespace {
 
-constexpr std::size_t kLongestHeader = 260;
+// The name of a log, or the first line of its header, which is cut like it.
+using Text = char[ORX_LOG_PATH_LENGTH * orx::platform::kMostBytesOfCharacter + 1];
 
 struct Log {
   const char* file;
-  char
-      name[ORX_LOG_PATH_LENGTH + 1];  // in full; empty until the first line or halvark_log_debug_init sets it
-  bool is_fixed;                      // the next line does not look for the application data folder again
+  Text name;      // in full; empty until the first line or halvark_log_debug_init sets it
+  bool is_fixed;  // the next line does not look for the application data folder again
 };
 
 constinit Log main_log{ORX_LOG_NAME, "", false};
@@ -35,20 +35,27 @@ constinit Log thread_log{ORX_THREAD_LOG_NAME, "", false};
 constinit std::atomic<bool> started = false;  // a start or a line was tried, in either log
 constinit std::atomic<bool> echoes = false;
 
+ORX_PRINTF(2, 3)
+void print(Text& text, const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  orx::format_text(text, sizeof text, format, arguments);
+  va_end(arguments);
+  text[orx::platform::first_characters(text, ORX_LOG_PATH_LENGTH)] = '\0';
+}
+
 // A null or empty folder: the application data folder. Where that is empty too there is no name, and no log
 // until it is found.
 void set_name(Log& log, const char* folder) {
-  orx::ApplicationDataFolder chosen;
+  orx::ApplicationDataFolder found;
   log.is_fixed = folder != nullptr && *folder != '\0';
-  if (log.is_fixed) {
-    ORX_strncpy(chosen, folder, ORX_LOG_PATH_LENGTH);
-  } else {
-    log.is_fixed = orx::find_application_data_folder(chosen);
+  if (!log.is_fixed) {
+    log.is_fixed = orx::find_application_data_folder(found);
+    folder = found;
   }
-  const bool separated = std::string_view(chosen).ends_with('\\');
+  const bool separated = std::string_view(folder).ends_with('\\');
   *log.name = '\0';
-  if (*chosen != '\0')
-    ORX_snprintf(log.name, ORX_LOG_PATH_LENGTH, separated ? "%s%s" : "%s\\%s", chosen, log.file);
+  if (*folder != '\0') print(log.name, separated ? "%s%s" : "%s\\%s", folder, log.file);
 }
 
 // The text mode of the C runtime: a line feed becomes CR LF, also behind a CR.
@@ -101,9 +108,9 @@ void write_header(Log& log) {
   orxDateTime_GetHourMinuteSecond(&now, &hour, &minute, &second);
 
   const int hour_on_the_dial = hour % 12 == 0 ? 12 : hour % 12;
-  char header[kLongestHeader + 1];
-  ORX_snprintf(header, kLongestHeader, "Log file '%s' opened at %d:%02d %s on %s.", log.name,
-               hour_on_the_dial, minute, hour < 12 ? "AM" : "PM", date);
+  Text header;
+  print(header, "Log file '%s' opened at %d:%02d %s on %s.", log.name, hour_on_the_dial, minute,
+        hour < 12 ? "AM" : "PM", date);
   write(log, header);
   write(log, "---------------------------");
 }

@@ -1,6 +1,7 @@
 #include <orx/frame/file_queries.h>
 
 #include <orx/frame/host_callbacks.h>
+#include <orx/platform/code_page.h>
 #include <orx/platform/file_system.h>
 #include <orx/platform/stack.h>
 #include <orx/text/strings.h>
@@ -14,7 +15,7 @@ namespace {
 
 using orx::platform::EntryKind;
 
-constexpr std::size_t kLongestPath = 260;
+constexpr std::size_t kLongestPath = 260;  // in characters
 constexpr int kDrives = 26;
 
 // What the system answers; nothing without a path, and when memory is exhausted.
@@ -29,8 +30,9 @@ Answer asked(Answer (*query)(const char*), const char* path) {
 }
 
 EntryKind kind_of(const char* path) {
-  char cut[kLongestPath + 1];
-  ORX_strncpy(cut, path, kLongestPath);
+  char cut[kLongestPath * orx::platform::kMostBytesOfCharacter + 1];
+  ORX_strncpy(cut, path, sizeof cut - 1);
+  cut[orx::platform::first_characters(cut, kLongestPath)] = '\0';
   RemoveTrailingBackSlash(cut);
   return asked(orx::platform::entry_kind, cut);
 }

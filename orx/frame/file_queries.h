@@ -12,8 +12,8 @@
 
 ORX_C_BEGIN
 
-// Whether there is a folder, or something else, of that name: 1 or 0. Of a longer path the first 260 bytes
-// count. One backslash at the end is left out, so "\" alone names nothing.
+// Whether there is a folder, or something else, of that name: 1 or 0. Of a longer path the first 260
+// characters count. One backslash at the end is left out, so "\" alone names nothing.
 ORX_API int FileExists(const char* path);
 ORX_API int DirectoryExists(const char* path);
 

@@ -18,6 +18,11 @@ const char* last_backslash(const char* text);
 // The number of characters. A byte that is part of no valid character counts as one or as none.
 int count_characters(std::string_view text);
 
+inline constexpr std::size_t kMostBytesOfCharacter = 4;
+
+// How many bytes the first `most` characters of a text have, counted in the same way.
+std::size_t first_characters(std::string_view text, std::size_t most);
+
 // How many bytes of a text fit into `most` bytes without a character that is cut. Bytes that are not text
 // count as characters of one byte.
 std::size_t whole_characters(std::string_view text, std::size_t most);

@@ -1,5 +1,6 @@
 #include <orx/settings/registry.h>
 
+#include <orx/base/errno_guard.h>
 #include <orx/platform/debug_output.h>
 #include <orx/platform/registry_key.h>
 
@@ -40,11 +41,14 @@ Value number_value(DWORD type, const Number& number) {
   return {type, &number, sizeof number};
 }
 
+bool is_root(HKEY key) { return key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE; }
+
 int result_of(LSTATUS status) { return status == ERROR_SUCCESS ? 0 : -1; }
 
 // What a flat function does, failing as any other when memory is exhausted.
 template <class Body>
 int guarded(Body body) {
+  const orx::ErrnoGuard errno_guard;
   try {
     return body();
   } catch (const std::exception&) {
@@ -283,7 +287,7 @@ int orx_registry_file(HKEY root, char* path, size_t size) {
   if (path == nullptr || size == 0) return -1;
   std::string file;
   try {
-    file = orx::platform::registry_file(root);
+    if (is_root(root)) file = orx::platform::registry_file(root);
   } catch (const std::exception&) {
   }
   const bool fits = !file.empty() && file.size() < size;
@@ -294,7 +298,7 @@ int orx_registry_file(HKEY root, char* path, size_t size) {
 
 LSTATUS orx_registry_change(HKEY root, LSTATUS (*change)(void* context), void* context) {
   if (change == nullptr) return ERROR_INVALID_PARAMETER;
-  if (root != HKEY_CURRENT_USER && root != HKEY_LOCAL_MACHINE) return ERROR_INVALID_HANDLE;
+  if (!is_root(root)) return ERROR_INVALID_HANDLE;
   RegistryTransaction transaction(root, RegistryTransaction::kWrite);
   const LSTATUS status = change(context);
   const LSTATUS end =

@@ -144,18 +144,9 @@ TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
 TEST_F(DebugLog, WritesTheLineOfAThreadThatIsCancelled) {
   in_new_process([&] {
     halvark_log_debug_init(folder.suite_path("sub").c_str());
-    const auto write_cancelled = [](void* result) -> void* {
-      pthread_cancel(pthread_self());
-      *static_cast<int*>(result) = halvark_log_debug_write("line");
-      pthread_testcancel();
-      return nullptr;
-    };
     int result = 1;
-    void* end = nullptr;
-    pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, nullptr, write_cancelled, &result), 0);
-    pthread_join(thread, &end);
-    EXPECT_TRUE(result == 0 && end == PTHREAD_CANCELED);
+    on_cancelled_thread([&] { result = halvark_log_debug_write("line"); });
+    EXPECT_EQ(result, 0);
   });
   EXPECT_EQ(Content("sub/DEBUG.LOG"), "Hline\r\n");
 }
@@ -220,6 +211,10 @@ TEST_F(DebugLog, CutsLongNamesAndNeedsAFolder) {
     EXPECT_EQ(halvark_log_debug_init(folder.suite_path(name).c_str()), 0);
     EXPECT_TRUE(read_file(folder.path(name + "/DEBU")).starts_with(header.substr(0, 260) + "\r\n-"));
     EXPECT_EQ(halvark_log_debug_init(std::string(100'000, 'n').c_str()), -1);
+    const std::string words = kEightyLetters + "/" + kEightyLetters;
+    fs::create_directories(folder.path(words));
+    EXPECT_EQ(halvark_log_debug_init(folder.suite_path(words).c_str()), 0);
+    EXPECT_EQ(Content(words + "/DEBUG.LOG"), "H") << "characters are counted";
     unsetenv("PUBLIC");
     EXPECT_EQ(halvark_log_debug_init(nullptr) + halvark_log_debug_write_thread("line"), -2);
     setenv("PUBLIC", folder.path().c_str(), 1);

@@ -71,12 +71,15 @@ TEST_F(FileQueries, AboutWhatAPathNames) {
   close(opened);
 }
 
-TEST_F(FileQueries, ExistenceIsAskedOfTheFirst260Bytes) {
+TEST_F(FileQueries, ExistenceIsAskedOfTheFirst260Characters) {
   const std::string name(250 - folder.path().size(), 'd'), parent = folder.suite_path(name);
   const std::string file(259 - parent.size(), 'f'), longest = parent + "\\" + file;
   fs::create_directory(folder.path(name));
   Create({{name + "/" + file, 1}});
   EXPECT_EQ(answers(longest), Answers(1, 0, 1, 1, 1));
+  const std::string words = folder.path(kEightyLetters + "/" + kEightyLetters);
+  fs::create_directories(words);
+  EXPECT_EQ(answers(words), Answers(0, 1, 0, 0, 0)) << "more than 260 bytes";
   for (const std::size_t more : {1U, 9740U}) {
     EXPECT_EQ(answers(longest + std::string(more, 'x')), Answers(1, 0, 0, 0, 0)) << more;
     EXPECT_EQ(DirectoryExists((parent + std::string(260 - parent.size() + more, '\\')).c_str()), 1) << more;
@@ -94,6 +97,13 @@ TEST_F(FileQueries, WhatMayNotBeReadIsThereAllTheSame) {
   });
 }
 
+TEST_F(FileQueries, AreAnsweredBeforeAThreadIsCancelled) {
+  Create({{"file", 3}});
+  Answers result;
+  on_cancelled_thread([&] { result = answers(folder.path("file")); });
+  EXPECT_EQ(result, Answers(1, 0, 1, 3, 3));
+}
+
 TEST_F(FileQueries, TheFirstMatchOfAPatternIsMeasured) {
   fs::create_directories(folder.path("c/sub.fol"));
   Create({{"c/b.txt", 1}, {"c/A.TXT", 2}, {"c/_a.txt", 3}, {"c/pit10.dat", 4}, {"c/pit1.dat", 5}});
@@ -106,8 +116,11 @@ TEST_F(FileQueries, TheFirstMatchOfAPatternIsMeasured) {
       {"pit1?.*", 5},    {"pit?.dat", 6}, {"x.*", 7},     {"x*.", 7},        {"sub.fol\\?", 8},
       {"*", 9},          {"*.*", 9},      {"*.tx", 10},   {"üb*", 11},       {"*.r", 12},
       {"?Ü.*", 13},      {".*", 14}};
-  for (const auto& [pattern, size] : sizes)
-    EXPECT_EQ(get_file_length(("C:\\" + pattern).c_str()), size) << pattern;
+  for (const auto& [pattern, size] : sizes) {
+    for (const char* drive : {"C:\\", "\\\\?\\C:\\"}) {
+      EXPECT_EQ(get_file_length((drive + pattern).c_str()), size) << drive << pattern;
+    }
+  }
 }
 
 TEST_F(FileQueries, FreeSpaceIsThatOfTheVolume) {

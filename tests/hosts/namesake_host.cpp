@@ -1,15 +1,19 @@
 // A host that happens to have functions of the library's names, and exports them: neither side reaches the
-// other's.
+// other's. It also sees when the library reads the environment, and makes its memory run out.
 #include <dlfcn.h>
 #include <orx/compat/variant.h>
 #include <orx/orx.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace {
 
-int own_calls = 0, shown = 0;
+int own_calls = 0, shown = 0, looked_up = 0;
+bool has_memory = true;
 
 int fail(const char* what) { return std::fprintf(stderr, "%s\n", what), 1; }
 
@@ -19,6 +23,14 @@ char* trim(char* s) { return ++own_calls, s; }
 char* trimt(char* s) { return ++own_calls, s; }
 void ShowError(const char*) { ++own_calls; }
 void SysFreeString(BSTR) { ++own_calls; }
+ORX_API char* getenv(const char*) noexcept { return ++looked_up, nullptr; }
+ORX_API void* operator new(std::size_t size) {
+  if (void* memory = has_memory ? std::malloc(size) : nullptr) return memory;
+  errno = ENOMEM;
+  throw std::bad_alloc();
+}
+ORX_API void operator delete(void* memory) noexcept { std::free(memory); }
+ORX_API void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 int main() {
   void* library = dlopen("liborx.so.6", RTLD_NOW | RTLD_NOLOAD);
@@ -40,6 +52,24 @@ int main() {
   ShowError("");
   trim(text);
   if (own_calls != 2 || shown != 0) return fail("the host does not reach its own functions");
+
+  // Another thread may change the environment from here on.
+  setenv("ORX_USER_REGISTRY", "/dev/null", 1);
+  orx_environment_changed();
+  looked_up = 0;
+  int value_read = 0;
+  hvk_RegReadInt(nullptr, nullptr, nullptr, nullptr, "x", &value_read);
+  IXMLDOMElement* root = nullptr;
+  COrxXMLDoc().SetXMLText(&root, "<a/>");
+  if (root != nullptr) root->Release();
+  if (looked_up != 0) return fail("the environment is read once more");
+
+  errno = 77;
+  has_memory = false;
+  const int result = hvk_RegReadInt(nullptr, nullptr, nullptr, nullptr, "x", &value_read);
+  has_memory = true;
+  if (result != -1 || errno != 77) return fail("a setting that has no memory changes errno");
+
   library_show_error("");
   return shown == 1 && own_calls == 2 ? 0 : fail("the library's ShowError does not reach the callback");
 }

@@ -4,7 +4,6 @@
 #include <tests/support/process.h>
 #include <tests/support/registry.h>
 
-#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -223,6 +222,8 @@ TEST_F(SettingsTest, FilesAreMadeOnFirstUseForTheirReaders) {
   char file[3];
   EXPECT_EQ(orx_registry_file(HKEY_CURRENT_USER, file, sizeof file), -1);
   EXPECT_STREQ(file, "");
+  char path[PATH_MAX];
+  EXPECT_EQ(orx_registry_file(nullptr, path, sizeof path), -1) << "only a root has a file";
 }
 
 TEST_F(SettingsTest, WhatFailsIsToldToTheDebugger) {
@@ -287,17 +288,7 @@ TEST_F(SettingsTest, AProcessEndsWhileAThreadChangesSettings) {
 }
 
 TEST_F(SettingsTest, ACancelledThreadEndsAfterItsCall) {
-  const auto write_cancelled = [](void*) -> void* {
-    pthread_cancel(pthread_self());
-    hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1);
-    pthread_testcancel();
-    return nullptr;
-  };
-  pthread_t thread;
-  ASSERT_EQ(pthread_create(&thread, nullptr, write_cancelled, nullptr), 0);
-  void* result = nullptr;
-  pthread_join(thread, &result);
-  EXPECT_EQ(result, PTHREAD_CANCELED);
+  orx::testing::on_cancelled_thread([] { hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1); });
   EXPECT_EQ(Stored("A"), "x=4:01000000 ");
 }
 

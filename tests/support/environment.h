@@ -16,6 +16,12 @@
 
 namespace orx::testing {
 
+inline const std::string kEightyLetters = [] {
+  std::string letters;
+  while (letters.size() < 160) letters += "д";
+  return letters;
+}();
+
 inline std::string read_file(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path;

@@ -3,6 +3,7 @@
 
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -42,6 +43,22 @@ void as_nobody(Body body) {
     body();
   };
   in_new_process(run, _exit);
+}
+
+// On a thread that is cancelled before the call, and ends after it.
+template <class Call>
+void on_cancelled_thread(Call call) {
+  const auto run = [](void* context) -> void* {
+    pthread_cancel(pthread_self());
+    (*static_cast<Call*>(context))();
+    pthread_testcancel();
+    return nullptr;
+  };
+  pthread_t thread;
+  ASSERT_EQ(pthread_create(&thread, nullptr, run, &call), 0);
+  void* result = nullptr;
+  pthread_join(thread, &result);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
 }
 
 }  // namespace orx::testing

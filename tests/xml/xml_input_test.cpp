@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/support/environment.h"
+#include "tests/support/process.h"
 #include "tests/support/xml.h"
 
 using namespace orx::testing;
@@ -123,6 +124,13 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoFile) {
   EXPECT_EQ(ReadFile(folder.suite_path()), "refused: it is a folder");
   EXPECT_EQ(ReadFile(folder.suite_path("fifo")), "refused: it is not a regular file");
   EXPECT_EQ(ReadFile(""), "refused: no file name is set");
+}
+
+TEST_F(XmlInput, IsReadBeforeAThreadIsCancelled) {
+  write_file(folder.path("file"), root_of("pit"));
+  std::string text;
+  on_cancelled_thread([&] { text = ReadFile(folder.suite_path("file")); });
+  EXPECT_EQ(text, "pit");
 }
 
 TEST_F(XmlInput, IsInTheEncodingOfTheProcessWhereItIsText) {

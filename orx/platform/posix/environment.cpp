@@ -1,12 +1,14 @@
 #include <orx/platform/environment.h>
 
 #include <orx/base/errno_guard.h>
+#include <orx/platform/posix/dom/host.h>
 #include <orx/platform/posix/environment.h>
 #include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/support/format_locale.h>
 
 #include <pthread.h>
 #include <pwd.h>
+#include <sqlite3.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -58,9 +60,12 @@ Values read_values() {
 
 // The caller holds the lock.
 void read_all() {
-  // The C library reads some variables by itself, on first use: TZ, and LOCPATH to find a locale.
+  // Other libraries read variables by themselves, on first use: the C library TZ, and LOCPATH to find a
+  // locale, SQLite the place of temporary files, libxml2 what its memory is to be searched for.
   tzset();
   format_locale();
+  sqlite3_initialize();
+  dom::prepare_libxml2();
   std::unique_ptr<const Snapshot> fresh(new Snapshot{read_values(), newest});
   const Snapshot* known = newest;
   while (known != nullptr && known->values != fresh->values) known = known->older;

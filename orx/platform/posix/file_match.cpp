@@ -68,20 +68,19 @@ struct Close {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 
-bool is_in_root(std::string_view path) {
-  const std::string_view folder = path.substr(0, path.find_last_of("\\/:") + 1);
-  const bool is_drive = (folder.size() == 2 || folder.size() == 3) && folder[1] == ':';
-  return is_drive || folder == "\\" || folder == "/";
+// Of the system, or of a drive, which is a folder with a name of one letter.
+bool is_root(std::string_view folder, bool is_drive_folder) {
+  return folder == "/" || (is_drive_folder && folder.size() == std::strlen("/c/"));
 }
 
 // The name of the first entry that matches; empty when there is none.
-std::string first_match(DIR* folder, std::string_view wildcards, bool is_root) {
+std::string first_match(DIR* folder, std::string_view wildcards, bool skips_dots) {
   const std::string pattern = capitals(wildcards);
   std::string first, first_name;
   while (const dirent* entry = readdir(folder)) {
     const std::string name = entry->d_name;
     const bool is_dot = name == "." || name == "..";
-    if (is_dot && is_root) continue;
+    if (is_dot && skips_dots) continue;
     const std::string candidate = capitals(name);
     if (!matches(pattern, candidate)) continue;
     if (is_dot) return name;
@@ -103,13 +102,14 @@ std::uint64_t first_match_size(const char* pattern) {
   const ErrnoGuard errno_guard;
   SystemPath path = parse_path(pattern);
   struct stat status;
-  const char* wildcard = std::strpbrk(pattern, "*?");
-  if (wildcard == nullptr) {
+  // Neither a prefix of the pattern nor the drive folder has wildcards.
+  const std::size_t wildcard = path.name.find_first_of("*?", path.drive_folder);
+  if (wildcard == std::string::npos) {
     return on_path(path, [&](const char* name) { return stat(name, &status); }) == 0 ? size_of(status) : 0;
   }
   const std::size_t name_at = path.name.rfind('/') + 1;
   const std::string name = path.name.substr(name_at);
-  if (std::strpbrk(wildcard, "\\/") != nullptr || name.size() > NAME_MAX) return 0;
+  if (wildcard < name_at || name.size() > NAME_MAX) return 0;
   path.name.resize(name_at);
   if (path.name.empty()) path.name = ".";
   std::unique_ptr<DIR, Close> folder;
@@ -118,7 +118,8 @@ std::uint64_t first_match_size(const char* pattern) {
     return folder != nullptr ? 0 : -1;
   };
   if (on_path(path, open_folder) != 0) return 0;
-  const std::string match = first_match(folder.get(), name, is_in_root(pattern));
+  const std::string_view below = std::string_view(path.name).substr(path.drive_folder);
+  const std::string match = first_match(folder.get(), name, is_root(below, path.drive_folder > 0));
   return fstatat(dirfd(folder.get()), match.c_str(), &status, 0) == 0 ? size_of(status) : 0;
 }
 

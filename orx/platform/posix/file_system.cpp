@@ -111,6 +111,7 @@ EntryKind entry_kind(const char* path) {
 
 std::optional<std::uint64_t> readable_size(const char* path) {
   const ErrnoGuard errno_guard;
+  const CancellationBlock held;
   SystemPath where = parse_path(path);
   const std::string& name = where.name;
   struct stat status;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <orx/platform/posix/dom/rules.h>
+#include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/support/utf8.h>
 
 #include <iconv.h>
@@ -17,6 +18,7 @@
 
 namespace orx::platform::dom {
 
+// While it lives, a cancellation of the thread waits: it could not unwind through the parser that reads.
 class Source {
  public:
   Source() = default;
@@ -52,6 +54,7 @@ class Source {
 
   static iconv_t no_converter() { return reinterpret_cast<iconv_t>(-1); }
 
+  const CancellationBlock cancellation_;
   int file_ = -1;
   std::string_view text_;
   std::size_t bytes_read_ = 0;
