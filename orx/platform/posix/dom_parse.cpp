@@ -180,9 +180,13 @@ void on_instruction(void* context, const xmlChar* target, const xmlChar* data) {
   xmlSAX2ProcessingInstruction(context, target, data);
 }
 
+// Not by libxml2, which would join it to a section right before it: "]]>" is written as the end of one and the
+// beginning of the next.
 void on_cdata(void* context, const xmlChar* text, int size) {
   drop_blank(context);
-  xmlSAX2CDataBlock(context, text, size);
+  auto* parser = static_cast<xmlParserCtxt*>(context);
+  xmlNode* section = xmlNewCDataBlock(parser->myDoc, text, size);
+  if (xmlAddChild(parser->node, section) == nullptr) xmlFreeNode(section);
 }
 
 void on_reference(void* context, const xmlChar* name) {
