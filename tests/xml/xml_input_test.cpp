@@ -103,6 +103,7 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
       {doctype("<!ATTLIST a b CDATA '&lt;'>") + "<a/>", "default"},  // would not be written as it was read
       {"<a xmlns='b&amp;c'/>", "ampersand"},
       {root_of("\xEF\xBF\xBE"), "not well-formed"},
+      {root_of(std::string(10'000'001, 'x')), "a text is larger"},
       {doctype(repeated("<!NOTATION n SYSTEM 'n'>", 2)) + "<a>", "not well-formed"},
   };
   ::testing::internal::CaptureStderr();

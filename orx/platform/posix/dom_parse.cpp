@@ -55,6 +55,7 @@ struct Parse {
   bool has_lines = false;                         // white space that was dropped ended a line
   const char* refusal = nullptr;
   std::size_t defaulted_bytes = 0;
+  int text_bytes = 0;  // of the text so far that the parser has come to
   std::size_t nodes = 0;
   xmlErrorLevel level = XML_ERR_NONE;
   int line = 0;
@@ -108,9 +109,18 @@ std::size_t level_of(const void* context) {
   return static_cast<std::size_t>(static_cast<const xmlParserCtxt*>(context)->nodeNr);
 }
 
+// libxml2 would report a text that it finds too long as a lack of memory.
+void on_text(void* context, const xmlChar* text, int size) {
+  int& bytes = parse_of(context).text_bytes;
+  if (size > XML_MAX_TEXT_LENGTH - bytes) return refuse(context, "a text is larger than 10 MB");
+  bytes += size;
+  xmlSAX2Characters(context, text, size);
+}
+
 // Drops white space that only separates nodes, as soon as the node behind it shows that it is complete: its
 // memory then serves that node, and a second walk of the whole tree is spared.
 void drop_blank(void* context) {
+  parse_of(context).text_bytes = 0;
   xmlNode* parent = static_cast<xmlParserCtxt*>(context)->node;
   xmlNode* node = parent != nullptr ? parent->last : nullptr;
   if (node == nullptr || node->type != XML_TEXT_NODE || !is_blank(as_text(node->content)) ||
@@ -248,6 +258,7 @@ void set_handlers(xmlSAXHandler& handler) {
   handler.attributeDecl = on_attribute_declaration;
   handler.startElementNs = on_start_element;
   handler.endElementNs = on_end_element;
+  handler.characters = handler.ignorableWhitespace = on_text;
   handler.comment = on_comment;
   handler.processingInstruction = on_instruction;
   handler.cdataBlock = on_cdata;
