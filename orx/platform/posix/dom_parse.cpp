@@ -24,8 +24,9 @@ namespace {
 // A few bytes of attribute defaults in a DOCTYPE can stand for a value in each of millions of elements.
 constexpr std::size_t kMaxDefaultedBytes = std::size_t{64} << 20;
 
-// libxml2 walks the list of an element's declared attributes for each of them.
-constexpr std::size_t kMaxDoctypeBytes = std::size_t{64} << 10;
+// libxml2 walks the list of an element's declared attributes for each of them, and frees the list of an
+// attribute's values recursively, which may happen in a thread with a small stack.
+constexpr std::size_t kMaxDoctypeBytes = std::size_t{16} << 10;
 
 // libxml2 compares the attributes and namespaces of a start tag before it reports them, but asks for more
 // bytes before that. What it has by then shows that there are too many: of an attribute it keeps five
