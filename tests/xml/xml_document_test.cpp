@@ -76,8 +76,9 @@ TEST_F(XmlDocument, IsBuiltIndentedSavedAndRead) {
 }
 
 TEST_F(XmlDocument, IndentingKeepsMixedContentAndTheTextOfOtherDocuments) {
-  Parse("<?xml version='1.1'?><a><b>x <c/></b><d xml:space='preserve'> </d><!--e-->"
-        "<f><![CDATA[]]]]><![CDATA[>]]></f></a>");
+  Parse(
+      "<?xml version='1.1'?><a><b>x <c/></b><d xml:space='preserve'> </d><!--e-->"
+      "<f><![CDATA[]]]]><![CDATA[>]]></f></a>");
   COrxXMLDoc copy, &same = document;
   document = same;
   copy = document;

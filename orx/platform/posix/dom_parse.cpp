@@ -191,8 +191,8 @@ void on_instruction(void* context, const xmlChar* target, const xmlChar* data) {
   xmlSAX2ProcessingInstruction(context, target, data);
 }
 
-// Not by libxml2, which would join it to a section right before it: "]]>" is written as the end of one and the
-// beginning of the next.
+// Not by libxml2, which would join it to a section right before it: "]]>" is written as the end of one and
+// the beginning of the next.
 void on_cdata(void* context, const xmlChar* text, int size) {
   drop_blank(context);
   auto* parser = static_cast<xmlParserCtxt*>(context);
