@@ -283,9 +283,9 @@ struct FileReplacement::State {
     std::string old_bytes;
     if (!old.is_open() || !read_all(old, old_bytes)) return failed(reason, unless);
     if (overwrite(old, bytes)) return true;
-    failed(reason);
-    if (!overwrite(old, old_bytes)) reason += "; the old content could not be restored";
-    return false;
+    const int error = errno;
+    const bool is_restored = overwrite(old, old_bytes);  // before the reason, for which memory may be missing
+    return failed(reason, error_text(error) + (is_restored ? "" : "; the old content could not be restored"));
   }
 
   bool WriteThrough(std::string_view bytes, std::string& reason) const {
