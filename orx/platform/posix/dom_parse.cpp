@@ -34,6 +34,10 @@ constexpr std::size_t kMaxDoctypeBytes = std::size_t{16} << 10;
 constexpr int kAttributePointers = 2 * 5 * (kMaxAttributes + 1);
 constexpr int kNamespacePointers = 2 * kMaxNamespaces;
 
+// libxml2 refuses a tag when that and what it has kept of the tags before take 10 MB, and lets go of those
+// only where its reads happen to end right behind a tag.
+constexpr std::ptrdiff_t kMostKeptBytes = std::ptrdiff_t{32} << 10;
+
 constexpr const char* kUnsupportedDefault = "it declares an attribute default that is not supported";
 
 // The document of a context that is freed belongs to nobody.
@@ -132,6 +136,11 @@ void drop_blank(void* context) {
   xmlFreeNode(node);
 }
 
+void drop_parsed(void* context) {
+  xmlParserInput* input = static_cast<xmlParserCtxt*>(context)->input;
+  if (input->cur - input->base > kMostKeptBytes) xmlParserInputShrink(input);
+}
+
 // An attribute as libxml2 hands it on: five pointers, of which the last two enclose the value.
 struct Attribute {
   const xmlChar* name;
@@ -174,11 +183,13 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
     return refuse(context, "its attribute defaults are too large");
   xmlSAX2StartElementNs(context, name, prefix, uri, namespaces, namespace_table, attributes, defaulted,
                         attribute_table);
+  drop_parsed(context);
 }
 
 void on_end_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
   drop_blank(context);
   xmlSAX2EndElementNs(context, name, prefix, uri);
+  drop_parsed(context);
 }
 
 void on_comment(void* context, const xmlChar* text) {
@@ -189,6 +200,7 @@ void on_comment(void* context, const xmlChar* text) {
 void on_instruction(void* context, const xmlChar* target, const xmlChar* data) {
   drop_blank(context);
   xmlSAX2ProcessingInstruction(context, target, data);
+  drop_parsed(context);
 }
 
 // Not by libxml2, which would join it to a section right before it: "]]>" is written as the end of one and
