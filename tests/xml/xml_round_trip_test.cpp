@@ -67,18 +67,11 @@ class Builder {
   }
 
   std::wstring Text() {
-    const wchar_t* const pieces[] = {L"<",       L"&",
-                                     L"\"",      L"'",
-                                     L">",       L"\t",
-                                     L"\n",      L"\r",
-                                     L" ",       L"]]>",
-                                     L"--",      L"\u00FC",
-                                     L"\u20AC",  L"\U0001F600",
-                                     L"\u0085",  L"\u2028",
-                                     L"\uFFFD",  L"abc",
-                                     L"&amp;",   L"preserve",
-                                     L"default", L"http://www.w3.org/2000/xmlns/",
-                                     L"\uFFFE",  L"\x01"};
+    const wchar_t* const reserved = L"http://www.w3.org/2000/xmlns/";
+    const wchar_t* const pieces[] = {L"<",      L"&",          L"\"",      L"'",      L">",      L"\t",
+                                     L"\n",     L"\r",         L" ",       L"]]>",    L"--",     L"\u00FC",
+                                     L"\u20AC", L"\U0001F600", L"\u0085",  L"\u2028", L"\uFFFD", L"abc",
+                                     L"&amp;",  L"preserve",   L"default", reserved,  L"\uFFFE", L"\x01"};
     std::wstring text;
     for (int count = Pick(4); count > 0; --count) text += pieces[Pick(static_cast<int>(std::size(pieces)))];
     return text;
