@@ -2,7 +2,8 @@
 //
 // Names are unique and compared with regard to letter case; entries come in ascending order of their bytes.
 // Results are 1, or 0 with the reason in GetLastFailure where something failed. Texts are taken as given;
-// outputs keep what they held when the result is 0.
+// outputs keep what they held when the result is 0. Out of memory raises CAtlException (E_OUTOFMEMORY) and
+// leaves the list as it was, except that Load and Save answer 0.
 #pragma once
 
 #include <orx/compat/export.h>

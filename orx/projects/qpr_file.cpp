@@ -77,12 +77,13 @@ int to_int(std::string_view text) {
   return static_cast<int>(std::clamp<long long>(number, INT_MIN, INT_MAX));
 }
 
-// Fills the field, whose array has space for any text of that length.
+// Fills the field, whose array has space for any text of that length, but not for every one that is not
+// valid.
 template <std::size_t size>
 bool store(char (&field)[size], int length, std::string_view text) {
-  if (orx::platform::count_characters(text) > length) return false;
+  if (text.size() >= size || orx::platform::count_characters(text) > length) return false;
   std::memset(field, 0, size);
-  text.copy(field, size - 1);
+  text.copy(field, text.size());
   return true;
 }
 

@@ -144,6 +144,12 @@ TEST_F(QprFile, NeedsAFolderInAFolder) {
   file.SetFileName((base + "\\Pit 1\\a.qpr").c_str());
   ASSERT_EQ(Load(property("SiteDatabasePlatform", "JET4") + property("SiteDatabase", name)), 1);
   EXPECT_EQ(info.SiteDatabase, name) << "stays where its new path would not fit";
+  std::string deep = "Pit 1";
+  for (int i = 0; i < 6; ++i) deep += '/' + std::string(250, '\x80');
+  std::filesystem::create_directories(folder.path(deep));
+  file.SetFileName(folder.suite_path(deep + "/a.qpr").c_str());
+  EXPECT_FALSE(file.Save() && file.Load());
+  EXPECT_EQ(failure_of(file), "the path is too long to hold a project folder");
 }
 
 TEST_F(QprFile, VerifyNamesTheFirstBrokenRule) {

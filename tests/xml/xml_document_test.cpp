@@ -76,7 +76,9 @@ TEST_F(XmlDocument, IsBuiltIndentedSavedAndRead) {
 }
 
 TEST_F(XmlDocument, IndentingKeepsMixedContentAndTheTextOfOtherDocuments) {
-  Parse("<?xml version='1.1'?><a><b>x <c/></b><d xml:space='preserve'> </d><!--e--></a>");
+  Parse(
+      "<?xml version='1.1'?><a><b>x <c/></b><d xml:space='preserve'> </d><!--e-->"
+      "<f><![CDATA[]]]]><![CDATA[>]]></f></a>");
   COrxXMLDoc copy, &same = document;
   document = same;
   copy = document;
@@ -84,7 +86,7 @@ TEST_F(XmlDocument, IndentingKeepsMixedContentAndTheTextOfOtherDocuments) {
     ASSERT_EQ(document.IndentXMLDocument(), 1);
     EXPECT_EQ(text_of(copy), kDeclaration +
                                  "<a>\n\t<b>x <c/></b>\n\t<d xml:space=\"preserve\"> </d>\n"
-                                 "\t<!--e-->\n</a>\n")
+                                 "\t<!--e-->\n\t<f><![CDATA[]]]]><![CDATA[>]]></f>\n</a>\n")
         << "copies share the document";
   }
 }

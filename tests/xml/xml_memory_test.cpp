@@ -16,7 +16,7 @@ namespace {
 constexpr const char* kText =
     "<?xml version=\"1.0\"?><!DOCTYPE r><r xmlns:p='u'><a n='1' xml:id='i'>t</a><p:b p:n='2'/><a "
     "xml:space='default'>"
-    "<!--c--></a></r>";
+    "<!--c--><![CDATA[d]]></a></r>";
 
 struct Host {
   COrxXMLDoc document;

@@ -249,15 +249,24 @@ struct FileReplacement::State {
     return fchmod(file, mode) == 0 || failed(reason);
   }
 
-  // True when the file now has the old one's list, and with it all permissions. A list that cannot be set
-  // takes its part of `mode` with it: the bits of the group are those of the list's mask, and would open the
-  // file to the whole group.
+  // The size of the old file's list, or -1. The file is only opened where /proc is not there.
+  ssize_t ReadAccessControlList(char* list, std::size_t size) const {
+    const std::string path = "/proc/self/fd/" + std::to_string(folder) + '/' + name;
+    const ssize_t read = lgetxattr(path.c_str(), kAccessControlList, list, size);
+    if (read >= 0 || errno != ENOENT) return read;
+    const Descriptor old(
+        openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    return old.is_open() ? fgetxattr(old, kAccessControlList, list, size) : -1;
+  }
+
+  // True when the file now has the old one's list, and with it all permissions. A list that cannot be read or
+  // set takes its part of `mode` with it: the bits of the group are those of the list's mask, and would open
+  // the file to the whole group.
   bool TakeOverAccessControlList(mode_t& mode) const {
     std::array<char, 8192> list{};
-    const std::string old = "/proc/self/fd/" + std::to_string(folder) + '/' + name;
-    const ssize_t size = lgetxattr(old.c_str(), kAccessControlList, list.data(), list.size());
-    if (size < 0 && errno == ERANGE) mode &= ~static_cast<mode_t>(S_IRWXG);
+    const ssize_t size = ReadAccessControlList(list.data(), list.size());
     if (size < 0) {
+      if (errno != ENODATA && errno != ENOTSUP) mode &= ~static_cast<mode_t>(S_IRWXG);
       fremovexattr(file, kAccessControlList);  // the folder may have given the new file one
       return false;
     }
@@ -275,9 +284,9 @@ struct FileReplacement::State {
     std::string old_bytes;
     if (!old.is_open() || !read_all(old, old_bytes)) return failed(reason, unless);
     if (overwrite(old, bytes)) return true;
-    failed(reason);
-    if (!overwrite(old, old_bytes)) reason += "; the old content could not be restored";
-    return false;
+    const int error = errno;
+    const bool is_restored = overwrite(old, old_bytes);  // before the reason, for which memory may be missing
+    return failed(reason, error_text(error) + (is_restored ? "" : "; the old content could not be restored"));
   }
 
   bool WriteThrough(std::string_view bytes, std::string& reason) const {

@@ -24,14 +24,19 @@ namespace {
 // A few bytes of attribute defaults in a DOCTYPE can stand for a value in each of millions of elements.
 constexpr std::size_t kMaxDefaultedBytes = std::size_t{64} << 20;
 
-// libxml2 walks the list of an element's declared attributes for each of them.
-constexpr std::size_t kMaxDoctypeBytes = std::size_t{64} << 10;
+// libxml2 walks the list of an element's declared attributes for each of them, and frees the list of an
+// attribute's values recursively, which may happen in a thread with a small stack.
+constexpr std::size_t kMaxDoctypeBytes = std::size_t{16} << 10;
 
 // libxml2 compares the attributes and namespaces of a start tag before it reports them, but asks for more
 // bytes before that. What it has by then shows that there are too many: of an attribute it keeps five
 // pointers, in an array that grows to twice what it needs at a time, of a namespace two.
 constexpr int kAttributePointers = 2 * 5 * (kMaxAttributes + 1);
 constexpr int kNamespacePointers = 2 * kMaxNamespaces;
+
+// libxml2 refuses a tag when that and what it has kept of the tags before take 10 MB, and lets go of those
+// only where its reads happen to end right behind a tag.
+constexpr std::ptrdiff_t kMostKeptBytes = std::ptrdiff_t{32} << 10;
 
 constexpr const char* kUnsupportedDefault = "it declares an attribute default that is not supported";
 
@@ -55,6 +60,7 @@ struct Parse {
   bool has_lines = false;                         // white space that was dropped ended a line
   const char* refusal = nullptr;
   std::size_t defaulted_bytes = 0;
+  int text_bytes = 0;  // of the text so far that the parser has come to
   std::size_t nodes = 0;
   xmlErrorLevel level = XML_ERR_NONE;
   int line = 0;
@@ -108,9 +114,18 @@ std::size_t level_of(const void* context) {
   return static_cast<std::size_t>(static_cast<const xmlParserCtxt*>(context)->nodeNr);
 }
 
+// libxml2 would report a text that it finds too long as a lack of memory.
+void on_text(void* context, const xmlChar* text, int size) {
+  int& bytes = parse_of(context).text_bytes;
+  if (size > XML_MAX_TEXT_LENGTH - bytes) return refuse(context, "a text is larger than 10 MB");
+  bytes += size;
+  xmlSAX2Characters(context, text, size);
+}
+
 // Drops white space that only separates nodes, as soon as the node behind it shows that it is complete: its
 // memory then serves that node, and a second walk of the whole tree is spared.
 void drop_blank(void* context) {
+  parse_of(context).text_bytes = 0;
   xmlNode* parent = static_cast<xmlParserCtxt*>(context)->node;
   xmlNode* node = parent != nullptr ? parent->last : nullptr;
   if (node == nullptr || node->type != XML_TEXT_NODE || !is_blank(as_text(node->content)) ||
@@ -119,6 +134,11 @@ void drop_blank(void* context) {
   parse_of(context).has_lines |= std::strchr(as_text(node->content), '\n') != nullptr;
   xmlUnlinkNode(node);
   xmlFreeNode(node);
+}
+
+void drop_parsed(void* context) {
+  xmlParserInput* input = static_cast<xmlParserCtxt*>(context)->input;
+  if (input->cur - input->base > kMostKeptBytes) xmlParserInputShrink(input);
 }
 
 // An attribute as libxml2 hands it on: five pointers, of which the last two enclose the value.
@@ -163,11 +183,13 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
     return refuse(context, "its attribute defaults are too large");
   xmlSAX2StartElementNs(context, name, prefix, uri, namespaces, namespace_table, attributes, defaulted,
                         attribute_table);
+  drop_parsed(context);
 }
 
 void on_end_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
   drop_blank(context);
   xmlSAX2EndElementNs(context, name, prefix, uri);
+  drop_parsed(context);
 }
 
 void on_comment(void* context, const xmlChar* text) {
@@ -178,11 +200,16 @@ void on_comment(void* context, const xmlChar* text) {
 void on_instruction(void* context, const xmlChar* target, const xmlChar* data) {
   drop_blank(context);
   xmlSAX2ProcessingInstruction(context, target, data);
+  drop_parsed(context);
 }
 
+// Not by libxml2, which would join it to a section right before it: "]]>" is written as the end of one and
+// the beginning of the next.
 void on_cdata(void* context, const xmlChar* text, int size) {
   drop_blank(context);
-  xmlSAX2CDataBlock(context, text, size);
+  auto* parser = static_cast<xmlParserCtxt*>(context);
+  xmlNode* section = xmlNewCDataBlock(parser->myDoc, text, size);
+  if (xmlAddChild(parser->node, section) == nullptr) xmlFreeNode(section);
 }
 
 void on_reference(void* context, const xmlChar* name) {
@@ -244,6 +271,7 @@ void set_handlers(xmlSAXHandler& handler) {
   handler.attributeDecl = on_attribute_declaration;
   handler.startElementNs = on_start_element;
   handler.endElementNs = on_end_element;
+  handler.characters = handler.ignorableWhitespace = on_text;
   handler.comment = on_comment;
   handler.processingInstruction = on_instruction;
   handler.cdataBlock = on_cdata;

@@ -176,15 +176,20 @@ xmlNode* following(xmlNode* node, const xmlNode* top) {
 
 bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
-bool keeps_space(const xmlNode& node) {
+std::optional<bool> says_to_keep_space(const xmlNode& element) {
   // Only a document that uses the prefix "xml" has its namespace declared; the others need no search.
-  if (node.doc->oldNs == nullptr) return false;
+  if (element.doc->oldNs == nullptr) return {};
+  const xmlAttr* space = find_attribute(element, "xml:space");
+  const xmlNode* text = space != nullptr ? space->children : nullptr;
+  if (text == nullptr || text->content == nullptr) return {};
+  if (xmlStrEqual(text->content, as_xml("preserve"))) return true;
+  if (xmlStrEqual(text->content, as_xml("default"))) return false;
+  return {};
+}
+
+bool keeps_space(const xmlNode& node) {
   for (const xmlNode* at = &node; at != nullptr && at->type == XML_ELEMENT_NODE; at = at->parent) {
-    const xmlAttr* space = find_attribute(*at, "xml:space");
-    const xmlNode* text = space != nullptr ? space->children : nullptr;
-    if (text == nullptr || text->content == nullptr) continue;
-    if (xmlStrEqual(text->content, as_xml("preserve"))) return true;
-    if (xmlStrEqual(text->content, as_xml("default"))) return false;
+    if (const std::optional<bool> keeps = says_to_keep_space(*at)) return *keeps;
   }
   return false;
 }

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -149,7 +150,10 @@ xmlNode* following(xmlNode* node, const xmlNode* top);
 
 bool is_blank(std::string_view text);
 
-// Whether white space counts below the node (xml:space="preserve").
+// What an element itself says by xml:space, which holds below it; nothing when it does not say.
+std::optional<bool> says_to_keep_space(const xmlNode& element);
+
+// Whether white space counts below the node.
 bool keeps_space(const xmlNode& node);
 
 }  // namespace orx::platform::dom

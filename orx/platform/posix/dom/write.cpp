@@ -38,13 +38,14 @@ constexpr Escapes kValueEscapes = [] {
 
 std::string_view view(const xmlChar* text) { return text != nullptr ? as_text(text) : std::string_view(); }
 
-// Text below the element shows each blank that would be added, and so does white space that counts.
+// Text below the element shows each blank that would be added, and so does white space that counts. Elements
+// within one that stays on its line are not asked, so that no outer one has said that white space counts.
 bool must_stay_on_its_line(const xmlNode& element) {
   for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
     const xmlElementType type = child->type;
     if (type == XML_TEXT_NODE || type == XML_CDATA_SECTION_NODE || type == XML_ENTITY_REF_NODE) return true;
   }
-  return keeps_space(element);
+  return says_to_keep_space(element).value_or(false);
 }
 
 int count_namespaces(const xmlNode& element) {
