@@ -65,8 +65,7 @@ void CORXOcTreeGeneric::RemoveAll() {
   points = nullptr;
   pointCount = 0;
   doublings = 0;
-  delete[] children;
-  children = nullptr;
+  delete[] std::exchange(children, nullptr);  // the releasing callback must not see them
 }
 
 void CORXOcTreeGeneric::Clear() { RemoveAll(); }
@@ -186,16 +185,18 @@ int CORXOcTreeGeneric::SuperFindNode(void* item) {
   if (compareFunc == nullptr) return 0;
   int matches = 0;
   for (int i = 0; i < pointCount; ++i) matches += compareFunc(points[i], item) != 0 ? 1 : 0;
-  for (int i = 0; children != nullptr && i < orx::kOctants; ++i) matches += children[i].SuperFindNode(item);
+  CORXOcTreeGeneric* const below = children;  // as they are: the callback may call GetChild
+  for (int i = 0; below != nullptr && i < orx::kOctants; ++i) matches += below[i].SuperFindNode(item);
   return matches;
 }
 
 void CORXOcTreeGeneric::Iterate(ORXOcTreeVisitFn visit, void* user, int& counter) {
   if (visit == nullptr) return;
   for (int i = 0; i < pointCount; ++i) visit(std::exchange(counter, next_index(counter)), points[i], user);
-  for (int i = 0; children != nullptr && i < orx::kOctants; ++i) {
-    if (i + 1 < orx::kOctants) prefetch_array(children[i + 1].points, children[i + 1].pointCount);
-    children[i].Iterate(visit, user, counter);
+  CORXOcTreeGeneric* const below = children;  // as they are: the callback may call GetChild
+  for (int i = 0; below != nullptr && i < orx::kOctants; ++i) {
+    if (i + 1 < orx::kOctants) prefetch_array(below[i + 1].points, below[i + 1].pointCount);
+    below[i].Iterate(visit, user, counter);
   }
 }
 

@@ -21,9 +21,9 @@
 //
 //   SetFunctions -> SetPointLimit, SetTolerance -> Init -> AddNode -> searches and visits -> RemoveAll
 //
-// The host owns the items; the releasing callback gives them back. Callbacks must not change the tree that
-// calls them, and must not throw while items are added or removed. A tree belongs to one thread at a time;
-// different trees are independent.
+// The host owns the items; the releasing callback gives them back. Callbacks may read the tree that calls
+// them. They must not change it, and must not throw while items are added or removed. A tree belongs to one
+// thread at a time; different trees are independent.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -111,7 +111,7 @@ class ORX_API CORXOcTreeGeneric {
   void** GetPoints() const;
   CORXOcTreeBB* GetBB();
   // Null in a leaf, in an empty node, for a number that is not an octant, and when the level below has no
-  // nodes yet and memory runs out.
+  // nodes yet and memory runs out. The locating callback must not call it: it may make nodes.
   CORXOcTreeGeneric* GetChild(int octant);
 
  protected:

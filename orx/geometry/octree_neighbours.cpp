@@ -66,17 +66,19 @@ void* CORXOcTreeNode::Search(const CORXOcTreeGeneric& top, void* item) {
 
 // Searches the octant of the item, then those beyond the planes near it.
 void* CORXOcTreeNode::SearchBeyond(const CORXOcTreeGeneric& node, int own, int planes, void* item) {
+  const CORXOcTreeGeneric* const below = node.children;  // as they are: the callback may call GetChild
   const auto [first, count] = kNearPlanes[planes];
-  void* found = Search(node.children[own], item);
+  void* found = Search(below[own], item);
   for (int i = first; found == nullptr && i < first + count; ++i) {
-    found = Search(node.children[kOctantNeighbours[own][i]], item);
+    found = Search(below[kOctantNeighbours[own][i]], item);
   }
   return found;
 }
 
 void* CORXOcTreeNode::SearchAll(const CORXOcTreeGeneric& node, void* item) {
+  const CORXOcTreeGeneric* const below = node.children;
   void* found = nullptr;
-  for (int i = 0; found == nullptr && i < orx::kOctants; ++i) found = Search(node.children[i], item);
+  for (int i = 0; found == nullptr && i < orx::kOctants; ++i) found = Search(below[i], item);
   return found;
 }
 

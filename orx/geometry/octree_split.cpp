@@ -114,17 +114,20 @@ CORXOcTreeGeneric* CORXOcTreeGeneric::Split(const std::int8_t* path, int levels,
                                             const Separation& separation) {
   children = NewChildren(bb);
   if (children == nullptr) return nullptr;
+  // The locating callback may read the tree: from here on, this is a node with children and no items.
+  void** const items = points;
+  skipped = nullptr;
+  const int count = std::exchange(pointCount, 0);
   CORXOcTreeGeneric* const end = levels > 0 ? &children[path[0]] : this;
   const bool is_split = levels == 0 || end->SplitBelow(path + 1, levels - 1);
-  if (!is_split || !end->Distribute(points, pointCount, separation)) {
+  if (!is_split || !end->Distribute(items, count, separation)) {
     for (int i = 0; i < orx::kOctants; ++i) children[i].ForgetItems();
-    delete[] children;
-    children = nullptr;
+    delete[] std::exchange(children, nullptr);
+    points = items;
+    pointCount = count;
     return nullptr;
   }
-  DeletePoints();
-  skipped = nullptr;
-  pointCount = 0;
+  if (items != orx::no_items) delete[] items;
   return end;
 }
 

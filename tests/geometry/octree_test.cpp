@@ -65,18 +65,6 @@ std::string calls_made() { return std::exchange(calls, std::ostringstream()).str
 std::multiset<void*> released;
 void release(void** slot) { released.insert(*slot); }
 
-Found all_of(CORXOcTreeGeneric& tree) {
-  Found found;
-  int counter = 10;
-  const auto collect = [](int index, void* item, void* items) {
-    static_cast<Found*>(items)->push_back(item);
-    EXPECT_EQ(index, static_cast<int>(static_cast<Found*>(items)->size()) + 9);
-  };
-  tree.Iterate(collect, &found, counter);
-  EXPECT_EQ(counter, tree.GetCount() + 10);
-  return found;
-}
-
 void init(CORXOcTreeGeneric& tree, int limit, ORXOcTreeCompareFn compare = is_same,
           ORXOcTreeLocateFn locator = locate, double size = 8) {
   tree.SetFunctions(compare, locator, release);
@@ -109,6 +97,24 @@ void* sought(CORXOcTreeGeneric& node, Item& item, ORXOcTreeCompareFn compare, bo
     if (void* found = sought(*node.GetChild(octant - '0'), item, compare, across)) return found;
   }
   return nullptr;
+}
+
+CORXOcTreeNode* tree_to_read = nullptr;  // by callbacks
+void walk_to(void* item) {
+  if (tree_to_read != nullptr) sought(*tree_to_read, *static_cast<Item*>(item), is_same, false);
+}
+
+Found all_of(CORXOcTreeGeneric& tree) {
+  Found found;
+  int counter = 10;
+  const auto collect = [](int index, void* item, void* items) {
+    static_cast<Found*>(items)->push_back(item);
+    walk_to(item);
+    EXPECT_EQ(index, static_cast<int>(static_cast<Found*>(items)->size()) + 9);
+  };
+  tree.Iterate(collect, &found, counter);
+  EXPECT_EQ(counter, tree.GetCount() + 10);
+  return found;
 }
 
 CORXOcTreeBB octant_box(const CORXOcTreeBB& box, int octant) {
@@ -329,6 +335,42 @@ TEST(Octree, SearchesNeighboursInTheirOrder) {
     sought(tree, probe, logged_compare, true);
     EXPECT_EQ(made, calls_made());
   }
+}
+
+int reading_locate(void* item, double x, double y, double z) {
+  CORXOcTreeNode* const tree = std::exchange(tree_to_read, nullptr);
+  if (tree != nullptr) tree->FindNode(item);
+  tree_to_read = tree;
+  return locate(item, x, y, z);
+}
+int has_id(void* a, void* b) { return at(a).id == at(b).id ? 1 : 0; }
+int walking_compare(void* a, void* b) {
+  walk_to(a);
+  return has_id(a, b);
+}
+
+TEST(Octree, CallbacksReadIt) {
+  std::mt19937 random(1);
+  for (int run = 0; run < 60; ++run) {
+    Items items = shaped(5, random);
+    items.resize(60);
+    for (Item& item : items) item.id = static_cast<int>(&item - items.data()) % 12;
+    CORXOcTreeNode tree, quiet;
+    for (CORXOcTreeNode* const each : {&tree, &quiet}) each->SetTolerance(run % 2 == 0 ? 1.5 : 0.0012);
+    init(quiet, 3, has_id);
+    add(quiet, items);
+    init(tree, 3);
+    tree.SetFunctions(walking_compare, reading_locate, [](void**) { tree_to_read->GetCount(); });
+    tree_to_read = &tree;
+    add(tree, items);
+    if (run % 3 == 0) all_of(tree);
+    for (Item probe : items) {
+      EXPECT_TRUE(run % 3 != 1 || tree.SuperFindNode(&probe) == 5);
+      probe.id = (probe.id + 1) % 12;  // at the place of another item
+      EXPECT_EQ(tree.FindNode(&probe), quiet.FindNode(&probe));
+    }
+  }
+  tree_to_read = nullptr;
 }
 
 TEST(Octree, SplitsAtItsLimit) {
