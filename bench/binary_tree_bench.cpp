@@ -1,5 +1,7 @@
-// The tree against std::set and, where it is installed, Boost.Intrusive's AVL set: ints that come in random
-// or ascending order, compared through a function pointer by all three.
+// The tree against std::set and, where libboost-dev is installed, Boost.Intrusive's AVL set. The keys are
+// ints in random or ascending order, and all three compare them through a function pointer. Items have 40 or
+// 64 bytes: in an array of items whose size is a power of two, the upper nodes of a tree share few sets of
+// the cache.
 #include <benchmark/benchmark.h>
 #include <orx/containers/binary_tree.h>
 
@@ -18,13 +20,14 @@ namespace {
 
 using Keys = std::vector<int>;
 
-// Not known to be the same function all the time, as a host's is not.
+// Keeps the compiler from inlining the comparison, which it could not do for a host.
 template <class Function>
 Function hidden(Function function) {
   benchmark::DoNotOptimize(function);
   return function;
 }
 
+template <std::size_t item_size>
 class OrxTree {
  public:
   explicit OrxTree(const Keys& keys) : items_(keys.size()) {
@@ -45,8 +48,7 @@ class OrxTree {
   struct Item {
     bto_base_object head;
     int key;
-    char rest[12];  // as large as Boost's: a power of two would put an edge of the tree on one set of the
-                    // cache
+    char rest[item_size - sizeof(bto_base_object) - sizeof(int)];
   };
   static int compare(void* a, void* b) {
     return static_cast<Item*>(a)->key - static_cast<Item*>(b)->key;  // they are not negative
@@ -78,6 +80,7 @@ class StdSet {
 #if defined(ORX_BENCH_BOOST)
 namespace bi = boost::intrusive;
 
+template <std::size_t item_size>
 class BoostAvlSet {
  public:
   explicit BoostAvlSet(const Keys& keys) : items_(keys.size()) {
@@ -94,9 +97,12 @@ class BoostAvlSet {
   void Erase(int key) { set_.erase(Probe(key)); }
 
  private:
-  struct Item : bi::avl_set_base_hook<bi::link_mode<bi::normal_link>> {
+  using Hook = bi::avl_set_base_hook<bi::link_mode<bi::normal_link>>;
+  struct Item : Hook {
     int key = 0;
+    char rest[item_size - sizeof(Hook) - sizeof(int)];
   };
+  static_assert(sizeof(Item) == item_size);
   struct Compare {
     bool (*is_before)(const Item&, const Item&);
     bool operator()(const Item& a, const Item& b) const { return is_before(a, b); }
@@ -173,13 +179,16 @@ void sizes(benchmark::internal::Benchmark* family) {
 }
 
 #if defined(ORX_BENCH_BOOST)
-#define ORX_BENCH_ALL(operation)                            \
-  BENCHMARK_TEMPLATE(operation, OrxTree)->Apply(sizes);     \
-  BENCHMARK_TEMPLATE(operation, BoostAvlSet)->Apply(sizes); \
+#define ORX_BENCH_ALL(operation)                                \
+  BENCHMARK_TEMPLATE(operation, OrxTree<40>)->Apply(sizes);     \
+  BENCHMARK_TEMPLATE(operation, OrxTree<64>)->Apply(sizes);     \
+  BENCHMARK_TEMPLATE(operation, BoostAvlSet<40>)->Apply(sizes); \
+  BENCHMARK_TEMPLATE(operation, BoostAvlSet<64>)->Apply(sizes); \
   BENCHMARK_TEMPLATE(operation, StdSet)->Apply(sizes)
 #else
-#define ORX_BENCH_ALL(operation)                        \
-  BENCHMARK_TEMPLATE(operation, OrxTree)->Apply(sizes); \
+#define ORX_BENCH_ALL(operation)                            \
+  BENCHMARK_TEMPLATE(operation, OrxTree<40>)->Apply(sizes); \
+  BENCHMARK_TEMPLATE(operation, OrxTree<64>)->Apply(sizes); \
   BENCHMARK_TEMPLATE(operation, StdSet)->Apply(sizes)
 #endif
 
