@@ -1,5 +1,6 @@
 #include <orx/containers/binary_tree.h>
 
+#include <orx/base/compiler.h>
 #include <orx/base/errno_guard.h>
 
 #include <cstddef>
@@ -12,42 +13,44 @@ namespace {
 using Node = bto_base_object;
 using Link = Node*;  // the root or one of an item's two links; null when the subtree is empty
 
-// A side is told by what a node's balance gains when that side grows.
+// A side, as the change of a node's balance when that side grows by one level.
 constexpr int kLeft = -1;
 constexpr int kRight = 1;
 
-// The least AVL tree of height 96 has more nodes than memory has bytes.
+// The smallest AVL tree of height 96 has more nodes than a 64-bit memory has bytes.
 constexpr int kMaxHeight = 96;
 
 Link& link_of(Node& node, int side) { return side == kLeft ? node.left : node.right; }
 
 void set_balance(Node& node, int balance) { node.balance = static_cast<std::int16_t>(balance); }
 
-// Chooses without a jump: which way a search goes is a guess that fails every other time, and each failure
-// costs more than a comparison.
+// Returns first or second without a jump. A processor mispredicts every other step of a search, and each
+// misprediction costs more than a comparison.
 template <typename T>
-T* either(bool is_first, T* first, T* second) {
+T* branchless_select(bool is_first, T* first, T* second) {
   const auto difference = reinterpret_cast<std::uintptr_t>(first) ^ reinterpret_cast<std::uintptr_t>(second);
   const std::uintptr_t mask = std::uintptr_t{0} - static_cast<std::uintptr_t>(is_first);
   return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(second) ^ (difference & mask));
 }
 
-// So many levels of a tree stay in the cache by themselves, unless what is fetched needlessly displaces them.
+// The upper levels of a tree stay in the cache by themselves; prefetching them would displace other nodes.
+// Measured: with 12 or 14 levels finds of random keys get slower on a loaded machine.
 constexpr std::ptrdiff_t kCachedLevels = 10;
 
-// The two ways down from a node. In the depth of a large tree both are fetched before a comparison decides
-// between them.
-struct Fork {
+// The two children of a node. Deep in a large tree both are prefetched, so that the next node is on its way
+// while the comparison decides which child it is.
+struct Children {
   Node *left, *right;
 
-  Fork(const Node& node, std::ptrdiff_t level) : left(node.left), right(node.right) {
+  Children(const Node& node, std::ptrdiff_t level) : left(node.left), right(node.right) {
     if (level < kCachedLevels) return;
-    __builtin_prefetch(left);
-    __builtin_prefetch(right);
+    orx::prefetch(left);
+    orx::prefetch(right);
   }
 };
 
-// The links from the root down to where an operation takes place, the last one included.
+// The links from the root down to the place of an operation. links_[0] is the link of the root; each further
+// link belongs to the node that the link before it points to. The last one may be null: an empty subtree.
 class Path {
  public:
   using Position = Link**;
@@ -56,12 +59,14 @@ class Path {
   Path(const Path&) = delete;
   Path& operator=(const Path&) = delete;
 
-  // Goes down to the item that is equal to `probe`, or to the empty subtree where it belongs.
+  // Descends to the item that is equal to `probe`, or to the empty subtree where it belongs. Compares each
+  // node once; hosts rely on the order of the calls.
   Node* Find(bto_compare_fn compare, void* probe) {
     Position end = links_;
     Node* node = **end;
     int order = 1;
-    // Along the right edge of the tree, where probes in ascending order go, guesses hold.
+    // Items often come in ascending order, and then go along the right edge of the tree. There the processor
+    // predicts each step, so a plain loop is faster.
     while (node != nullptr && (order = compare(probe, node)) > 0) {
       *++end = &node->right;
       node = node->right;
@@ -70,11 +75,11 @@ class Path {
       *++end = &node->left;
       node = node->left;
       while (node != nullptr) {
-        const Fork fork(*node, end - links_);
+        const Children children(*node, end - links_);
         order = compare(probe, node);
         if (order == 0) break;
-        *++end = either(order < 0, &node->left, &node->right);
-        node = either(order < 0, fork.left, fork.right);
+        *++end = branchless_select(order < 0, &node->left, &node->right);
+        node = branchless_select(order < 0, children.left, children.right);
       }
     }
     end_ = end;
@@ -89,13 +94,13 @@ class Path {
     Node& node = *End();
     *++end_ = &link_of(node, side);
   }
-  // The side of the node above from which the way up comes.
+  // Returns the side of the new end on which the old end is.
   int Ascend() {
     const Link* const below = *end_--;
     return below == &End()->left ? kLeft : kRight;
   }
 
-  // For a path that goes on to the left of `position`: there it now leads through another node.
+  // Puts another node in the place of the one at `position`, for a path that continues on its left side.
   static void Redirect(Position position, Node& node) {
     **position = &node;
     position[1] = &node.left;
@@ -106,10 +111,10 @@ class Path {
   Position end_ = links_;
 };
 
-// Takes the place of the node `top` that is two higher on `side`, and gives back what takes its place. A
-// balance other than 0 at the new top means that the subtree is as high as it was.
+// Rotates the subtree at `top`, which is two levels higher on `side`, and returns its new root. The height of
+// the subtree is unchanged if the balance of the new root is not 0, otherwise it is one level lower.
 template <int side>
-Link rotated(Node& top) {
+Link rotate(Node& top) {
   Node& heir = *link_of(top, side);
   if (heir.balance != -side) {
     link_of(top, side) = link_of(heir, -side);
@@ -129,26 +134,34 @@ Link rotated(Node& top) {
   return &middle;
 }
 
-// The height of `side`, seen from the node at the link, has grown against the other side's.
+// Rebalances the node at the link after the height of `side` has grown by one level relative to the other
+// side.
 template <int side>
-void lean(Link& link) {
+void rebalance(Link& link) {
   Node& node = *link;
   if (node.balance == side) {
-    link = rotated<side>(node);
+    link = rotate<side>(node);
   } else {
     set_balance(node, node.balance + side);
   }
 }
 
-void lean(Link& link, int side) { side == kLeft ? lean<kLeft>(link) : lean<kRight>(link); }
+void rebalance(Link& link, int side) {
+  if (side == kLeft) {
+    rebalance<kLeft>(link);
+  } else {
+    rebalance<kRight>(link);
+  }
+}
 
-// From here up each returns whether the height of the whole tree has changed.
-bool grown(Path& path) {
+// Rebalances the nodes above the path's end, whose subtree has grown by one level. Returns whether the height
+// of the whole tree has changed.
+bool rebalance_after_insert(Path& path) {
   while (!path.IsAtRoot()) {
     const int side = path.Ascend();
     Link& link = path.End();
     if (link->balance != 0) {
-      lean(link, side);
+      rebalance(link, side);
       return false;
     }
     set_balance(*link, side);
@@ -156,16 +169,18 @@ bool grown(Path& path) {
   return true;
 }
 
-bool shrunk(Path& path) {
+// The same after the subtree at the path's end has become one level lower.
+bool rebalance_after_delete(Path& path) {
   while (!path.IsAtRoot()) {
     const int side = path.Ascend();
-    lean(path.End(), -side);
+    rebalance(path.End(), -side);
     if (path.End()->balance != 0) return false;
   }
   return true;
 }
 
-// Takes the node at the path's end out of the tree; the path then ends at the subtree that has become lower.
+// Takes the node at the path's end out of the tree. The path then ends at the subtree that has become lower.
+// A node with two children is replaced by its predecessor.
 void unlink(Path& path) {
   Node& node = *path.End();
   if (node.left == nullptr || node.right == nullptr) {
@@ -213,7 +228,9 @@ int bto_init_all_functions(bto_tree* tree, bto_compare_fn compare, bto_item_fn v
   tree->compare = compare;
   tree->visit = visit;
   tree->free_item = free_item;
-  tree->compare_set = tree->visit_set = tree->free_set = 1;
+  tree->compare_set = 1;
+  tree->visit_set = 1;
+  tree->free_set = 1;
   return 0;
 }
 
@@ -225,12 +242,13 @@ void* bto_add_item(bto_tree* tree, void* item) {
     call(tree->free_item, item);
     return item;
   }
-  // Field by field: the host's data may begin right behind the balance.
+  // Field by field: assigning the whole head would also write its padding, where the host's data may begin.
   Node& added = *static_cast<Node*>(item);
-  added.left = added.right = nullptr;
+  added.left = nullptr;
+  added.right = nullptr;
   added.balance = 0;
   path.End() = &added;
-  tree->height_changed = grown(path) ? 1 : 0;
+  tree->height_changed = rebalance_after_insert(path) ? 1 : 0;
   return item;
 }
 
@@ -241,8 +259,9 @@ int bto_delete_item(bto_tree* tree, void* key) {
   tree->height_changed = 0;
   if (node == nullptr) return 0;
   unlink(path);
-  tree->height_changed = shrunk(path) ? 1 : 0;
-  node->left = node->right = nullptr;
+  tree->height_changed = rebalance_after_delete(path) ? 1 : 0;
+  node->left = nullptr;
+  node->right = nullptr;
   call(tree->free_item, node);
   return 0;
 }
@@ -252,10 +271,10 @@ void* bto_get_item(bto_tree* tree, void* key) {
   const bto_compare_fn compare = tree->compare;
   Node* node = tree->root;
   for (std::ptrdiff_t level = 0; node != nullptr; ++level) {
-    const Fork fork(*node, level);
+    const Children children(*node, level);
     const int order = compare(node, key);
     if (order == 0) break;
-    node = either(order > 0, fork.left, fork.right);
+    node = branchless_select(order > 0, children.left, children.right);
   }
   return node;
 }

@@ -49,6 +49,11 @@ bool make_levels(const CORXOcTreeBB& top, const std::int8_t* octants, int count,
   return levels != nullptr;
 }
 
+// The box below the skipped levels; without levels it is `top`.
+const CORXOcTreeBB& box_below(const orx::OcTreeLevels* levels, const CORXOcTreeBB& top) {
+  return levels != nullptr ? levels->path.box : top;
+}
+
 }  // namespace
 
 // The items of a leaf in the octants of a box: the first `together` of them lie in `octant`, the item after
@@ -135,7 +140,7 @@ CORXOcTreeGeneric* CORXOcTreeGeneric::Split(const std::int8_t* path, int levels,
 bool CORXOcTreeGeneric::SplitBelow(const std::int8_t* octants, int count) {
   Levels levels;
   if (!make_levels(bb, octants, count, levels)) return false;
-  children = NewChildren(levels != nullptr ? levels->path.box : bb);
+  children = NewChildren(box_below(levels.get(), bb));
   if (children != nullptr) skipped = levels.release();
   return children != nullptr;
 }
@@ -191,7 +196,7 @@ bool CORXOcTreeGeneric::MakeLevel(int level) {
   const int own = skipped->Octant(level);
   Levels above, below;
   if (!make_levels(bb, octants, level, above)) return false;
-  const CORXOcTreeBB box = above != nullptr ? above->path.box : bb;
+  const CORXOcTreeBB box = box_below(above.get(), bb);
   const int count_below = skipped->count - level - 1;
   if (!make_levels(orx::octant_box(box, own), octants + level + 1, count_below, below)) return false;
   CORXOcTreeGeneric* const nodes = NewChildren(box);
