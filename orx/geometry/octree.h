@@ -121,12 +121,8 @@ class ORX_API CORXOcTreeGeneric {
 
   CORXOcTreeBB bb{};
   std::int16_t pointLimit;
-
- private:
   std::int8_t doublings = 0;  // the leaf tries to split at pointLimit << doublings items
   std::int8_t sizeLog2 = 0;   // `points` has 1 << sizeLog2 slots; the last one stays unused
-
- protected:
   std::int32_t pointCount = 0;
   // A node with children uses `skipped`, every other node `points`; one union keeps the node small. A class
   // of the host always sees null in its own node with children: only nodes that come from a split skip
