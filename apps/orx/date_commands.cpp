@@ -55,11 +55,11 @@ std::string written(const DateTime& record, Formatter format) {
 
 // An error text of the library is "Error: Invalid day."; "No errors." of fields that it does not name.
 std::string reason_of(const DateTime& record, int result) {
-  if (result == 7) return "the date has no number";
-  if (result == -1) return "a date and a time need a blank between them";
+  if (result == 7) return "the date contains no number";
+  if (result == -1) return "a space is needed between the date and the time";
   std::array<char, 23> error{};
   return orxDateTime_DiagnoseError(record.get(), error.data()) != 0 ? error.data()
-                                                                    : "it is no date and no time";
+                                                                    : "it is not a date or a time";
 }
 
 Record described(const DateTime& record) {
@@ -84,7 +84,7 @@ void require_in_range(const DateTime& record, const std::string& text) {
   }
   int year;
   orxDateTime_GetYearMonthDay(record.get(), &year, nullptr, nullptr);
-  if (year == -1) throw Failure(text, "it lies outside the years 100 to 9999");
+  if (year == -1) throw Failure(text, "it is outside the years 100 to 9999");
 }
 
 }  // namespace
@@ -100,7 +100,7 @@ void date_parse(const DateArguments& arguments, std::ostream& out) {
 void date_format(const DateArguments& arguments, std::ostream& out) {
   const DateTime record = new_record(arguments);
   double value = 0;
-  if (!read_number(arguments.text, value)) throw Failure(arguments.text, "it is no number");
+  if (!read_number(arguments.text, value)) throw Failure(arguments.text, "it is not a number");
   orxDateTime_SetValue(record.get(), value);
   require_in_range(record, arguments.text);
   if (arguments.format == Format::kJson) return write(out, described(record), Format::kJson);

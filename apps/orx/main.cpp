@@ -74,7 +74,7 @@ int main(int argc, char** argv) {
   } catch (const orx::cli::UsageError& error) {
     return complain(std::string(error.what()) + " (see orx --help)", kWrongUsage);
   } catch (const CAtlException& error) {
-    return complain(error.m_hr == E_OUTOFMEMORY ? "out of memory" : "an argument cannot be used", kFailed);
+    return complain(error.m_hr == E_OUTOFMEMORY ? "out of memory" : "an argument is invalid", kFailed);
   } catch (const std::bad_alloc&) {
     return complain("out of memory", kFailed);
   } catch (const std::exception& error) {

@@ -188,7 +188,7 @@ class CommandLine {
     return command->add_option(name, type, help + (": " + names) + ", or its number")
         ->required()
         ->check([among, names](const std::string& text) {
-          return find_type(among, text) != nullptr ? "" : "'" + text + "' is none of " + names;
+          return find_type(among, text) != nullptr ? "" : "'" + text + "' is not one of " + names;
         });
   }
 

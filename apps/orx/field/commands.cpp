@@ -30,7 +30,7 @@ class Limit {
     if (!is_given_) return;
     if (type.kind.read_limit == nullptr) throw UsageError(option + ": " + type.name + " has no limits");
     if (!type.kind.read_limit(*text, bytes_.data()))
-      throw UsageError(option + ": '" + *text + "' is no " + type.name);
+      throw UsageError(option + ": '" + *text + "' is not a valid " + type.name);
   }
   const void* get() const { return is_given_ ? bytes_.data() : nullptr; }
 
@@ -79,7 +79,7 @@ void angle_read(const AngleArguments& arguments, std::ostream& out) {
 
 void angle_write(const AngleArguments& arguments, std::ostream& out) {
   double radians = 0;
-  if (!read_number(arguments.text, radians)) throw Failure(arguments.text, "it is no number");
+  if (!read_number(arguments.text, radians)) throw Failure(arguments.text, "it is not a number");
   if (arguments.degrees) radians = radians / 180 * kPi;
   std::array<char, ORX_ANGLE_TEXT_SIZE> text{};
   zel_convert_ang_to_str(mode_of(arguments), radians, static_cast<int>(arguments.packed), text.data());

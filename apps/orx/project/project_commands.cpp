@@ -55,7 +55,7 @@ void require_base_path(const CQPRFile& project, const std::string& file) {
   const std::size_t file_name = path.rfind('\\');
   const std::size_t folder = file_name == 0 ? 0 : path.rfind('\\', file_name - 1);
   if (folder == std::string::npos || folder < 2) {
-    throw Failure(file, "a project file needs a folder within a folder to lie in");
+    throw Failure(file, "a project file needs two folders above it");
   }
 }
 

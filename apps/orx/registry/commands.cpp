@@ -127,7 +127,7 @@ void registry_import(const RegistryArguments& arguments, std::ostream&) {
   const TreeDocument document = read_json(read_file(arguments.file), arguments.file);
   const KeyName key = arguments.key.empty() ? key_of(document, arguments.file) : key_named(arguments.key);
   if (levels_of(key) + document.depth > kDeepestLevel) {
-    throw Failure(arguments.file, "its keys would lie too deep in " + key.full);
+    throw Failure(arguments.file, "its keys would be nested too deeply below " + key.full);
   }
   write_tree(key, document.tree);
 }

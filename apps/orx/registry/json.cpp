@@ -87,7 +87,7 @@ class NameCheck : public nlohmann::json_sax<Json> {
   bool key(string_t& name) override {
     Require(name.find('\0') == string_t::npos, "a name contains a NUL");
     Require(objects_.back().insert(name.c_str()).second,
-            "the name '" + name + "' stands twice in one object");
+            "the name '" + name + "' occurs twice in one object");
     return true;
   }
   bool start_object(std::size_t /*size*/) override { return Enter(); }
@@ -98,7 +98,7 @@ class NameCheck : public nlohmann::json_sax<Json> {
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                    const nlohmann::detail::exception& error) override {
     const std::string what = error.what();  // "[its number] what and where"
-    throw Failure(file_, "it is no JSON: " + what.substr(what.find(']') + 2, kLongestReason));
+    throw Failure(file_, "it is not JSON: " + what.substr(what.find(']') + 2, kLongestReason));
   }
 
   bool null() override { return true; }
@@ -164,7 +164,7 @@ class Reader {
 
   void RequireName(const std::string& name, std::size_t longest, const std::string& place) const {
     Require(width_of(name) <= longest, place,
-            "a name has " + std::to_string(longest) + " characters at most");
+            "a name has at most " + std::to_string(longest) + " characters");
   }
 
   const std::string& Text(const Json& json, const std::string& place) const {
@@ -187,7 +187,7 @@ class Reader {
   }
 
   Tree ReadKey(const std::string& name, const Json& json, const std::string& place, std::size_t depth) {
-    Require(depth <= kDeepestLevel, place, "the key lies too deep");
+    Require(depth <= kDeepestLevel, place, "the key is nested too deeply");
     RequireMembers(json, place, {"values", "keys", depth == 0 ? "key" : "keys"});
     depth_ = std::max(depth_, depth);
     Tree tree{name, {}, {}};
@@ -197,7 +197,8 @@ class Reader {
     });
     Each(json, "keys", place, [&](const auto& key, const Json& content, const std::string& within) {
       RequireName(key, ORX_REGISTRY_KEY_NAME_LENGTH, within);
-      Require(!key.empty() && key.find('\\') == std::string::npos, within, "the name of a key is one level");
+      Require(!key.empty() && key.find('\\') == std::string::npos, within,
+              "the name of a key cannot be empty or contain a backslash");
       tree.keys.push_back(ReadKey(key, content, within, depth + 1));
     });
     return tree;

@@ -21,12 +21,12 @@ constexpr struct {
 } kReasons[] = {
     {ERROR_FILE_NOT_FOUND, false, "there is no such key"},
     {ERROR_KEY_DELETED, false, "another program has deleted the key"},
-    {ERROR_INVALID_PARAMETER, false, "a name is too long or no UTF-8 text, or the key lies too deep"},
+    {ERROR_INVALID_PARAMETER, false, "a name is too long or not UTF-8, or the key is nested too deeply"},
     {ERROR_NOT_ENOUGH_MEMORY, false, "out of memory"},
-    {ERROR_BAD_PATHNAME, false, "the user has no home folder, where the registry would be"},
+    {ERROR_BAD_PATHNAME, false, "the user has no home folder for the registry"},
     {ERROR_BUSY, true, "is locked by another program"},
-    {ERROR_BADDB, true, "is damaged, no registry, or of a later version"},
-    {ERROR_DISK_FULL, true, "lies on a disk that is full"},
+    {ERROR_BADDB, true, "is damaged, is not a registry, or is of a later version"},
+    {ERROR_DISK_FULL, true, "is on a full disk"},
     {ERROR_REGISTRY_IO_FAILED, true, "cannot be read or written"},
 };
 
@@ -157,7 +157,7 @@ void require_below(HKEY opened, const KeyName& key, const Tree& tree) {
   for (const StoredValue& value : tree.values) {
     const StoredValue kept = read(opened, key, value.name);
     if (kept.type == value.type && kept.bytes == value.bytes) continue;
-    throw Failure(key.full, "another value is to have the name '" + value.name + "'");
+    throw Failure(key.full, "another value has the same name as '" + value.name + "'");
   }
   for (const Tree& sub_key : tree.keys) {
     const KeyName name = below(key, sub_key.name);

@@ -151,7 +151,7 @@ bool data_as(const std::string& type, const StoredValue& value, Value& data, std
   const Type& row = type_named(type);
   if (row.stored == value.type && row.to_data(value.bytes, data)) return true;
   reason = "is stored as " + type_name(value.type) + " of " + std::to_string(value.bytes.size()) +
-           " bytes, which is no " + type;
+           " bytes, which is not a " + type;
   return false;
 }
 

@@ -24,7 +24,7 @@ namespace {
 double number_of(const std::string& option, const std::string& text) {
   double number = 0;
   if (!read_number(text, number) || !(std::fabs(number) <= BBOX_EMPTY_MIN)) {
-    throw UsageError(option + ": '" + text + "' is no number between -1e15 and 1e15");
+    throw UsageError(option + ": '" + text + "' is not a number between -1e15 and 1e15");
   }
   return number;
 }
@@ -33,10 +33,11 @@ Seeds seeds_of(const std::string& plane) {
   std::vector<double> numbers;
   std::istringstream parts(plane);
   for (std::string part; std::getline(parts, part, ',');) numbers.push_back(number_of("--plane", part));
-  if (numbers.size() != 9 || plane.ends_with(',')) throw UsageError("--plane: three points are nine numbers");
+  if (numbers.size() != 9 || plane.ends_with(','))
+    throw UsageError("--plane: three points need nine numbers");
   Seeds seeds;
   for (std::size_t i = 0; i < 3; ++i) seeds[i] = {numbers[3 * i], numbers[3 * i + 1], numbers[3 * i + 2]};
-  if (!are_spread(seeds)) throw UsageError("--plane: the three points lie in a line");
+  if (!are_spread(seeds)) throw UsageError("--plane: the three points are on one line");
   return seeds;
 }
 
@@ -69,7 +70,7 @@ void keep_surface(const SectionArguments& arguments) {
   if (!arguments.svg) return;
   std::error_code unknown;  // the drawing need not exist
   if (std::filesystem::equivalent(native_path(arguments.file), native_path(*arguments.svg), unknown)) {
-    throw Failure(arguments.file, "it would be written over by --svg");
+    throw Failure(arguments.file, "--svg would overwrite it");
   }
 }
 
@@ -85,7 +86,7 @@ Cut cut_file(const SectionArguments& arguments) {
   const TriangleSurface surface = read_surface(arguments.file, progress);
   const double tolerance = wanted.value_or(usual_tolerance(surface));
   Section section = cut_surface(surface, seeds, tolerance, progress);
-  if (section.polylines.empty()) throw Failure(arguments.file, "the plane cuts nothing of it");
+  if (section.polylines.empty()) throw Failure(arguments.file, "the plane does not cut it");
   std::string length = fixed(section.length, decimals_of(10 * std::max(tolerance, usual_tolerance(surface))));
   return {std::move(section), std::move(length)};
 }

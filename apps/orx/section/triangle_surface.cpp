@@ -100,12 +100,12 @@ class Reader {
   }
 
   double read_coordinate() {
-    if (!has_word()) fail("a vertex has three coordinates");
+    if (!has_word()) fail("a vertex needs three coordinates");
     double value = 0;
     const bool has_plus = *at_ == '+' && at_[1] != '-';
     const auto [rest, error] = std::from_chars(at_ + (has_plus ? 1 : 0), end_, value);
     if (error != std::errc{} || !ends_word(rest) || !(std::fabs(value) <= kFarthest)) {
-      fail_word("no number between -1e15 and 1e15");
+      fail_word("not a number between -1e15 and 1e15");
     }
     at_ = rest;
     return value;
@@ -122,10 +122,10 @@ class Reader {
   }
 
   std::uint32_t read_corner() {
-    if (!has_word()) fail("a face has three corners or more");
+    if (!has_word()) fail("a face needs three corners or more");
     std::int64_t number = 0;
     const auto [rest, error] = std::from_chars(at_, end_, number);
-    if (error != std::errc{} || !(*rest == '/' || ends_word(rest))) fail_word("no number of a vertex");
+    if (error != std::errc{} || !(*rest == '/' || ends_word(rest))) fail_word("not the number of a vertex");
     const auto count = static_cast<std::int64_t>(surface_.points.size());
     const std::int64_t index = number < 0 ? count + number : number - 1;
     if (index < 0 || index >= std::numeric_limits<std::uint32_t>::max()) fail_vertex(number);
