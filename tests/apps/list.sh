@@ -10,7 +10,7 @@ prints '\[*"Name": "Grün",*"Default": true,*"Name": "beta",*"Default": false,*\
 fails "all.qpl: lists no project 'Beta'" list default all.qpl Beta
 fails "all.qpl: the default project 'Grün' cannot be removed" list remove all.qpl Grün
 rejects_usage '*it is empty' list default all.qpl ''
-rejects_usage '--none excludes NAME' list default all.qpl beta --none
+rejects_usage 'NAME excludes --none' list default all.qpl beta --none
 succeeds list default all.qpl beta
 prints '{*"Default": "beta"*}' list default all.qpl --json
 succeeds list default all.qpl --none
