@@ -15,7 +15,7 @@ while IFS='|' read -r setting reason; do
   unchanged 'jét 1.qpr' fails "jét 1.qpr: $reason" project set 'jét 1.qpr' Coordinates=changed "$setting"
 done << END
 Bogus=1|a project has no property 'Bogus'
-siteNAME=$(repeat x 51)|SiteName takes 50 characters at most, not 51
+siteNAME=$(repeat x 51)|SiteName takes at most 50 characters, not 51
 SiteDatabasePlatform=SQL2|SiteDatabasePlatform takes a name*'SQL2'
 MajorVersion=6x|MajorVersion takes a whole number, not '6x'
 ReleaseVersion=99999999999|ReleaseVersion takes a whole number, not '99999999999'
