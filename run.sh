@@ -6,7 +6,7 @@ root=$(CDPATH='' cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$root/cmake/install_packages.sh"
 . "$root/cmake/configure.sh"
 
-# Standard output belongs to the host.
+# The build writes to standard error, so that standard output is only that of the host.
 build_host() {
   cd "$root"
   install_packages "${build_packages[@]}"

@@ -1,7 +1,7 @@
-// The tree against std::set and, where libboost-dev is installed, Boost.Intrusive's AVL set. The keys are
-// ints in random or ascending order, and all three compare them through a function pointer. Items have 40 or
-// 64 bytes: in an array of items whose size is a power of two, the upper nodes of a tree share few sets of
-// the cache.
+// The tree against std::set and, if it is installed, the AVL set of Boost.Intrusive. The items are ints in
+// random or ascending order, and all three compare them through a function pointer. Items have 40 or 64
+// bytes: in an array of items whose size is a power of two, the upper nodes of a tree share few sets of the
+// cache.
 #include <benchmark/benchmark.h>
 #include <orx/containers/binary_tree.h>
 
@@ -20,9 +20,9 @@ namespace {
 
 using Keys = std::vector<int>;
 
-// Keeps the compiler from inlining the comparison, which it could not do for a host.
+// Hides a callback from the optimizer, which could not inline the callback of a host either.
 template <class Function>
-Function hidden(Function function) {
+Function hide_from_optimizer(Function function) {
   benchmark::DoNotOptimize(function);
   return function;
 }
@@ -31,7 +31,7 @@ template <std::size_t item_size>
 class OrxTree {
  public:
   explicit OrxTree(const Keys& keys) : items_(keys.size()) {
-    bto_init_all_functions(tree_, hidden(compare), nullptr, nullptr);
+    bto_init_all_functions(tree_, hide_from_optimizer(compare), nullptr, nullptr);
     for (std::size_t i = 0; i < keys.size(); ++i) items_[i].key = keys[i];
   }
   OrxTree(const OrxTree&) = delete;
@@ -50,9 +50,8 @@ class OrxTree {
     int key;
     char rest[item_size - sizeof(bto_base_object) - sizeof(int)];
   };
-  static int compare(void* a, void* b) {
-    return static_cast<Item*>(a)->key - static_cast<Item*>(b)->key;  // they are not negative
-  }
+  // Keys are not negative, so the difference does not overflow.
+  static int compare(void* a, void* b) { return static_cast<Item*>(a)->key - static_cast<Item*>(b)->key; }
   Item* Probe(int key) {
     probe_.key = key;
     return &probe_;
@@ -74,7 +73,7 @@ class StdSet {
 
  private:
   static bool is_before(int a, int b) { return a < b; }
-  std::set<int, bool (*)(int, int)> set_{hidden(is_before)};
+  std::set<int, bool (*)(int, int)> set_{hide_from_optimizer(is_before)};
 };
 
 #if defined(ORX_BENCH_BOOST)
@@ -115,13 +114,14 @@ class BoostAvlSet {
 
   std::vector<Item> items_;
   Item probe_;
-  bi::avl_set<Item, bi::compare<Compare>, bi::constant_time_size<false>> set_{Compare{hidden(is_before)}};
+  bi::avl_set<Item, bi::compare<Compare>, bi::constant_time_size<false>> set_{
+      Compare{hide_from_optimizer(is_before)}};
 };
 #endif
 
 enum Order { kRandom, kAscending };
 
-Keys keys_in(const benchmark::State& state, unsigned seed) {
+Keys make_keys(const benchmark::State& state, unsigned seed) {
   Keys keys(static_cast<std::size_t>(state.range(0)));
   std::iota(keys.begin(), keys.end(), 0);
   if (state.range(1) == kRandom) std::shuffle(keys.begin(), keys.end(), std::mt19937(seed));
@@ -130,7 +130,7 @@ Keys keys_in(const benchmark::State& state, unsigned seed) {
 
 template <class Set>
 void insert(benchmark::State& state) {
-  const Keys keys = keys_in(state, 1);
+  const Keys keys = make_keys(state, 1);
   for (auto _ : state) {
     state.PauseTiming();
     {
@@ -145,8 +145,8 @@ void insert(benchmark::State& state) {
 
 template <class Set>
 void find(benchmark::State& state) {
-  const Keys keys = keys_in(state, 1);
-  const Keys sought = keys_in(state, 2);
+  const Keys keys = make_keys(state, 1);
+  const Keys sought = make_keys(state, 2);
   Set set(keys);
   set.InsertAll(keys);
   for (auto _ : state) {
@@ -156,8 +156,8 @@ void find(benchmark::State& state) {
 
 template <class Set>
 void erase(benchmark::State& state) {
-  const Keys keys = keys_in(state, 1);
-  const Keys erased = keys_in(state, 2);
+  const Keys keys = make_keys(state, 1);
+  const Keys erased = make_keys(state, 2);
   for (auto _ : state) {
     state.PauseTiming();
     {

@@ -1,5 +1,5 @@
-// Dates against the C library, a reader written for the one layout, and the calendars of C++: the standard's
-// and the library that it was taken from.
+// Dates against the C library, a parser for one fixed layout, and two calendars of C++: std::chrono and the
+// library that it is based on.
 #include <benchmark/benchmark.h>
 #include <date/date.h>
 #include <orx/datetime/date_time.h>
@@ -40,7 +40,7 @@ void parse_strptime(benchmark::State& state) {
   }
 }
 
-// Knows where every number stands, and makes the value by the same calls.
+// Parses only this layout, and sets the value through the same function.
 void parse_from_chars(benchmark::State& state) {
   orxDateTime record{0, orxYearMonthDay, orxDateTimeFull, 0};
   const char* text = kText;
@@ -147,7 +147,7 @@ void set_and_get(benchmark::State& state) {
   }
 }
 
-// What a program adds that has to store the number that ours does.
+// The conversions that a program needs to store dates as the same number of days as orx.
 constexpr auto kDay0 = std::chrono::sys_days(std::chrono::year(1899) / 12 / 30);
 
 double to_ole(Seconds value) {

@@ -1,5 +1,5 @@
-// A line of the debug log against the system calls alone, and against the C library's streams, each opening
-// the file, writing the same bytes and closing it.
+// A line of the debug log against the bare system calls and against the streams of the C library. Each side
+// opens the file, writes the same bytes and closes the file.
 #include <orx/frame/debug_log.h>
 
 #include <benchmark/benchmark.h>
@@ -31,7 +31,7 @@ void write_stream(const char* path) {
 
 void write_orx(const char*) { halvark_log_debug_write(kText); }
 
-// Every run begins with an empty file.
+// Each run begins with an empty file.
 void log_line(benchmark::State& state, void (*write_line)(const char*)) {
   std::string folder = std::filesystem::temp_directory_path() / "orx_bench_XXXXXX";
   if (mkdtemp(folder.data()) == nullptr || halvark_log_debug_init(folder.c_str()) != 0) {

@@ -1,4 +1,4 @@
-// Fields of databases and the test for numbers, against bare C library calls and a scan by hand.
+// Database fields and IsNumeric, against bare calls of the C library and a hand-written scan.
 #include <benchmark/benchmark.h>
 #include <orx/text/field_value.h>
 #include <orx/text/strings.h>
@@ -30,19 +30,19 @@ void field_strtod(benchmark::State& state) {
   }
 }
 
-const char* digits(const char* text) {
+const char* skip_digits(const char* text) {
   while (*text >= '0' && *text <= '9') ++text;
   return text;
 }
 
-const char* sign(const char* text) { return *text == '-' || *text == '+' ? text + 1 : text; }
+const char* skip_sign(const char* text) { return *text == '-' || *text == '+' ? text + 1 : text; }
 
-// What somebody would write who needs no more than the answer for such numbers.
+// What a program would contain that only needs the answer for numbers of this form.
 bool is_number(const char* text) {
   while (*text == ' ') ++text;
-  text = digits(sign(text));
-  if (*text == '.') text = digits(text + 1);
-  if (*text == 'e' || *text == 'E') text = digits(sign(text + 1));
+  text = skip_digits(skip_sign(text));
+  if (*text == '.') text = skip_digits(text + 1);
+  if (*text == 'e' || *text == 'E') text = skip_digits(skip_sign(text + 1));
   while (*text == ' ') ++text;
   return *text == '\0';
 }

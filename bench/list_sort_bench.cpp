@@ -1,6 +1,5 @@
 // Lists against std::list, and the sorts against their own callbacks. Both sides compare through the same
-// function pointer. What a sort costs beyond its callbacks is what it takes more than a replay of the calls
-// that it made.
+// function pointer. The own cost of a sort is its time minus the time of a replay of its callbacks.
 #include <benchmark/benchmark.h>
 #include <orx/containers/generic_list.h>
 #include <orx/text/sorting.h>
@@ -15,11 +14,12 @@
 
 namespace {
 
-constexpr std::size_t kMany = 1000000;
-constexpr std::size_t kSorted = 20000;
+constexpr std::size_t kListItems = 1'000'000;
+constexpr std::size_t kSortedItems = 20'000;
 
 int compare_items(void* a, void* b) {
-  const int x = *static_cast<int*>(a), y = *static_cast<int*>(b);
+  const int x = *static_cast<int*>(a);
+  const int y = *static_cast<int*>(b);
   return (x > y) - (x < y);
 }
 
@@ -28,11 +28,11 @@ int swap_items(void* a, void* b) {
   return 0;
 }
 
-// In order, but for one in sixteen that comes up to eight places late.
-std::vector<int> nearly_sorted() {
+// Ascending, except that one item in sixteen comes up to eight places late.
+std::vector<int> nearly_sorted_values() {
   std::mt19937 random(1);
-  std::vector<int> items(kMany);
-  for (std::size_t i = 0; i < kMany; ++i) {
+  std::vector<int> items(kListItems);
+  for (std::size_t i = 0; i < kListItems; ++i) {
     const auto value = static_cast<int>(16 * i);
     items[i] = random() % 16 == 0 ? value - static_cast<int>(random() % 128) : value;
   }
@@ -79,10 +79,10 @@ struct StandardList {
   }
 };
 
-// A list is released outside of the time of what filled it.
+// Measures filling and walking a list, but not releasing it.
 template <typename List, typename Fill>
 void fill(benchmark::State& state, Fill step) {
-  std::vector<int> items = nearly_sorted();
+  std::vector<int> items = nearly_sorted_values();
   for (auto _ : state) {
     auto list = std::make_unique<List>();
     for (int& item : items) step(*list, &item);
@@ -105,7 +105,7 @@ void insert_nearly_sorted(benchmark::State& state) {
 
 template <typename List>
 void release(benchmark::State& state) {
-  std::vector<int> items = nearly_sorted();
+  std::vector<int> items = nearly_sorted_values();
   for (auto _ : state) {
     state.PauseTiming();
     auto list = std::make_unique<List>();
@@ -123,7 +123,7 @@ int swap_values(int i, int j) { return swap_items(&values[std::size_t(i)], &valu
 template <typename Place>
 using Callback = int (*)(Place, Place);
 
-// What a sort called.
+// A callback that a sort called.
 template <typename Place>
 struct Call {
   bool swaps;
@@ -133,7 +133,7 @@ template <typename Place>
 std::vector<Call<Place>> calls;
 
 template <typename Place, bool swaps, Callback<Place> callback>
-int noted(Place first, Place second) {
+int record_call(Place first, Place second) {
   calls<Place>.push_back({swaps, first, second});
   return callback(first, second);
 }
@@ -151,10 +151,10 @@ void replay(Callback<Place> compare, Callback<Place> swap) {
   }
 }
 
-const std::vector<int>& shuffled() {
+const std::vector<int>& shuffled_values() {
   static const std::vector<int> made = [] {
     std::mt19937 random(2);
-    std::vector<int> items(kSorted);
+    std::vector<int> items(kSortedItems);
     for (int& item : items) item = static_cast<int>(random() >> 1);
     return items;
   }();
@@ -164,40 +164,40 @@ const std::vector<int>& shuffled() {
 template <auto sort>
 void sorting(benchmark::State& state) {
   for (auto _ : state) {
-    values = shuffled();
-    sort(kSorted, compare_values, swap_values);
+    values = shuffled_values();
+    sort(kSortedItems, compare_values, swap_values);
   }
 }
 
 template <auto sort>
 void callbacks_alone(benchmark::State& state) {
   calls<int>.clear();
-  values = shuffled();
-  sort(kSorted, noted<int, false, compare_values>, noted<int, true, swap_values>);
+  values = shuffled_values();
+  sort(kSortedItems, record_call<int, false, compare_values>, record_call<int, true, swap_values>);
   for (auto _ : state) {
-    values = shuffled();
+    values = shuffled_values();
     replay<int>(compare_values, swap_values);
   }
 }
 
 void sorting_list(benchmark::State& state) {
-  std::vector<int> items(kSorted);
+  std::vector<int> items(kSortedItems);
   OwnList own;
   for (int& item : items) own.Append(&item);
   for (auto _ : state) {
-    items = shuffled();
+    items = shuffled_values();
     genlist_sort(own.list);
   }
 }
 
 void callbacks_of_list_alone(benchmark::State& state) {
   calls<void*>.clear();
-  std::vector<int> items = shuffled();
-  OwnList own(noted<void*, false, compare_items>, noted<void*, true, swap_items>);
+  std::vector<int> items = shuffled_values();
+  OwnList own(record_call<void*, false, compare_items>, record_call<void*, true, swap_items>);
   for (int& item : items) own.Append(&item);
   genlist_sort(own.list);
   for (auto _ : state) {
-    items = shuffled();
+    items = shuffled_values();
     replay<void*>(compare_items, swap_items);
   }
 }
@@ -206,7 +206,7 @@ BENCHMARK(append_and_walk<OwnList>)->Unit(benchmark::kMillisecond);
 BENCHMARK(append_and_walk<StandardList>)->Unit(benchmark::kMillisecond);
 BENCHMARK(insert_nearly_sorted<OwnList>)->Unit(benchmark::kMillisecond);
 BENCHMARK(insert_nearly_sorted<StandardList>)->Unit(benchmark::kMillisecond);
-// The time measured is a small part of the time taken.
+// Only a small part of the run is measured, so the number of iterations is fixed.
 BENCHMARK(release<OwnList>)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(release<StandardList>)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(sorting<qksort>)->Unit(benchmark::kMicrosecond);

@@ -1,7 +1,7 @@
-// The octree against what is installed of a packed and a grown R-tree (Boost.Geometry), a k-d tree
-// (nanoflann) and a voxel octree (PCL, in single precision): a million points, evenly spread or in clusters.
-// Then the octree alone: 200,000 points in regions that are far wider than the points or stretched by one
-// stray point, and 100,000 points at 1,000 places.
+// The octree against a packed R-tree and an R-tree built by insertion (Boost.Geometry), a k-d tree
+// (nanoflann) and a voxel octree (PCL, in single precision), as far as they are installed. A million points
+// are evenly spread or in clusters. Then the octree alone: 200,000 points in regions that are far wider than
+// the points or stretched by one stray point, and 100,000 points at 1,000 places.
 #include <benchmark/benchmark.h>
 #include <orx/geometry/octree.h>
 
@@ -41,13 +41,14 @@ using Points = std::vector<Point>;
 
 enum Kind { kUniform, kClustered };
 
-// In an order that says nothing about the place, and all different but for rounding.
-Points made_points(Kind kind) {
+// Points in random order, all different except for rounding.
+Points make_points(Kind kind) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> place(0, kExtent);
   std::normal_distribution<double> spread(0, kExtent / 200);
   const auto anywhere = [&] { return Point{place(random), place(random), place(random)}; };
-  Points centres(100), points(kCount);
+  Points centres(100);
+  Points points(kCount);
   for (Point& centre : centres) centre = anywhere();
   for (Point& point : points) {
     point = kind == kUniform ? anywhere() : centres[random() % centres.size()];
@@ -57,8 +58,8 @@ Points made_points(Kind kind) {
   return points;
 }
 
-const Points& points_in(const benchmark::State& state) {
-  static const Points kinds[] = {made_points(kUniform), made_points(kClustered)};
+const Points& points_for(const benchmark::State& state) {
+  static const Points kinds[] = {make_points(kUniform), make_points(kClustered)};
   return kinds[state.range(0)];
 }
 
@@ -71,25 +72,28 @@ std::size_t allocated() {
 #endif
 }
 
-// Not known to be the same function all the time, as a host's is not.
+// Hides a callback from the optimizer, which could not inline the callback of a host either.
 template <class Function>
-Function hidden(Function function) {
+Function hide_from_optimizer(Function function) {
   benchmark::DoNotOptimize(function);
   return function;
 }
 
-const Point& at(const void* item) { return *static_cast<const Point*>(item); }
+const Point& point_of(const void* item) { return *static_cast<const Point*>(item); }
 
 int locate(void* item, double x, double y, double z) {
-  const Point& point = at(item);
+  const Point& point = point_of(item);
   return (point[0] < x ? 1 : 0) | (point[1] < y ? 2 : 0) | (point[2] < z ? 4 : 0);
 }
 
-int is_same(void* a, void* b) { return at(a) == at(b) ? 1 : 0; }
+int is_same(void* a, void* b) { return point_of(a) == point_of(b) ? 1 : 0; }
 
 int is_near(void* a, void* b) {
   double sum = 0;
-  for (std::size_t i = 0; i < 3; ++i) sum += (at(a)[i] - at(b)[i]) * (at(a)[i] - at(b)[i]);
+  for (std::size_t i = 0; i < 3; ++i) {
+    const double difference = point_of(a)[i] - point_of(b)[i];
+    sum += difference * difference;
+  }
   return sum < kTolerance * kTolerance ? 1 : 0;
 }
 
@@ -97,7 +101,7 @@ template <class Root>
 class OrxOctree {
  public:
   explicit OrxOctree(const Points& points, ORXOcTreeCompareFn compare = is_same) {
-    tree_.SetFunctions(hidden(compare), hidden(locate), nullptr);
+    tree_.SetFunctions(hide_from_optimizer(compare), hide_from_optimizer(locate), nullptr);
     tree_.SetTolerance(kTolerance);
     tree_.Init(0, 0, 0, kExtent, kExtent, kExtent, 0);
     for (const Point& point : points) tree_.AddNode(item_of(point));
@@ -106,7 +110,7 @@ class OrxOctree {
   std::uintptr_t Visit() {
     std::uintptr_t sum = 0;
     int counter = 0;
-    tree_.Iterate(hidden(add), &sum, counter);
+    tree_.Iterate(hide_from_optimizer(add), &sum, counter);
     return sum;
   }
 
@@ -166,7 +170,7 @@ class GrownRTree : public RTree {
   }
 };
 
-// Of items that stay the host's, as those of the octree do.
+// Stores pointers to the points, as the octree does.
 class RTreeOfItems {
  public:
   explicit RTreeOfItems(const Points& points) : tree_(items_of(points)) {}
@@ -264,7 +268,7 @@ class PclOctree {
 
 template <class Tree>
 void build(benchmark::State& state) {
-  const Points& points = points_in(state);
+  const Points& points = points_for(state);
   for (auto _ : state) {
     const std::size_t before = allocated();
     auto tree = std::make_unique<Tree>(points);
@@ -288,15 +292,17 @@ void find_all(benchmark::State& state, Tree& tree, const Points& sought) {
 
 template <class Tree>
 void find(benchmark::State& state) {
-  const Points& points = points_in(state);
+  const Points& points = points_for(state);
   Tree tree(points);
   find_all(state, tree, points);
 }
 
-// Points on one side of a plane that divides the octree on one of its upper levels, and sought on the other.
+// The points are on one side of a plane that divides an upper level of the octree, and they are searched for
+// from the other side, within the tolerance.
 template <class Tree>
 void find_beyond(benchmark::State& state) {
-  Points points = points_in(state), sought = points;
+  Points points = points_for(state);
+  Points sought = points;
   for (std::size_t i = 0; i < kCount; ++i) {
     const double plane = std::round(points[i][i % 3] / kExtent * 32) * kExtent / 32;
     points[i][i % 3] = plane + kTolerance / 4;
@@ -308,7 +314,7 @@ void find_beyond(benchmark::State& state) {
 
 template <class Tree>
 void visit(benchmark::State& state) {
-  Tree tree(points_in(state));
+  Tree tree(points_for(state));
   for (auto _ : state) benchmark::DoNotOptimize(tree.Visit());
 }
 

@@ -1,5 +1,5 @@
-// Settings against SQLite used directly, by somebody who knows the number of the key and has all statements
-// prepared, and against QSettings, if Qt is there. Files lie on a disk, and both sides flush them as well.
+// Settings against direct use of SQLite, with a known key number and prepared statements, and against
+// QSettings, if Qt is installed. The files are on a disk, and both sides flush them.
 #include <benchmark/benchmark.h>
 #include <orx/frame/environment.h>
 #include <orx/settings/registry.h>
@@ -24,7 +24,7 @@ constexpr char kName[] = "Left";
 int read_left(int& value) { return hvk_RegReadInt(kPath[0], kPath[1], kPath[2], nullptr, kName, &value); }
 int write_left(int value) { return hvk_RegWriteInt(kPath[0], kPath[1], kPath[2], nullptr, kName, value); }
 
-// One's own connection, set up as the library's is.
+// A direct connection with the same settings as that of the library.
 class Connection {
  public:
   explicit Connection(const std::string& file) {
@@ -43,15 +43,15 @@ class Connection {
   void Run(const char* sql) { sqlite3_exec(database_, sql, nullptr, nullptr, nullptr); }
 
   void Prepare() {
-    sqlite3_stmt* find = Prepared("SELECT key FROM value WHERE name = 'Left'");
+    sqlite3_stmt* find = PrepareStatement("SELECT key FROM value WHERE name = 'Left'");
     sqlite3_step(find);
     key_ = sqlite3_column_int64(find, 0);
     sqlite3_finalize(find);
-    begin_ = Prepared("BEGIN");
-    begin_writing_ = Prepared("BEGIN IMMEDIATE");
-    commit_ = Prepared("COMMIT");
-    read_ = Prepared("SELECT type, data FROM value WHERE key = ? AND folded = ?");
-    write_ = Prepared(
+    begin_ = PrepareStatement("BEGIN");
+    begin_writing_ = PrepareStatement("BEGIN IMMEDIATE");
+    commit_ = PrepareStatement("COMMIT");
+    read_ = PrepareStatement("SELECT type, data FROM value WHERE key = ? AND folded = ?");
+    write_ = PrepareStatement(
         "INSERT INTO value (key, name, folded, type, data) VALUES (?, ?, ?, ?, ?)"
         " ON CONFLICT DO UPDATE SET type = excluded.type, data = excluded.data");
   }
@@ -80,7 +80,7 @@ class Connection {
   }
 
  private:
-  sqlite3_stmt* Prepared(const char* sql) {
+  sqlite3_stmt* PrepareStatement(const char* sql) {
     sqlite3_stmt* statement = nullptr;
     sqlite3_prepare_v3(database_, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
     return statement;
@@ -99,10 +99,10 @@ class Connection {
   sqlite3_int64 key_ = 0;
 };
 
-// A store of the library with so many more values, and the same as a file of one's own.
+// A store of the library with this many additional values, and a copy of it for direct use.
 class Stores {
  public:
-  Stores(const fs::path& folder, int values) : own_(folder / ("own" + std::to_string(values))) {
+  Stores(const fs::path& folder, int values) : direct_(folder / ("direct" + std::to_string(values))) {
     library_ = folder / ("library" + std::to_string(values));
     Use();
     write_left(1);
@@ -115,24 +115,24 @@ class Stores {
          " INSERT INTO value (key, name, folded, type, data)"
          " SELECT id, 'v' || i, 'V' || i, 4, x'01020304' FROM key, n WHERE folded GLOB 'K[0-9]*'; COMMIT")
             .c_str());
-    connection.Run(("VACUUM INTO '" + own_ + "'").c_str());
+    connection.Run(("VACUUM INTO '" + direct_ + "'").c_str());
   }
 
   void Use() const {
     setenv("ORX_USER_REGISTRY", library_.c_str(), 1);
     orx_environment_changed();
   }
-  const std::string& own() const { return own_; }
+  const std::string& direct() const { return direct_; }
 
  private:
   std::string library_;
-  std::string own_;
+  std::string direct_;
 };
 
 class Folder {
  public:
   Folder() {
-    // /tmp may lie in memory.
+    // /tmp may be in memory.
     std::string name = "/var/tmp/orx_bench_XXXXXX";
     path_ = mkdtemp(name.data());
   }
@@ -154,7 +154,7 @@ const Stores& stores(benchmark::State& state) {
   return state.range(0) == 100 ? few : many;
 }
 
-void check(benchmark::State& state, bool is_right) {
+void require(benchmark::State& state, bool is_right) {
   if (!is_right) state.SkipWithError("wrong result");
 }
 
@@ -163,11 +163,11 @@ void read_orx(benchmark::State& state) {
   int value = 0;
   int result = read_left(value);
   for (auto _ : state) result |= read_left(value);
-  check(state, result == 0 && value > 0);
+  require(state, result == 0 && value > 0);
 }
 
 void read_sqlite(benchmark::State& state) {
-  Connection connection(stores(state).own());
+  Connection connection(stores(state).direct());
   connection.Prepare();
   int value = connection.Read();
   for (auto _ : state) {
@@ -175,15 +175,15 @@ void read_sqlite(benchmark::State& state) {
     value = connection.Read();
     connection.Commit();
   }
-  check(state, value > 0);
+  require(state, value > 0);
 }
 
 void read_sqlite_without_begin(benchmark::State& state) {
-  Connection connection(stores(state).own());
+  Connection connection(stores(state).direct());
   connection.Prepare();
   int value = connection.Read();
   for (auto _ : state) value = connection.Read();
-  check(state, value > 0);
+  require(state, value > 0);
 }
 
 void write_orx(benchmark::State& state) {
@@ -191,11 +191,11 @@ void write_orx(benchmark::State& state) {
   int result = 0;
   int value = 0;
   for (auto _ : state) result |= write_left(++value);
-  check(state, result == 0);
+  require(state, result == 0);
 }
 
 void write_sqlite(benchmark::State& state) {
-  Connection connection(stores(state).own());
+  Connection connection(stores(state).direct());
   connection.Prepare();
   int value = 0;
   for (auto _ : state) {
@@ -203,7 +203,7 @@ void write_sqlite(benchmark::State& state) {
     connection.Write(++value);
     connection.Commit();
   }
-  check(state, connection.Read() == value);
+  require(state, connection.Read() == value);
 }
 
 void sizes(benchmark::internal::Benchmark* benchmark) {
@@ -217,7 +217,7 @@ BENCHMARK(write_orx)->Apply(sizes);
 BENCHMARK(write_sqlite)->Apply(sizes);
 
 #if __has_include(<QSettings>)
-// Opened for the read, as the library's are.
+// Opens the settings for each read, as the library does.
 void read_qsettings(benchmark::State& state) {
   const QString file = QString::fromStdString(folder() / "qsettings.ini");
   {
@@ -230,7 +230,7 @@ void read_qsettings(benchmark::State& state) {
     const QSettings settings(file, QSettings::IniFormat);
     value = settings.value("Section view/Window/Position/Left").toInt();
   }
-  check(state, value == 1);
+  require(state, value == 1);
 }
 BENCHMARK(read_qsettings)->UseRealTime();
 #endif

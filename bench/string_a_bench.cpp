@@ -18,12 +18,12 @@ template <class String>
 void copy(benchmark::State& state) {
   const String text(kText);
   for (auto _ : state) {
-    String copied(text);
-    benchmark::DoNotOptimize(copied);
+    String copy_of_text(text);
+    benchmark::DoNotOptimize(copy_of_text);
   }
 }
 
-// Counting references costs more once the process has had a second thread; such cases run last.
+// Reference counts cost more once the process has started a second thread, so these cases run last.
 template <class String>
 void copy_after_a_thread(benchmark::State& state) {
   std::thread([] {}).join();
@@ -35,8 +35,8 @@ void construct(benchmark::State& state) {
   const char* text = kText;
   for (auto _ : state) {
     benchmark::DoNotOptimize(text);
-    String made(text);
-    benchmark::DoNotOptimize(made);
+    String string(text);
+    benchmark::DoNotOptimize(string);
   }
 }
 
@@ -44,24 +44,24 @@ template <class String>
 void append_texts(benchmark::State& state) {
   const char* text = kText;
   for (auto _ : state) {
-    String grown;
+    String result;
     for (int i = 0; i < kAppends; ++i) {
       benchmark::DoNotOptimize(text);
-      grown += text;
+      result += text;
     }
-    benchmark::DoNotOptimize(grown);
+    benchmark::DoNotOptimize(result);
   }
 }
 
 template <class String>
 void append_chars(benchmark::State& state) {
   for (auto _ : state) {
-    String grown;
+    String result;
     for (int i = 0; i < kAppends; ++i) {
-      append_char(grown, 'x');
+      append_char(result, 'x');
       benchmark::ClobberMemory();
     }
-    benchmark::DoNotOptimize(grown);
+    benchmark::DoNotOptimize(result);
   }
 }
 

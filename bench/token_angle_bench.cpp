@@ -13,7 +13,7 @@ namespace {
 constexpr char kTokens[] = "north:12.5:east:107:pit 4:bench:3020:ore:0.75:end";
 constexpr double kPi = 3.141592653589793;
 constexpr double kAngle = 0.79413;
-constexpr std::size_t kRoom = 50;
+constexpr std::size_t kTextSize = 50;
 
 struct Columns {
   long degrees, minutes, seconds;
@@ -49,7 +49,7 @@ void read_orx(benchmark::State& state, int mode, const char* text, int packed) {
   }
 }
 
-// What a format stores of degrees, minutes and seconds.
+// `scan` stores as many of degrees, minutes and seconds as its format contains.
 template <class Scan>
 void read_sscanf(benchmark::State& state, Scan scan, const char* text) {
   for (auto _ : state) {
@@ -64,18 +64,18 @@ void read_sscanf(benchmark::State& state, Scan scan, const char* text) {
 
 void write_orx(benchmark::State& state, int mode) {
   double angle = kAngle;
-  char out[kRoom];
+  char out[kTextSize];
   for (auto _ : state) {
     benchmark::DoNotOptimize(angle);
     benchmark::DoNotOptimize(zel_convert_ang_to_str(mode, angle, 0, out));
   }
 }
 
-// The prints alone, of columns that are split already.
+// Only the formatting: the angle is already split into columns.
 template <class Print>
 void write_snprintf(benchmark::State& state, Print print) {
   Columns columns{45, 30, 1, 45.50029738, 30.01784, 1.07};
-  char out[kRoom];
+  char out[kTextSize];
   for (auto _ : state) {
     benchmark::DoNotOptimize(columns);
     print(out, columns);
@@ -103,17 +103,17 @@ BENCHMARK_CAPTURE(
     "  4530 1.07");
 BENCHMARK_CAPTURE(write_orx, degrees, 10);
 BENCHMARK_CAPTURE(write_snprintf, degrees, [](char* out, const Columns& c) {
-  std::snprintf(out, kRoom, "%12.8lf", c.decimal_degrees);
+  std::snprintf(out, kTextSize, "%12.8lf", c.decimal_degrees);
 });
 BENCHMARK_CAPTURE(write_orx, whole_seconds, 11);
 BENCHMARK_CAPTURE(write_snprintf, whole_seconds, [](char* out, const Columns& c) {
-  std::snprintf(out, kRoom, "%4ld:%2ld:%2ld", c.degrees, c.minutes, c.seconds);
+  std::snprintf(out, kTextSize, "%4ld:%2ld:%2ld", c.degrees, c.minutes, c.seconds);
 });
 BENCHMARK_CAPTURE(write_orx, minutes, 12);
 BENCHMARK_CAPTURE(write_snprintf, minutes, [](char* out, const Columns& c) {
-  std::snprintf(out, kRoom, "%4ld:%8.5lf", c.degrees, c.decimal_minutes);
+  std::snprintf(out, kTextSize, "%4ld:%8.5lf", c.degrees, c.decimal_minutes);
 });
 BENCHMARK_CAPTURE(write_orx, seconds, 16);
 BENCHMARK_CAPTURE(write_snprintf, seconds, [](char* out, const Columns& c) {
-  std::snprintf(out, kRoom, "%4ld:%2ld:%5.2lf", c.degrees, c.minutes, c.decimal_seconds);
+  std::snprintf(out, kTextSize, "%4ld:%2ld:%5.2lf", c.degrees, c.minutes, c.decimal_seconds);
 });

@@ -1,4 +1,4 @@
-// Unique keys against the C library's calls: all that a key takes, and the two prints of it alone.
+// Unique keys against calls of the C library: all calls that a key needs, and only the two that format it.
 #include <benchmark/benchmark.h>
 #include <orx/platform/clock.h>
 #include <orx/text/unique_key.h>
@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kLastNumber = 999999;
 
-void print(const tm& now, int& counter, char (&out)[32]) {
+void format_key(const tm& now, int& counter, char (&out)[32]) {
   char stamp[16];
   strftime(stamp, sizeof stamp, "%Y%m%d%H%M%S", &now);
   counter = counter % kLastNumber + 1;
@@ -18,7 +18,7 @@ void print(const tm& now, int& counter, char (&out)[32]) {
   benchmark::DoNotOptimize(out);
 }
 
-// A counter that is begun anew in time, or most of the run would be spent waiting for seconds to pass.
+// The counter starts again before it overflows, or the run would mostly wait for the next second.
 void key_orx(benchmark::State& state) {
   char out[32];
   char last[32] = "";
@@ -37,7 +37,7 @@ void key_localtime_strftime_snprintf(benchmark::State& state) {
     const time_t seconds = time(nullptr);
     tm now;
     localtime_r(&seconds, &now);
-    print(now, counter, out);
+    format_key(now, counter, out);
   }
 }
 
@@ -49,11 +49,11 @@ void key_strftime_snprintf(benchmark::State& state) {
   int counter = 0;
   for (auto _ : state) {
     benchmark::DoNotOptimize(now);
-    print(now, counter, out);
+    format_key(now, counter, out);
   }
 }
 
-// The part of a key that is the clock.
+// The share of the clock in a key.
 void clock_orx(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(orx::platform::local_time());
 }

@@ -1,6 +1,5 @@
-// The XML wrapper and the project families against libxml2 used directly for the same work. Files lie in
-// memory
-// (/dev/shm), so that flushing them to disk costs nothing on either side.
+// XML documents, project files and lists against direct use of libxml2 for the same work. The files are in
+// memory (/dev/shm), so flushing costs nothing on either side.
 #include <benchmark/benchmark.h>
 #include <libxml/parser.h>
 #include <libxml/xmlsave.h>
@@ -20,7 +19,7 @@
 #include <map>
 #include <string>
 
-// Stands before the C library's in this program.
+// Replaces the function of the C library in this program.
 extern "C" int fsync(int) { return 0; }
 
 namespace {
@@ -68,7 +67,7 @@ xmlDoc* read_file(const fs::path& path) {
   return xmlReadFile(path.c_str(), nullptr, XML_PARSE_NONET | XML_PARSE_COMPACT);
 }
 
-// As any careful program saves: beside the old file, then in its place.
+// Saves as a careful program does: to a temporary file that then replaces the old file.
 void save_and_free(xmlDoc* doc, const fs::path& path) {
   const std::string temporary = path.string() + ".tmp";
   xmlSaveFormatFileEnc(temporary.c_str(), doc, "UTF-8", 1);
@@ -108,7 +107,8 @@ void project_open_libxml2(benchmark::State& state) {
     PlainProject project{};
     xmlDoc* doc = read_file(folder().path / "Pit1/pit1.qpr");
     visit_elements(xmlDocGetRootElement(doc), "PROPERTY", [&](xmlNode* node) {
-      const std::string name = attribute(node, "NAME"), value = attribute(node, "VALUE");
+      const std::string name = attribute(node, "NAME");
+      const std::string value = attribute(node, "VALUE");
       for (int i = 0; i < 8; ++i) {
         if (strcasecmp(name.c_str(), kTextProperties[i]) == 0)
           std::snprintf(project.texts[i], 261, "%s", value.c_str());
@@ -171,12 +171,12 @@ void project_save_orx(benchmark::State& state) {
 
 using PlainList = std::map<std::string, std::string>;
 
-// Gives the names and paths of that many projects to `take`.
-template <class Take>
-void invent_projects(std::int64_t count, Take take) {
+// Calls `handle` with the names and paths of `count` invented projects.
+template <class Handle>
+void invent_projects(std::int64_t count, Handle handle) {
   for (std::int64_t i = 0; i < count; ++i) {
     const std::string name = "Project " + std::to_string(i);
-    take(name, "C:\\Projects\\" + name + "\\project.qpr");
+    handle(name, "C:\\Projects\\" + name + "\\project.qpr");
   }
 }
 
@@ -247,7 +247,7 @@ void list_save_orx(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 
-// 5 MB of holes with their intervals, laid out in lines.
+// 5 MB of drill holes with their intervals, indented.
 const std::string& large_document() {
   static const std::string document = [] {
     std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<holes>\n";
@@ -308,7 +308,7 @@ double megabytes_of(const char* field) {
   return 0;
 }
 
-// The memory that a process of its own needs at most for the work, beyond what it had before.
+// The peak memory in MB that the work needs in a process of its own, above what that process had before.
 template <class Work>
 double peak_memory(Work work) {
   int ends[2];
@@ -316,7 +316,7 @@ double peak_memory(Work work) {
   double peak = 0;
   if (const pid_t child = fork(); child == 0) {
     malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << 5;  // forgets the peak so far
+    std::ofstream("/proc/self/clear_refs") << 5;  // resets the peak
     const double before = megabytes_of("VmRSS");
     work();
     peak = megabytes_of("VmHWM") - before;

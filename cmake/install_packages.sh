@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# To be sourced: install_packages PACKAGE... installs the missing packages. With ORX_NO_INSTALL=1 it installs nothing: it
-# names them and returns, since the build may find the libraries elsewhere.
+# To be sourced: install_packages PACKAGE... installs the missing packages. With ORX_NO_INSTALL=1 it only prints their
+# names, since the build may find the libraries elsewhere.
 
 # Another run of the package manager may take some minutes.
 apt_get=(apt-get -q -o DPkg::Lock::Timeout=600)
@@ -14,7 +14,7 @@ as_root() {
   if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# The lock of the package lists has no timeout of its own.
+# apt-get has no timeout for the lock of the package lists.
 update_package_lists() {
   local errors attempts=0
   until errors=$(LC_ALL=C as_root "${apt_get[@]}" update 2>&1 > /dev/null); do

@@ -1,23 +1,23 @@
-/* The samples of a drill hole: a balanced tree keeps them by depth, a list ranks them by grade. */
+/* The samples of a drill hole: a balanced tree orders them by depth, a list ranks them by grade. */
 #include <orx/orx.h>
 
 #include <stdio.h>
 #include <stdlib.h>
 
-/* An item of the tree begins with the links, which are the tree's. */
+/* An item of the tree begins with links, which only the tree uses. */
 typedef struct Sample {
   bto_base_object links;
-  double depth; /* of its upper end in metres: what the tree orders by */
-  double gold;  /* grams a tonne */
+  double depth; /* of the upper end, in metres; the tree orders by it */
+  double gold;  /* grams per tonne */
 } Sample;
 
-/* Sorting a list exchanges what its items hold. Samples would lose their places in the tree, so these only
-   point to them. */
+/* Sorting a list swaps the contents of its items. A swap of samples would break the tree, so the items of the
+   list are pointers to samples. */
 typedef struct Rank {
   const Sample* sample;
 } Rank;
 
-/* Comparing beats subtracting: a difference of 0.4 would become the int 0. */
+/* A difference would not do as the result: 0.4 would become the int 0. */
 static int by_depth(void* a, void* b) {
   const Sample* first = a;
   const Sample* second = b;
@@ -31,13 +31,13 @@ static int richest_first(void* a, void* b) {
 }
 
 static int swap_ranks(void* a, void* b) {
-  const Rank kept = *(Rank*)a;
+  const Rank first = *(Rank*)a;
   *(Rank*)a = *(Rank*)b;
-  *(Rank*)b = kept;
+  *(Rank*)b = first;
   return 0;
 }
 
-/* A visit is given the item and nothing else. */
+/* The visit callback gets only the item, so its results are global. */
 static genlist* ranking;
 static int unranked;
 
@@ -50,7 +50,7 @@ static int rank_sample(void* sample) {
   return 0;
 }
 
-/* The tree would release a second sample of a depth without a word: who wants to tell asks first. */
+/* The tree silently releases a second item with the same key, so a host that reports it must search first. */
 static int add_sample(bto_tree* tree, double depth, double gold) {
   Sample key = {.depth = depth};
   if (bto_get_item(tree, &key) != NULL) {
@@ -61,7 +61,7 @@ static int add_sample(bto_tree* tree, double depth, double gold) {
   if (sample == NULL) return 1;
   sample->depth = depth;
   sample->gold = gold;
-  bto_add_item(tree, sample); /* from here on it is the tree's */
+  bto_add_item(tree, sample); /* the tree owns the sample from here on */
   return 0;
 }
 
@@ -78,8 +78,8 @@ static int report(bto_tree* tree) {
   for (size_t i = 0; i < sizeof kAssays / sizeof *kAssays; ++i)
     if (add_sample(tree, kAssays[i][0], kAssays[i][1]) != 0) return 1;
 
-  Sample mistaken = {.depth = 6.0};
-  bto_delete_item(tree, &mistaken);
+  Sample rejected = {.depth = 6.0};
+  bto_delete_item(tree, &rejected);
 
   bto_traverse_tree(tree);
   if (unranked != 0) return 1;
@@ -95,7 +95,7 @@ int main(void) {
   bto_init_all_functions(tree, by_depth, rank_sample, bto_free_base_object);
   const int failed = tree == NULL || ranking == NULL || report(tree) != 0;
   if (failed) fprintf(stderr, "Out of memory.\n");
-  genlist_free(ranking); /* first, as it points into the tree */
+  genlist_free(ranking); /* first, since its items point to samples of the tree */
   bto_free(tree);
   return failed;
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Writes the sample suite anew, with the library itself.
+# Writes the sample suite with orx itself, and replaces the old one.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 export ORX_DRIVES=$here/suite/drives

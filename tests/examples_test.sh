@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# examples_test.sh SOURCE ORX HOST C_HOST CONTAINERS: the sample suite is whole, the
-# pit and its section are what makes them, and the hosts run and are what the README shows.
+# examples_test.sh SOURCE ORX HOST C_HOST CONTAINERS: the sample suite is complete, the files of the pit are those that
+# its script and orx write, and the example hosts run and are those in the README.
 set -euo pipefail
 source=$1 orx=$2 host=$3 c_host=$4 containers=$5
 work=$(mktemp -d)

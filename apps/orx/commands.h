@@ -1,5 +1,6 @@
 // The subcommands, with one record of arguments for each group. A command writes its output to `out`. It
-// raises Failure when it cannot do its work, and then it has saved nothing.
+// raises Failure when it cannot do its work, and UsageError for an argument that only it can check. In both
+// cases it has saved nothing.
 #pragma once
 
 #include <functional>
@@ -23,7 +24,7 @@ struct ProjectArguments {
 struct ListArguments {
   std::string file;
   std::string name;
-  std::string path;
+  std::string path;  // of the project file
   bool make_default = false;
   bool no_default = false;
   Format format = Format::kText;
@@ -31,24 +32,24 @@ struct ListArguments {
 
 struct RegistryArguments {
   std::string key;
-  std::optional<std::string> value;  // the name of a value
+  std::optional<std::string> value;  // the name of a value, "" for the default value
   std::string data;
-  std::string type;
-  std::string file;
+  std::string type;  // empty: as stored, or a string
+  std::string file;  // empty: standard output
   bool tree = false;
   Format format = Format::kText;
 };
 
 struct DateArguments {
-  std::string text;
-  std::string order;
-  std::string kind;
+  std::string text;   // a date or a time, or the number of one
+  std::string order;  // empty: ymd
+  std::string kind;   // empty: datetime
   bool full = false;
   Format format = Format::kText;
 };
 
 struct AngleArguments {
-  std::string text;
+  std::string text;  // an angle, or a number
   std::string mode;
   bool packed = false;
   bool degrees = false;
@@ -56,19 +57,19 @@ struct AngleArguments {
 };
 
 struct FieldArguments {
-  std::string type;
+  std::string type;  // a name or a number that find_field_type knows
   std::string text;
   std::optional<int> subtype;
   std::optional<std::string> low;
   std::optional<std::string> high;
-  int size = std::numeric_limits<int>::max();
+  int size = std::numeric_limits<int>::max();  // of the field in bytes
   Format format = Format::kText;
 };
 
 struct LogArguments {
   int count = 0;
   bool follow = false;
-  bool thread_log = false;
+  bool thread_log = false;  // the log of the secondary threads
   Format format = Format::kText;
 };
 
@@ -79,9 +80,9 @@ struct KeyArguments {
 
 struct SectionArguments {
   std::string file;
-  std::string plane;  // the coordinates of three points, with commas
+  std::string plane;  // the coordinates of three points, separated by commas
   std::optional<std::string> tolerance;
-  std::optional<std::string> svg;  // the file to draw in
+  std::optional<std::string> svg;  // the file for the drawing
   Format format = Format::kText;
 };
 
@@ -116,16 +117,16 @@ void date_now(const DateArguments& arguments, std::ostream& out);
 void angle_read(const AngleArguments& arguments, std::ostream& out);
 void angle_write(const AngleArguments& arguments, std::ostream& out);
 
-void field(const FieldArguments& arguments, std::ostream& out);
+void field_show(const FieldArguments& arguments, std::ostream& out);
 
 void log_path(const LogArguments& arguments, std::ostream& out);
-// With `follow` it flushes `out` as lines arrive, until the process receives SIGINT or SIGTERM.
+// With `follow`, flushes `out` as lines arrive, until the process receives SIGINT or SIGTERM.
 void log_tail(const LogArguments& arguments, std::ostream& out);
 
 void key_new(const KeyArguments& arguments, std::ostream& out);
 
-void section(const SectionArguments& arguments, std::ostream& out);
+void section_show(const SectionArguments& arguments, std::ostream& out);
 
-void platforms(const PlatformArguments& arguments, std::ostream& out);
+void platforms_show(const PlatformArguments& arguments, std::ostream& out);
 
 }  // namespace orx::cli

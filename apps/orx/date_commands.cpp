@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -24,50 +25,57 @@ struct FreeRecord {
 
 using DateTime = std::unique_ptr<orxDateTime, FreeRecord>;
 
-struct Word {
+// Results of orxDateTime_ParseString.
+constexpr int kNoNumber = 7;
+constexpr int kNoSpace = -1;
+
+constexpr std::size_t kTextSize = 64;  // more than the longest text of a date and time
+
+struct Choice {
   const char* word;
   int number;
 };
 
-constexpr Word kOrders[] = {{"mdy", orxMonthDayYear}, {"dmy", orxDayMonthYear}, {"ymd", orxYearMonthDay}};
-constexpr Word kKinds[] = {{"", orxDateTimeFull},
-                           {"datetime", orxDateTimeFull},
-                           {"date", orxDateTimeDate},
-                           {"time", orxDateTimeTime},
-                           {"number", orxDateTimeNumber}};
+constexpr Choice kOrders[] = {{"mdy", orxMonthDayYear}, {"dmy", orxDayMonthYear}, {"ymd", orxYearMonthDay}};
+constexpr Choice kKinds[] = {{"", orxDateTimeFull},
+                             {"datetime", orxDateTimeFull},
+                             {"date", orxDateTimeDate},
+                             {"time", orxDateTimeTime},
+                             {"number", orxDateTimeNumber}};
 
 DateTime new_record(const DateArguments& arguments) {
-  const auto is = [](const std::string& word) { return [&](const Word& row) { return row.word == word; }; };
+  const auto is = [](const std::string& word) { return [&](const Choice& row) { return row.word == word; }; };
   DateTime record(orxDateTime_New(std::ranges::find_if(kKinds, is(arguments.kind))->number));
   if (record == nullptr) throw std::bad_alloc();
-  const Word* const order = std::ranges::find_if(kOrders, is(arguments.order));
+  const Choice* const order = std::ranges::find_if(kOrders, is(arguments.order));
   if (order != std::end(kOrders)) orxDateTime_SetYMDFormat(record.get(), order->number);
   return record;
 }
 
 using Formatter = int (*)(const orxDateTime* dt, char* buf, int size);
 
-std::string written(const DateTime& record, Formatter format) {
-  std::array<char, 64> text{};
+std::string format_text(const DateTime& record, Formatter format) {
+  std::array<char, kTextSize> text{};
   format(record.get(), text.data(), static_cast<int>(text.size()));
   return text.data();
 }
 
-// An error text of the library is "Error: Invalid day."; "No errors." of fields that it does not name.
+// `result` is that of orxDateTime_ParseString. The library has a text only for some invalid fields, such as
+// "Error: Invalid day.".
 std::string reason_of(const DateTime& record, int result) {
-  if (result == 7) return "the date has no number";
-  if (result == -1) return "a date and a time need a blank between them";
+  if (result == kNoNumber) return "the date contains no number";
+  if (result == kNoSpace) return "a space is needed between the date and the time";
   std::array<char, 23> error{};
-  return orxDateTime_DiagnoseError(record.get(), error.data()) != 0 ? error.data()
-                                                                    : "it is no date and no time";
+  const bool is_known = orxDateTime_DiagnoseError(record.get(), error.data()) != 0;
+  return is_known ? error.data() : "it is not a date or a time";
 }
 
-Record described(const DateTime& record) {
+Record date_record(const DateTime& record) {
   int year, month, day, hour, minute, second;
   orxDateTime_GetYearMonthDayHourMinuteSecond(record.get(), &year, &month, &day, &hour, &minute, &second);
   Record shown{{"Value", record->value},
-               {"Text", written(record, orxDateTime_FormatString)},
-               {"FullText", written(record, orxDateTime_FormatSpecialFullLengthString)}};
+               {"Text", format_text(record, orxDateTime_FormatString)},
+               {"FullText", format_text(record, orxDateTime_FormatSpecialFullLengthString)}};
   const Record date{{"Year", year}, {"Month", month}, {"Day", day}};
   const Record time{{"Hour", hour}, {"Minute", minute}, {"Second", second}};
   const int kind = record->kind;
@@ -77,14 +85,14 @@ Record described(const DateTime& record) {
 }
 
 void require_in_range(const DateTime& record, const std::string& text) {
-  constexpr double kTooLarge = 9223372036854775808.0;  // for a whole number
+  constexpr double kTooLarge = 9223372036854775808.0;  // 2^63: numbers are formatted as whole numbers
   if (record->kind == orxDateTimeNumber) {
     if (!(std::abs(record->value) < kTooLarge)) throw Failure(text, "it is too large");
     return;
   }
   int year;
   orxDateTime_GetYearMonthDay(record.get(), &year, nullptr, nullptr);
-  if (year == -1) throw Failure(text, "it lies outside the years 100 to 9999");
+  if (year == -1) throw Failure(text, "it is outside the years 100 to 9999");
 }
 
 }  // namespace
@@ -94,25 +102,25 @@ void date_parse(const DateArguments& arguments, std::ostream& out) {
   const int result = orxDateTime_ParseString(record.get(), arguments.text.c_str());
   if (result != 0) throw Failure(arguments.text, reason_of(record, result));
   require_in_range(record, arguments.text);
-  write(out, described(record), arguments.format);
+  write_record(out, date_record(record), arguments.format);
 }
 
 void date_format(const DateArguments& arguments, std::ostream& out) {
   const DateTime record = new_record(arguments);
   double value = 0;
-  if (!read_number(arguments.text, value)) throw Failure(arguments.text, "it is no number");
+  if (!read_number(arguments.text, value)) throw Failure(arguments.text, "it is not a number");
   orxDateTime_SetValue(record.get(), value);
   require_in_range(record, arguments.text);
-  if (arguments.format == Format::kJson) return write(out, described(record), Format::kJson);
-  out << written(record,
-                 arguments.full ? orxDateTime_FormatSpecialFullLengthString : orxDateTime_FormatString)
-      << '\n';
+  if (arguments.format == Format::kJson) return write_record(out, date_record(record), Format::kJson);
+  const Formatter format =
+      arguments.full ? orxDateTime_FormatSpecialFullLengthString : orxDateTime_FormatString;
+  out << format_text(record, format) << '\n';
 }
 
 void date_now(const DateArguments& arguments, std::ostream& out) {
   const DateTime record = new_record(arguments);
   orxDateTime_SetToCurrent(record.get());
-  write(out, described(record), arguments.format);
+  write_record(out, date_record(record), arguments.format);
 }
 
 }  // namespace orx::cli

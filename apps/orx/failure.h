@@ -1,4 +1,4 @@
-// Why a command could not do its work: told on standard error as one line, "orx: FILE: REASON".
+// The reason why a command could not do its work. The tool prints it as one line, "orx: FILE: REASON".
 #pragma once
 
 #include <stdexcept>
@@ -12,7 +12,7 @@ class Failure : public std::runtime_error {
   Failure(const std::string& file, std::string reason)
       : std::runtime_error(file + ": " + reason), reason_(std::move(reason)) {}
 
-  const std::string& reason() const noexcept { return reason_; }
+  const std::string& Reason() const noexcept { return reason_; }
 
  private:
   std::string reason_;

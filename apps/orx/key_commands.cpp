@@ -17,7 +17,7 @@ void key_new(const KeyArguments& arguments, std::ostream& out) {
       table.rows.push_back({std::string(key)});
     }
   }
-  if (arguments.format == Format::kJson) write(out, table, Format::kJson);
+  if (arguments.format == Format::kJson) write_table(out, table, Format::kJson);
 }
 
 }  // namespace orx::cli

@@ -19,15 +19,16 @@ namespace orx::cli {
 namespace {
 
 static_assert(ORX_LOG_PATH_LENGTH + 1 >= ORX_APPLICATION_DATA_PATH_SIZE);
-constexpr std::streamoff kBlock = 65536;
-constexpr std::size_t kHead = 512;
-constexpr std::chrono::milliseconds kPause(200);
+constexpr std::size_t kPathSize = 4096;
+constexpr std::streamoff kBlockSize = 65536;
+constexpr std::size_t kHeadSize = 512;  // enough for the header with the time
+constexpr std::chrono::milliseconds kPollInterval(200);
 
-volatile std::sig_atomic_t was_asked_to_end = 0;
+volatile std::sig_atomic_t end_is_requested = 0;
 
-void ask_to_end(int /*signal*/) { was_asked_to_end = 1; }
+void request_end(int /*signal*/) { end_is_requested = 1; }
 
-std::string log_file(const LogArguments& arguments) {
+std::string log_file_of(const LogArguments& arguments) {
   std::array<char, ORX_LOG_PATH_LENGTH + 1> folder{};
   GetApplicationDataPath(folder.data(), ORX_LOG_PATH_LENGTH);
   std::string name = folder.data();
@@ -35,7 +36,7 @@ std::string log_file(const LogArguments& arguments) {
   if (!name.ends_with('\\')) name += '\\';
   name += arguments.thread_log ? ORX_THREAD_LOG_NAME : ORX_LOG_NAME;
   name.resize(std::min<std::size_t>(name.size(), ORX_LOG_PATH_LENGTH));
-  std::array<char, 4096> path{};
+  std::array<char, kPathSize> path{};
   if (orx_path_to_native(name.c_str(), path.data(), path.size()) != 0) {
     throw Failure(name, "the path is too long, or its drive has no folder");
   }
@@ -47,31 +48,34 @@ std::streamoff size_of(std::istream& file) {
   return file.tellg();
 }
 
-// Where the last so many lines begin. Reads no more of the file than them.
+// The offset where the last `lines` lines begin. Reads the file backwards in blocks, so that the tail of a
+// large log is found quickly. The line end of the last line does not count.
 std::streamoff start_of_last(std::istream& file, int lines) {
   const std::streamoff size = size_of(file);
   std::string block;
   std::streamoff begin = lines > 0 ? size : 0;
   while (begin > 0) {
     const std::streamoff end = begin;
-    begin = std::max<std::streamoff>(end - kBlock, 0);
+    begin = std::max<std::streamoff>(end - kBlockSize, 0);
     block.resize(static_cast<std::size_t>(end - begin));
     file.seekg(begin);
     if (!file.read(block.data(), end - begin)) return size;
-    for (std::streamoff at = end; at-- > begin;) {
+    for (std::streamoff at = end - 1; at >= begin; --at) {
       const bool ends_line = block[static_cast<std::size_t>(at - begin)] == '\n' && at != size - 1;
-      if (ends_line && --lines == 0) return at + 1;
+      if (ends_line) --lines;
+      if (lines == 0) return at + 1;
     }
   }
   return lines > 0 ? 0 : size;
 }
 
-// A log that is read on and on, also when it is emptied or replaced meanwhile.
-class Reader {
+// Reads a log that grows. The file is opened for each call, so that a log that was emptied or replaced
+// meanwhile is noticed: `at_` is the offset of the next line, `head_` the start of the file at the last call.
+class LogReader {
  public:
-  explicit Reader(std::string path) : path_(std::move(path)) {}
+  explicit LogReader(std::string path) : path_(std::move(path)) {}
 
-  // False, with errno, if there is no log.
+  // Skips all but the last `lines` lines. Returns false and sets errno if the log cannot be read.
   bool Skip(int lines) {
     std::ifstream file = Open();
     if (!file) return false;
@@ -79,9 +83,9 @@ class Reader {
     return true;
   }
 
-  // Gives what came since, line by line; a line without an end only if nothing more is to come.
-  template <class Give>
-  void Read(bool is_final, Give give) {
+  // Calls `handle` for each new line. A line without a line end waits for the rest of it, unless `is_final`.
+  template <class Handle>
+  void Read(bool is_final, Handle handle) {
     std::ifstream file = Open();
     if (!file) at_ = 0;
     if (!file || at_ == size_of(file)) return;
@@ -89,20 +93,21 @@ class Reader {
     for (std::string line; std::getline(file, line) && (is_final || !file.eof());) {
       at_ += static_cast<std::streamoff>(line.size()) + 1;
       if (line.ends_with('\r')) line.pop_back();
-      give(line);
+      handle(line);
     }
   }
 
  private:
-  // A log that is shorter, or begins otherwise than it did (its header has the time), is read from its start.
+  // A log that is shorter than before, or that begins differently (its header contains the time), is read
+  // from its start.
   std::ifstream Open() {
     errno = 0;
     std::ifstream file(path_, std::ios::binary);
     if (!file) return file;
-    std::string head(kHead, '\0');
-    file.read(head.data(), kHead);
+    std::string head(kHeadSize, '\0');
+    file.read(head.data(), kHeadSize);
     head.resize(static_cast<std::size_t>(file.gcount()));
-    if (file.bad()) return file;  // a folder, for one
+    if (file.bad()) return file;  // for example a folder
     file.clear();
     if (size_of(file) < at_ || !head.starts_with(head_)) at_ = 0;
     head_ = head;
@@ -114,27 +119,27 @@ class Reader {
   std::streamoff at_ = 0;
 };
 
-void follow(Reader& reader, std::ostream& out) {
-  std::signal(SIGINT, ask_to_end);
-  std::signal(SIGTERM, ask_to_end);
-  while (was_asked_to_end == 0) {
+void follow(LogReader& reader, std::ostream& out) {
+  std::signal(SIGINT, request_end);
+  std::signal(SIGTERM, request_end);
+  while (end_is_requested == 0) {
     reader.Read(/*is_final=*/false, [&](const std::string& line) { out << one_line(line) << '\n'; });
     out.flush();
-    std::this_thread::sleep_for(kPause);
+    std::this_thread::sleep_for(kPollInterval);
   }
 }
 
 }  // namespace
 
 void log_path(const LogArguments& arguments, std::ostream& out) {
-  const std::string path = log_file(arguments);
-  if (arguments.format == Format::kJson) return write(out, Record{{"Path", path}}, Format::kJson);
+  const std::string path = log_file_of(arguments);
+  if (arguments.format == Format::kJson) return write_record(out, Record{{"Path", path}}, Format::kJson);
   out << one_line(path) << '\n';
 }
 
 void log_tail(const LogArguments& arguments, std::ostream& out) {
-  const std::string path = log_file(arguments);
-  Reader reader(path);
+  const std::string path = log_file_of(arguments);
+  LogReader reader(path);
   if (!reader.Skip(arguments.count) && !(arguments.follow && errno == ENOENT)) {
     throw Failure(path, std::generic_category().message(errno));
   }
@@ -144,7 +149,7 @@ void log_tail(const LogArguments& arguments, std::ostream& out) {
     if (arguments.format == Format::kText) out << one_line(line) << '\n';
     if (arguments.format == Format::kJson) table.rows.push_back({line});
   });
-  if (arguments.format == Format::kJson) write(out, table, Format::kJson);
+  if (arguments.format == Format::kJson) write_table(out, table, Format::kJson);
 }
 
 }  // namespace orx::cli

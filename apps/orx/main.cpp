@@ -1,4 +1,4 @@
-// orx, the command-line host: exit status 0 done, 1 failed, 2 wrong usage.
+// orx, the command-line host. The exit status is 0 for success, 1 for a failure and 2 for wrong usage.
 #include <orx/compat/atl_exception.h>
 
 #include <cerrno>
@@ -22,12 +22,12 @@ using orx::cli::Failure;
 
 enum Status { kDone = 0, kFailed = 1, kWrongUsage = 2 };
 
-Status complain(const std::string& reason, Status status) {
+Status report_failure(const std::string& reason, Status status) {
   std::fprintf(stderr, "orx: %s\n", orx::cli::one_line(reason).c_str());
   return status;
 }
 
-void print(const std::string& text) {
+void print_text(const std::string& text) {
   if (text.empty()) return;
   errno = 0;
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
@@ -35,28 +35,29 @@ void print(const std::string& text) {
   }
 }
 
-// What a command shows goes out at its end, also when it fails, or as soon as it flushes.
-class Screen : public std::stringbuf {
+// Collects the output of a command. It is printed when the command flushes it, and at the end of the command,
+// also of a command that fails.
+class BufferedOutput : public std::stringbuf {
   int sync() override {
     const std::string text = str();
     str({});
-    print(text);
+    print_text(text);
     return 0;
   }
 };
 
 void run(int argc, const char* const* argv) {
-  Screen screen;
-  std::ostream out(&screen);
+  BufferedOutput output;
+  std::ostream out(&output);
   out.exceptions(std::ios::badbit);
-  const orx::cli::Command command = orx::cli::parse(argc, argv, out);
+  const orx::cli::Command command = orx::cli::parse_command_line(argc, argv, out);
   std::optional<Failure> failure;
   try {
     if (command) command(out);
   } catch (const Failure& caught) {
     failure = caught;
   }
-  screen.pubsync();
+  output.pubsync();
   if (failure) throw Failure(*failure);
 }
 
@@ -64,7 +65,7 @@ void run(int argc, const char* const* argv) {
 
 int main(int argc, char** argv) {
 #if defined(SIGPIPE) && defined(SIGXFSZ)
-  // A reader that has left and a limit on file sizes are failed writes, and said to be such.
+  // Without these signals, a closed pipe or a limit on file sizes is a failed write, which is reported.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
 #endif
@@ -72,12 +73,12 @@ int main(int argc, char** argv) {
     run(argc, argv);
     return kDone;
   } catch (const orx::cli::UsageError& error) {
-    return complain(std::string(error.what()) + " (see orx --help)", kWrongUsage);
+    return report_failure(std::string(error.what()) + " (see orx --help)", kWrongUsage);
   } catch (const CAtlException& error) {
-    return complain(error.m_hr == E_OUTOFMEMORY ? "out of memory" : "an argument cannot be used", kFailed);
+    return report_failure(error.m_hr == E_OUTOFMEMORY ? "out of memory" : "an argument is invalid", kFailed);
   } catch (const std::bad_alloc&) {
-    return complain("out of memory", kFailed);
+    return report_failure("out of memory", kFailed);
   } catch (const std::exception& error) {
-    return complain(error.what(), kFailed);
+    return report_failure(error.what(), kFailed);
   }
 }

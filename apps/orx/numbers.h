@@ -1,4 +1,4 @@
-// Numbers in texts, alike in every locale.
+// Numbers as text, independent of the locale.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace orx::cli {
 
-// False, with the number unchanged, unless the whole text is a number that fits.
+// Returns false and leaves `number` unchanged unless the whole text is a number that fits the type.
 template <class Number>
 bool read_number(const std::string& text, Number& number) {
   Number read{};
@@ -20,15 +20,15 @@ bool read_number(const std::string& text, Number& number) {
   return true;
 }
 
-// In the fewest digits that read back as the same number.
+// The shortest text that reads back as the same number.
 template <class Number>
-std::string shortest(Number number) {
+std::string shortest_text(Number number) {
   char text[64];
   return {text, std::to_chars(text, text + sizeof text, number).ptr};
 }
 
-// With so many decimals, and never as -0.
-inline std::string fixed(double number, int decimals) {
+// The number with this many decimals. A result of zero has no minus.
+inline std::string fixed_text(double number, int decimals) {
   char text[400];  // enough for the largest double with 64 decimals
   std::string written(
       text, std::to_chars(text, text + sizeof text, number, std::chars_format::fixed, decimals).ptr);
@@ -36,16 +36,16 @@ inline std::string fixed(double number, int decimals) {
   return is_zero && written.starts_with('-') ? written.substr(1) : written;
 }
 
-// How many show a number of this size, and no more than a double has.
-inline int decimals_of(double size) {
+// The number of decimals that show a value of this size, at most as many as a double has.
+inline int decimals_for(double size) {
   return static_cast<int>(std::clamp(std::ceil(-std::log10(size) - 1e-9), 0.0, 15.0));
 }
 
-// The double that is written with the digits of the number, which may be a float.
+// The double with the same shortest text as `number`: 0.1 for the float 0.1f, not 0.10000000149.
 template <class Number>
-double as_written(Number number) {
+double double_of_digits(Number number) {
   double written = 0;
-  read_number(shortest(number), written);
+  read_number(shortest_text(number), written);
   return written;
 }
 

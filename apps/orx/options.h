@@ -1,4 +1,4 @@
-// The command line.
+// Parsing of the command line.
 #pragma once
 
 #include <ostream>
@@ -8,13 +8,13 @@
 
 namespace orx::cli {
 
+// Wrong arguments. The tool prints the message with a hint at --help.
 class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Returns the command with its arguments. Returns an empty command when the command line asked only for
-// --help or
-// --version; that text is then already written to `out`. Raises UsageError.
-Command parse(int argc, const char* const* argv, std::ostream& out);
+// Returns the command with its arguments. Raises UsageError for a wrong command line. For --help and
+// --version it writes the text to `out` and returns an empty command.
+Command parse_command_line(int argc, const char* const* argv, std::ostream& out);
 
 }  // namespace orx::cli

@@ -8,11 +8,12 @@
 namespace orx::cli {
 namespace {
 
-constexpr std::chrono::seconds kPatience(1);
-constexpr std::chrono::milliseconds kPause(200);
+constexpr std::chrono::seconds kFirstDelay(1);
+constexpr std::chrono::milliseconds kInterval(200);
 
-// Where the system does not tell by a name, nobody is known to watch.
-bool is_terminal() {
+// Uses the name of the terminal, since the tool uses only the standard library. A system without /proc shows
+// no progress.
+bool stderr_is_terminal() {
   std::error_code unknown;
   const std::string name = std::filesystem::read_symlink("/proc/self/fd/2", unknown).string();
   return name.starts_with("/dev/pts/") || name.starts_with("/dev/tty") || name == "/dev/console";
@@ -20,18 +21,18 @@ bool is_terminal() {
 
 }  // namespace
 
-Progress::Progress() : is_seen_(is_terminal()), next_(Clock::now() + kPatience) {}
+Progress::Progress() : is_terminal_(stderr_is_terminal()), next_(Clock::now() + kFirstDelay) {}
 
 Progress::~Progress() {
-  if (is_told_) std::fprintf(stderr, "\r%40s\r", "");
+  if (is_shown_) std::fprintf(stderr, "\r%40s\r", "");
 }
 
-void Progress::tell(const char* work, std::size_t done, std::size_t all) {
-  if (!is_seen_ || Clock::now() < next_) return;
+void Progress::Report(const char* work, std::size_t done, std::size_t all) {
+  if (!is_terminal_ || Clock::now() < next_) return;
   const double share = static_cast<double>(done) / static_cast<double>(all);
   std::fprintf(stderr, "\r%s %3.0f %%", work, share * 100);
-  is_told_ = true;
-  next_ = Clock::now() + kPause;
+  is_shown_ = true;
+  next_ = Clock::now() + kInterval;
 }
 
 }  // namespace orx::cli

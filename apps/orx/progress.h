@@ -1,4 +1,5 @@
-// A line on standard error about work that takes long, when standard error is a terminal.
+// One line on standard error that shows the progress of long work. Nothing is shown during the first second,
+// or when standard error is not a terminal.
 #pragma once
 
 #include <chrono>
@@ -11,17 +12,17 @@ class Progress {
   Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
-  ~Progress();  // takes the line away
+  ~Progress();  // clears the line
 
-  // How much of the work is done. Costs too much to be called for every item.
-  void tell(const char* work, std::size_t done, std::size_t all);
+  // Shows that `done` of `all` items are done. Reads the clock, so call it once for many items.
+  void Report(const char* work, std::size_t done, std::size_t all);
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  bool is_seen_;
-  bool is_told_ = false;
-  Clock::time_point next_;
+  bool is_terminal_;
+  bool is_shown_ = false;
+  Clock::time_point next_;  // when the line is written again
 };
 
 }  // namespace orx::cli

@@ -11,30 +11,40 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr std::size_t kWidestCell = 100;  // longer cells do not widen their column
+constexpr std::size_t kColumnGap = 2;
+
 struct ToJson {
   Json operator()(std::monostate) const { return nullptr; }
-  Json operator()(double value) const { return std::isfinite(value) ? Json(value) : Json(shortest(value)); }
+  Json operator()(double value) const {
+    return std::isfinite(value) ? Json(value) : Json(shortest_text(value));
+  }
   Json operator()(const auto& value) const { return value; }
 };
 
 struct ToText {
   std::string operator()(std::monostate) const { return "-"; }
   std::string operator()(bool value) const { return value ? "*" : ""; }
-  std::string operator()(auto number) const { return shortest(number); }
+  std::string operator()(auto number) const { return shortest_text(number); }
   std::string operator()(const std::string& value) const { return one_line(value); }
 };
 
+constexpr char kHexDigits[] = "0123456789abcdef";
+
 bool continues_character(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
-// JSON may hold U+007F to U+009F as they are, but terminals obey them.
-std::string escaped(const std::string& json) {
+// Escapes U+007F to U+009F, which JSON permits in strings, but which terminals obey. U+0080 to U+009F are
+// 0xC2 and a second byte in UTF-8.
+std::string escape_controls(const std::string& json) {
   std::string text;
   for (const char c : json) {
     const auto byte = static_cast<unsigned char>(c);
-    const bool is_second = text.ends_with('\xC2') && continues_character(c) && byte < 0xA0;
-    if (is_second) text.pop_back();
-    if (byte == 0x7F || is_second) {
-      text.append("\\u00").append(1, "789"[byte / 16 - 7]).append(1, "0123456789abcdef"[byte % 16]);
+    const bool is_second_byte = text.ends_with('\xC2') && continues_character(c) && byte < 0xA0;
+    if (is_second_byte) text.pop_back();
+    if (byte == 0x7F || is_second_byte) {
+      text += "\\u00";
+      text += kHexDigits[byte / 16];
+      text += kHexDigits[byte % 16];
     } else {
       text += c;
     }
@@ -43,10 +53,8 @@ std::string escaped(const std::string& json) {
 }
 
 void write_json(std::ostream& out, const Json& json) {
-  out << escaped(json.dump(2, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace)) << '\n';
+  out << escape_controls(json.dump(2, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace)) << '\n';
 }
-
-constexpr std::size_t kWidestCell = 100;
 
 }  // namespace
 
@@ -66,14 +74,15 @@ void write_aligned(std::ostream& out, const std::vector<Line>& lines) {
   for (const Line& line : lines) {
     std::string text;
     for (std::size_t i = 0; i < line.size(); ++i) {
-      text += line[i] + std::string(widths[i] - std::min(widths[i], width_of(line[i])) + 2, ' ');
+      const std::size_t width = std::min(widths[i], width_of(line[i]));
+      text += line[i] + std::string(widths[i] - width + kColumnGap, ' ');
     }
     text.erase(text.find_last_not_of(' ') + 1);
     out << text << '\n';
   }
 }
 
-void write(std::ostream& out, const Record& record, Format format) {
+void write_record(std::ostream& out, const Record& record, Format format) {
   Json json = Json::object();
   std::vector<Line> lines;
   for (const auto& [name, value] : record) {
@@ -84,7 +93,7 @@ void write(std::ostream& out, const Record& record, Format format) {
   write_aligned(out, lines);
 }
 
-void write(std::ostream& out, const Table& table, Format format) {
+void write_table(std::ostream& out, const Table& table, Format format) {
   Json json = Json::array();
   std::vector<Line> lines{table.columns};
   for (const std::vector<Value>& row : table.rows) {
@@ -101,15 +110,15 @@ void write(std::ostream& out, const Table& table, Format format) {
 
 std::string text_of(const Value& value) { return std::visit(ToText{}, value); }
 
-std::string json_of(const Value& value) { return escaped(std::visit(ToJson{}, value).dump()); }
+std::string json_of(const Value& value) { return escape_controls(std::visit(ToJson{}, value).dump()); }
 
 std::string one_line(std::string text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
     if (byte < 0x20 || byte == 0x7F) text[i] = ' ';
-    // U+0080 to U+009F, which terminals obey too.
-    if (byte == 0xC2 && i + 1 < text.size() && continues_character(text[i + 1]) &&
-        static_cast<unsigned char>(text[i + 1]) < 0xA0) {
+    // Terminals also obey U+0080 to U+009F.
+    const char next = i + 1 < text.size() ? text[i + 1] : '\0';
+    if (byte == 0xC2 && continues_character(next) && static_cast<unsigned char>(next) < 0xA0) {
       text.replace(i, 2, " ");
     }
   }
@@ -118,7 +127,7 @@ std::string one_line(std::string text) {
 
 bool is_utf8(const std::string& text) {
   try {
-    (void)Json(text).dump();
+    (void)Json(text).dump();  // raises an exception for invalid UTF-8
   } catch (const Json::exception&) {
     return false;
   }

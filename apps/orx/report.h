@@ -1,4 +1,4 @@
-// What the commands show, for people and for programs.
+// The output of the commands: aligned text for people, or JSON for programs.
 #pragma once
 
 #include <cstddef>
@@ -13,39 +13,40 @@ namespace orx::cli {
 
 enum class Format { kText, kJson };
 
-// For people an unknown value is "-", and a table marks what is true with "*". Numbers that JSON does not
-// know are texts there.
+// In text, a monostate (an unknown value) is "-", true is "*" and false is blank. In JSON, numbers that are
+// not finite are strings.
 using Value = std::variant<std::monostate, bool, int, std::int64_t, double, std::string>;
 using Record = std::vector<std::pair<std::string, Value>>;
 
 struct Table {
   std::vector<std::string> columns;
-  std::vector<std::vector<Value>> rows;  // as many values as there are columns
+  std::vector<std::vector<Value>> rows;  // each with one value per column
 };
 
-void write(std::ostream& out, const Record& record, Format format);
-void write(std::ostream& out, const Table& table, Format format);
+void write_record(std::ostream& out, const Record& record, Format format);
+void write_table(std::ostream& out, const Table& table, Format format);
 
-// Lines of cells, aligned. A cell that is very long only moves what follows in its own line.
+// Writes lines of cells in aligned columns. A very long cell does not widen its column; it only shifts the
+// rest of its own line.
 using Line = std::vector<std::string>;
 void write_aligned(std::ostream& out, const std::vector<Line>& lines);
 
-// For people, in one line.
+// The value as text in one line.
 std::string text_of(const Value& value);
 
-// For programs, without line ends.
+// The value as JSON without line ends.
 std::string json_of(const Value& value);
 
-// How many characters a UTF-8 text has.
+// The number of characters of a UTF-8 text.
 std::size_t width_of(const std::string& text);
 
-// The text with a blank for every control character: what a file says cannot break a line or steer a
-// terminal.
+// Returns the text with a space for every control character, so that text from a file cannot break a line or
+// send commands to the terminal.
 std::string one_line(std::string text);
 
 bool is_utf8(const std::string& text);
 
-// Whether it is UTF-8 without control characters.
+// True if the text is UTF-8 without control characters.
 bool is_plain(const std::string& text);
 
 }  // namespace orx::cli

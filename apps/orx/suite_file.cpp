@@ -11,7 +11,8 @@
 namespace orx::cli {
 namespace {
 
-using PathBuffer = std::array<char, 4096>;
+constexpr std::size_t kPathSize = 4096;
+using PathBuffer = std::array<char, kPathSize>;
 
 Failure last_failure(const CProjectFile& document, const std::string& file) {
   CStringA reason;
@@ -38,19 +39,20 @@ std::string native_path(const std::string& file) {
   return path.data();
 }
 
-bool exists(const std::string& file) {
+bool file_exists(const std::string& file) {
   std::error_code ignored;
   return std::filesystem::status(native_path(file), ignored).type() != std::filesystem::file_type::not_found;
 }
 
-void attach(CProjectFile& document, const std::string& file) {
+void set_file(CProjectFile& document, const std::string& file) {
   const std::string path = suite_path(file);
   document.SetFileName(path.c_str());
+  // The document trims the name, and would then use another file.
   if (document.GetFileName() != path) throw Failure(file, "the name of a file cannot end in white space");
 }
 
 void load(CProjectFile& document, const std::string& file) {
-  attach(document, file);
+  set_file(document, file);
   if (document.Load() == 0) throw last_failure(document, file);
 }
 

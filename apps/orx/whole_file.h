@@ -1,4 +1,4 @@
-// Files read and written at once. Raises Failure, which names the file as it was typed.
+// Reads and writes whole files. All functions raise Failure, which names the file as it was typed.
 #pragma once
 
 #include <string>
@@ -7,8 +7,9 @@ namespace orx::cli {
 
 std::string read_file(const std::string& file);
 
-// A failure leaves the file as it was: the text goes into a temporary file beside it, which takes its place
-// and its permissions. A link leads to the file that is replaced. A device or a pipe is written to.
+// Writes the text to a temporary file in the same folder, which then replaces the file and keeps its
+// permissions. A failure leaves the old file as it was. A link stays, and its target is replaced. A device or
+// a pipe is written directly.
 void replace_file(const std::string& file, const std::string& text);
 
 }  // namespace orx::cli

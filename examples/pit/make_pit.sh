@@ -1,7 +1,7 @@
 #!/bin/sh
 # Writes the surface of an open pit as Wavefront OBJ: benches, and a ramp that winds down through their faces, three
-# benches in a turn. On each of the rays to the centre lie the ground, then of each bench its crest, the outer and
-# the inner side of the ramp (in one place where there is none) and its toe; the last toe is the edge of the floor.
+# benches in a turn. The points on each ray to the centre are the ground, and for each bench its crest, the outer and the
+# inner side of the ramp (the same point where there is no ramp) and its toe. The last toe is the edge of the floor.
 LC_ALL=C exec awk 'BEGIN {
   rays = 48; benches = 7; height = 12; face = 7; berm = 6; ramp = 14
   for (i = 1; i <= rays; ++i) {
@@ -11,7 +11,7 @@ LC_ALL=C exec awk 'BEGIN {
     put(260 - 12 * cos(4 * pi() * turn), 1200 + 5 * sin(2 * pi() * turn) + 3 * cos(6 * pi() * turn))
     for (k = 0; k < benches; ++k) {
       top = 1200 - k * height
-      down = 3 * turn - k  # how far down the face the ramp is here, in heights of it
+      down = 3 * turn - k  # how far down the face the ramp is here, as a fraction
       while (down <= 0) down += 3
       while (down > 3) down -= 3
       width = down <= 1 ? ramp : 0

@@ -1,5 +1,5 @@
-// A host that happens to have functions of the library's names, and exports them: neither side reaches the
-// other's. It also sees when the library reads the environment, and makes its memory run out.
+// A host that exports functions with names of the library. The library must call its own functions, and the
+// host its own. The host also sees when the library reads the environment, and makes its memory run out.
 #include <dlfcn.h>
 #include <orx/compat/variant.h>
 #include <orx/orx.h>
@@ -12,18 +12,31 @@
 
 namespace {
 
-int own_calls = 0, shown = 0, looked_up = 0;
+int own_calls = 0;
+int callback_calls = 0;
+int environment_reads = 0;
 bool has_memory = true;
 
-int fail(const char* what) { return std::fprintf(stderr, "%s\n", what), 1; }
+int fail(const char* reason) {
+  std::fprintf(stderr, "%s\n", reason);
+  return 1;
+}
+
+char* count_call(char* text) {
+  ++own_calls;
+  return text;
+}
 
 }  // namespace
 
-char* trim(char* s) { return ++own_calls, s; }
-char* trimt(char* s) { return ++own_calls, s; }
+char* trim(char* s) { return count_call(s); }
+char* trimt(char* s) { return count_call(s); }
 void ShowError(const char*) { ++own_calls; }
 void SysFreeString(BSTR) { ++own_calls; }
-ORX_API char* getenv(const char*) noexcept { return ++looked_up, nullptr; }
+ORX_API char* getenv(const char*) noexcept {
+  ++environment_reads;
+  return nullptr;
+}
 ORX_API void* operator new(std::size_t size) {
   if (void* memory = has_memory ? std::malloc(size) : nullptr) return memory;
   errno = ENOMEM;
@@ -48,21 +61,21 @@ int main() {
   VariantClear(&value);
   if (std::strcmp(text, "pit") != 0 || own_calls != 0) return fail("the library calls the host");
 
-  SetShowErrorCallback([](const char*) { ++shown; });
+  SetShowErrorCallback([](const char*) { ++callback_calls; });
   ShowError("");
   trim(text);
-  if (own_calls != 2 || shown != 0) return fail("the host does not reach its own functions");
+  if (own_calls != 2 || callback_calls != 0) return fail("the host does not reach its own functions");
 
   // Another thread may change the environment from here on.
   setenv("ORX_USER_REGISTRY", "/dev/null", 1);
   orx_environment_changed();
-  looked_up = 0;
+  environment_reads = 0;
   int value_read = 0;
   hvk_RegReadInt(nullptr, nullptr, nullptr, nullptr, "x", &value_read);
   IXMLDOMElement* root = nullptr;
   COrxXMLDoc().SetXMLText(&root, "<a/>");
   if (root != nullptr) root->Release();
-  if (looked_up != 0) return fail("the environment is read once more");
+  if (environment_reads != 0) return fail("the environment is read once more");
 
   errno = 77;
   has_memory = false;
@@ -71,5 +84,6 @@ int main() {
   if (result != -1 || errno != 77) return fail("a setting that has no memory changes errno");
 
   library_show_error("");
-  return shown == 1 && own_calls == 2 ? 0 : fail("the library's ShowError does not reach the callback");
+  return callback_calls == 1 && own_calls == 2 ? 0
+                                               : fail("the library's ShowError does not reach the callback");
 }

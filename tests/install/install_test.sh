@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# install_test.sh BUILD LIBDIR COMPILER FLAGS: an installed library that was moved is found by a stranger's CMake project
-# and by pkg-config, its headers are those that orx.h needs, and the installed host finds its library.
+# install_test.sh BUILD LIBDIR COMPILER FLAGS: another CMake project and pkg-config find an installed library that was
+# moved, the installed headers are those that orx.h includes, and the installed host finds its library.
 set -euo pipefail
 build=$1 libdir=$2 compiler=$3 flags=$4
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)

@@ -17,12 +17,15 @@ namespace orx::cli {
 namespace {
 
 constexpr double kPi = 3.141592653589793;
+constexpr int kUnreadable = -1;  // a result of orxdb_StrToVal
 
-int mode_of(const AngleArguments& arguments) { return find_type(Among::kAngles, arguments.mode)->number; }
+int mode_of(const AngleArguments& arguments) {
+  return find_field_type(FieldTypes::kAngles, arguments.mode)->number;
+}
 
 Record angle_record(double radians) { return {{"Radians", radians}, {"Degrees", radians / kPi * 180}}; }
 
-// A value of the field's type, or null when no limit is given.
+// A limit as bytes of the field's type. Get returns null when no limit was given.
 class Limit {
  public:
   Limit(const FieldType& type, const std::string& option, const std::optional<std::string>& text)
@@ -30,9 +33,9 @@ class Limit {
     if (!is_given_) return;
     if (type.kind.read_limit == nullptr) throw UsageError(option + ": " + type.name + " has no limits");
     if (!type.kind.read_limit(*text, bytes_.data()))
-      throw UsageError(option + ": '" + *text + "' is no " + type.name);
+      throw UsageError(option + ": '" + *text + "' is not a valid " + type.name);
   }
-  const void* get() const { return is_given_ ? bytes_.data() : nullptr; }
+  const void* Get() const { return is_given_ ? bytes_.data() : nullptr; }
 
  private:
   bool is_given_;
@@ -50,7 +53,7 @@ std::string special_name(int code) {
   return kNames[code];
 }
 
-// The year in full and first, whatever the order was that it was read in.
+// Year, month, day with four digits for the year, in whatever order the text was read.
 Value date_text(const ValueKind& kind, const Imported& imported) {
   if (imported.result != 0 || imported.special != orxdbOrdinary) return {};
   const orxDateTime moment{std::get<double>(imported.value), orxYearMonthDay,
@@ -74,41 +77,42 @@ Record field_record(const ValueKind& kind, const Imported& imported) {
 void angle_read(const AngleArguments& arguments, std::ostream& out) {
   const double radians =
       zel_convert_str_to_ang(mode_of(arguments), arguments.text.c_str(), static_cast<int>(arguments.packed));
-  write(out, angle_record(radians), arguments.format);
+  write_record(out, angle_record(radians), arguments.format);
 }
 
 void angle_write(const AngleArguments& arguments, std::ostream& out) {
   double radians = 0;
-  if (!read_number(arguments.text, radians)) throw Failure(arguments.text, "it is no number");
+  if (!read_number(arguments.text, radians)) throw Failure(arguments.text, "it is not a number");
   if (arguments.degrees) radians = radians / 180 * kPi;
   std::array<char, ORX_ANGLE_TEXT_SIZE> text{};
   zel_convert_ang_to_str(mode_of(arguments), radians, static_cast<int>(arguments.packed), text.data());
   if (arguments.format == Format::kJson) {
     Record shown = angle_record(radians);
     shown.emplace_back("Text", text.data());
-    return write(out, shown, Format::kJson);
+    return write_record(out, shown, Format::kJson);
   }
   out << text.data() << '\n';
 }
 
-void field(const FieldArguments& arguments, std::ostream& out) {
-  const FieldType& type = *find_type(Among::kTypes, arguments.type);
+void field_show(const FieldArguments& arguments, std::ostream& out) {
+  const FieldType& type = *find_field_type(FieldTypes::kAll, arguments.type);
   const Limit low(type, "--low", arguments.low);
   const Limit high(type, "--high", arguments.high);
-  // More than the text or a value needs makes no difference.
+  // A size larger than the text and the largest value changes nothing, so the buffer needs no more.
   constexpr std::size_t kValueSize = ORX_FIELD_VALUE_SIZE;
   std::string bytes(std::max(arguments.text.size() + 1, kValueSize), '\0');
   const int size = std::min(arguments.size, static_cast<int>(bytes.size()));
   Imported imported{};
   imported.result =
-      orxdb_StrToVal(arguments.text.c_str(), low.get(), high.get(), type.number,
+      orxdb_StrToVal(arguments.text.c_str(), low.Get(), high.Get(), type.number,
                      arguments.subtype.value_or(type.kind.subtype), size, &imported.special, bytes.data());
   imported.value = type.kind.value(bytes.data());
-  write(out, field_record(type.kind, imported), arguments.format);
+  write_record(out, field_record(type.kind, imported), arguments.format);
   if (imported.result == 0) return;
-  throw Failure(arguments.text, imported.result == -1
-                                    ? std::string("it is not ") + type.kind.expected
-                                    : "it does not fit into " + std::to_string(size) + " bytes");
+  if (imported.result == kUnreadable) {
+    throw Failure(arguments.text, std::string("it is not ") + type.kind.expected);
+  }
+  throw Failure(arguments.text, "it does not fit into " + std::to_string(size) + " bytes");
 }
 
 }  // namespace orx::cli

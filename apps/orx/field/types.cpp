@@ -24,7 +24,7 @@ Value integer_value(const char* bytes) { return from_memory<std::int32_t>(bytes)
 
 template <class Number>
 Value number_value(const char* bytes) {
-  return as_written(from_memory<Number>(bytes));
+  return double_of_digits(from_memory<Number>(bytes));
 }
 
 Value text_value(const char* bytes) { return bytes; }
@@ -75,23 +75,26 @@ constexpr FieldType kTypes[] = {
     {"number", orxdbNumber, kNumber},
 };
 
-bool is_among(Among among, const FieldType& type) { return among == Among::kTypes || &type.kind == &kAngle; }
+// Angles share one ValueKind, so its address identifies them.
+bool belongs_to(FieldTypes among, const FieldType& type) {
+  return among == FieldTypes::kAll || &type.kind == &kAngle;
+}
 
 }  // namespace
 
-const FieldType* find_type(Among among, const std::string& name_or_number) {
+const FieldType* find_field_type(FieldTypes among, const std::string& name_or_number) {
   int number = 0;
   read_number(name_or_number, number);
   const FieldType* const found = std::ranges::find_if(kTypes, [&](const FieldType& type) {
-    return is_among(among, type) && (type.number == number || type.name == name_or_number);
+    return belongs_to(among, type) && (type.number == number || type.name == name_or_number);
   });
   return found != std::end(kTypes) ? found : nullptr;
 }
 
-std::string type_names(Among among) {
+std::string field_type_names(FieldTypes among) {
   std::string names;
   for (const FieldType& type : kTypes) {
-    if (is_among(among, type)) names.append(names.empty() ? "" : ", ").append(type.name);
+    if (belongs_to(among, type)) names.append(names.empty() ? "" : ", ").append(type.name);
   }
   return names;
 }

@@ -1,4 +1,4 @@
-// The types of database fields by name or by number. Those that are angles are the notations of angles too.
+// The types of database fields by name or by number. Angle types are also the notations of angles.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,13 @@
 
 namespace orx::cli {
 
-// How values lie in a field.
+// How the value of a field is stored, read and shown.
 struct ValueKind {
   Value (*value)(const char* bytes);
-  bool (*read_limit)(const std::string& text, char* bytes);  // null when values are not below or above limits
-  const char* expected;                                      // null when a text cannot fail to be read
-  int subtype;                                               // what an import has, unless told otherwise
-  int date_kind;                                             // of orxDateTime, or 0
+  bool (*read_limit)(const std::string& text, char* bytes);  // null for a type without limits
+  const char* expected;                                      // null if every text can be read
+  int subtype;                                               // the default of an import
+  int date_kind;                                             // an orxDateTime kind, or 0
 };
 
 struct FieldType {
@@ -23,12 +23,12 @@ struct FieldType {
   const ValueKind& kind;
 };
 
-enum class Among { kTypes, kAngles };
+enum class FieldTypes { kAll, kAngles };
 
-// Null when it is none of them.
-const FieldType* find_type(Among among, const std::string& name_or_number);
+// Returns null when no type has this name or number.
+const FieldType* find_field_type(FieldTypes among, const std::string& name_or_number);
 
-// "integer, float, ..."
-std::string type_names(Among among);
+// The names of the types, as "integer, float, ..."
+std::string field_type_names(FieldTypes among);
 
 }  // namespace orx::cli

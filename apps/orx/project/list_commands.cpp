@@ -34,21 +34,21 @@ void list_show(const ListArguments& arguments, std::ostream& out) {
   for (int more = list.GetFirstProject(name, path); more != 0; more = list.GetNextProject(name, path)) {
     table.rows.push_back({name.GetString(), default_name == name.GetString(), path.GetString()});
   }
-  write(out, table, arguments.format);
+  write_table(out, table, arguments.format);
 }
 
 void list_add(const ListArguments& arguments, std::ostream&) {
   CQPLFile list;
-  if (exists(arguments.file)) {
+  if (file_exists(arguments.file)) {
     load(list, arguments.file);
   } else {
-    attach(list, arguments.file);
+    set_file(list, arguments.file);
   }
-  // The white space around names and paths is lost when a list is read.
+  // Reading a list trims names and paths, so what is written must be trimmed.
   const CStringA name = CStringA(arguments.name.c_str()).Trim();
   const CStringA path = CStringA(suite_path(arguments.path).c_str()).Trim();
   if (name.IsEmpty()) throw Failure(arguments.file, "the name of a project cannot be blank");
-  // Saving a list leaves out what XML cannot hold, without a word.
+  // XML cannot contain other characters, and saving a list drops them silently.
   if (!is_plain(name.GetString()) || !is_plain(path.GetString())) {
     throw Failure(arguments.file, "names and paths are UTF-8 text without control characters");
   }
@@ -73,7 +73,7 @@ void list_default(const ListArguments& arguments, std::ostream& out) {
   if (arguments.name.empty() && !arguments.no_default) {
     const std::string name = default_of(list);
     if (arguments.format == Format::kJson) {
-      write(out, Record{{"Default", name.empty() ? Value{} : name}}, Format::kJson);
+      write_record(out, Record{{"Default", name.empty() ? Value{} : name}}, Format::kJson);
     } else if (!name.empty()) {
       out << one_line(name) << '\n';
     }

@@ -22,7 +22,7 @@ std::vector<Value> row_of(const CStringA& long_name, const CStringA& short_name)
 
 }  // namespace
 
-void platforms(const PlatformArguments& arguments, std::ostream& out) {
+void platforms_show(const PlatformArguments& arguments, std::ostream& out) {
   CAtlArray<CStringA> long_names;
   CAtlArray<CStringA> short_names;
   CDbPlatformUtil::GetPlatformNameList(&long_names, 1);
@@ -31,7 +31,7 @@ void platforms(const PlatformArguments& arguments, std::ostream& out) {
   for (std::size_t i = 0; i < long_names.GetCount(); ++i) {
     table.rows.push_back(row_of(long_names[i], short_names[i]));
   }
-  write(out, table, arguments.format);
+  write_table(out, table, arguments.format);
 }
 
 }  // namespace orx::cli

@@ -36,26 +36,26 @@ const char* version_state(CQPRFile& project) {
   }
 }
 
-// Empty for a valid project.
+// The first rule that the project breaks. Empty for a valid project.
 std::string problem_of(const std::string& file) {
   CQPRFile project;
   try {
     load(project, file);
   } catch (const Failure& failure) {
-    return failure.reason();
+    return failure.Reason();
   }
   CStringA message;
   project.Verify(message);
   return message.GetString();
 }
 
-// Loading needs two folders above a project file, or there is no base path.
+// A project file needs two folders above it, or it cannot be loaded: the upper folder is the base path.
 void require_base_path(const CQPRFile& project, const std::string& file) {
   const std::string path = project.GetFileName();
   const std::size_t file_name = path.rfind('\\');
   const std::size_t folder = file_name == 0 ? 0 : path.rfind('\\', file_name - 1);
   if (folder == std::string::npos || folder < 2) {
-    throw Failure(file, "a project file needs a folder within a folder to lie in");
+    throw Failure(file, "a project file needs two folders above it");
   }
 }
 
@@ -65,7 +65,7 @@ void apply_settings(CQPRFile& project, const ProjectArguments& arguments) {
   for (const std::string& setting : arguments.settings) {
     if (!set_property(info, setting, reason)) throw Failure(arguments.file, reason);
   }
-  // A JET database is a file, so its path may have been given as the system writes it.
+  // A JET database is a file, so it may be given by a path of the system.
   const std::string database = info.SiteDatabase;
   if (project.IsJETPlatform() != 0 && database.find('/') != std::string::npos &&
       !set_property(info, "SiteDatabase=" + suite_path(database), reason)) {
@@ -73,8 +73,8 @@ void apply_settings(CQPRFile& project, const ProjectArguments& arguments) {
   }
 }
 
-// A project that is not valid is never written: no host could load it, and a platform that the catalogue does
-// not know would be lost.
+// Never writes an invalid project: no host could load it, and a platform that the catalogue does not contain
+// would be lost.
 void save_valid(CQPRFile& project, const std::string& file) {
   CStringA message;
   if (project.Verify(message) == 0) throw Failure(file, message.GetString());
@@ -84,7 +84,8 @@ void save_valid(CQPRFile& project, const std::string& file) {
 }  // namespace
 
 void project_show(const ProjectArguments& arguments, std::ostream& out) {
-  // Loaded in the place of the current project, but not verified: a broken project is shown too.
+  // ProjectSetting_GetSiteProjectDatagroupN reads the current project. Load does not verify it, so an invalid
+  // project is shown as well.
   CQPRFile& project = *GetCurrentQPRInfo();
   load(project, arguments.file);
   std::array<char, sizeof(QPRInfo)> site_project_datagroup{};
@@ -100,15 +101,16 @@ void project_show(const ProjectArguments& arguments, std::ostream& out) {
                                {"VersionState", version_state(project)},
                                {"ProjectBasePath", info.ProjectBasePath},
                                {"SiteProjectDatagroup", site_project_datagroup.data()}});
-  write(out, record, arguments.format);
+  write_record(out, record, arguments.format);
 }
 
 void project_verify(const ProjectArguments& arguments, std::ostream& out) {
   const std::string problem = problem_of(arguments.file);
   const bool valid = problem.empty();
   if (arguments.format == Format::kJson) {
-    write(out, Record{{"File", arguments.file}, {"Valid", valid}, {"Reason", valid ? Value{} : problem}},
-          Format::kJson);
+    write_record(out,
+                 Record{{"File", arguments.file}, {"Valid", valid}, {"Reason", valid ? Value{} : problem}},
+                 Format::kJson);
   } else if (valid) {
     out << one_line(arguments.file) << ": valid\n";
   }
@@ -117,13 +119,13 @@ void project_verify(const ProjectArguments& arguments, std::ostream& out) {
 
 void project_new(const ProjectArguments& arguments, std::ostream&) {
   CQPRFile project;
-  attach(project, arguments.file);
+  set_file(project, arguments.file);
   require_base_path(project, arguments.file);
-  if (!arguments.overwrite && exists(arguments.file)) {
+  if (!arguments.overwrite && file_exists(arguments.file)) {
     throw Failure(arguments.file, "the file exists; --force replaces it");
   }
   project.InitProjectVersion();
-  project.GetQPRInfo()->SiteDatabasePlatform = -1;  // so that a project without a platform is refused
+  project.GetQPRInfo()->SiteDatabasePlatform = -1;  // without a platform the project is invalid
   apply_settings(project, arguments);
   save_valid(project, arguments.file);
 }

@@ -13,11 +13,11 @@ namespace {
 using TextField = std::span<char> (*)(QPRInfo& info);
 using NumberField = int& (*)(QPRInfo& info);
 
-// A property has a text or a number; the platform's number is written as a name.
+// A property is a text or a number. The platform is neither: it is stored as a number and written as a name.
 struct Property {
   const char* name;
   TextField text;
-  std::size_t length;  // of the longest text in characters
+  std::size_t length;  // of the longest text, in characters
   NumberField number;
 };
 
@@ -54,7 +54,7 @@ Value platform_name(CQPRFile& project) {
 bool set_text(std::span<char> field, std::size_t length, const std::string& value, std::string& reason) {
   if (width_of(value) > length || value.size() >= field.size()) {
     reason =
-        "takes " + std::to_string(length) + " characters at most, not " + std::to_string(width_of(value));
+        "takes at most " + std::to_string(length) + " characters, not " + std::to_string(width_of(value));
     return false;
   }
   std::ranges::fill(std::ranges::copy(value, field.begin()).out, field.end(), '\0');
@@ -103,9 +103,14 @@ bool set_property(QPRInfo& info, const std::string& setting, std::string& reason
     return false;
   }
   std::string why;
-  const bool done = property->text != nullptr ? set_text(property->text(info), property->length, value, why)
-                    : property->number != nullptr ? set_number(property->number(info), value, why)
-                                                  : set_platform(info.SiteDatabasePlatform, value, why);
+  bool done = false;
+  if (property->text != nullptr) {
+    done = set_text(property->text(info), property->length, value, why);
+  } else if (property->number != nullptr) {
+    done = set_number(property->number(info), value, why);
+  } else {
+    done = set_platform(info.SiteDatabasePlatform, value, why);
+  }
   if (!done) reason = std::string(property->name) + ' ' + why;
   return done;
 }

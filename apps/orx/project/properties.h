@@ -9,11 +9,11 @@
 
 namespace orx::cli {
 
-// In the order of the file.
+// All properties in the order of the project file.
 Record properties_of(CQPRFile& project);
 
-// Carries out NAME=VALUE; false, with the reason and the record unchanged, for a name or value that is
-// refused.
+// Applies NAME=VALUE to the record. For an unknown name or an invalid value it returns false, sets `reason`
+// and leaves the record unchanged.
 bool set_property(QPRInfo& info, const std::string& setting, std::string& reason);
 
 }  // namespace orx::cli

@@ -16,11 +16,11 @@
 namespace orx::cli {
 namespace {
 
-constexpr std::size_t kMostDigitsListed = 64;
+constexpr std::size_t kMaxDigitsListed = 64;  // more digits are cut in a list
 
-// An int of the suite, which a dword is as often as not.
+// The suite stores ints as dwords. Returns a note with the signed value of a dword that may be negative.
 std::string signed_note(const StoredValue& value) {
-  Value data = form_of(value).data;
+  Value data = lossless_data_of(value).data;
   const auto* const number = std::get_if<std::int64_t>(&data);
   if (number == nullptr || value.type != REG_DWORD || *number <= std::numeric_limits<std::int32_t>::max())
     return {};
@@ -28,15 +28,15 @@ std::string signed_note(const StoredValue& value) {
 }
 
 std::string listed_data(const StoredValue& value) {
-  std::string data = shown_data(value);
-  if (value.type != REG_SZ && data.size() > kMostDigitsListed) {
-    data.resize(kMostDigitsListed);
+  std::string data = display_text_of(value);
+  if (value.type != REG_SZ && data.size() > kMaxDigitsListed) {
+    data.resize(kMaxDigitsListed);
     data += "... (" + std::to_string(value.bytes.size()) + " bytes)";
   }
   return data + signed_note(value);
 }
 
-void list(std::ostream& out, const Tree& tree, const std::string& indent) {
+void print_tree(std::ostream& out, const Tree& tree, const std::string& indent) {
   std::vector<Line> lines;
   for (const StoredValue& value : tree.values) {
     const std::string name = value.name.empty() ? "(default)" : one_line(value.name);
@@ -45,7 +45,7 @@ void list(std::ostream& out, const Tree& tree, const std::string& indent) {
   write_aligned(out, lines);
   for (const Tree& key : tree.keys) {
     out << indent << one_line(key.name) << "\\\n";
-    list(out, key, indent + "  ");
+    print_tree(out, key, indent + "  ");
   }
 }
 
@@ -55,24 +55,25 @@ std::size_t levels_of(const KeyName& key) {
 
 KeyName key_of(const TreeDocument& document, const std::string& file) {
   try {
-    return key_named(document.key);
+    return parse_key(document.key);
   } catch (const Failure& failure) {
-    throw Failure(file, "at /key: " + failure.reason());
+    throw Failure(file, "at /key: " + failure.Reason());
   }
 }
 
 }  // namespace
 
 void registry_get(const RegistryArguments& arguments, std::ostream& out) {
-  const KeyName key = key_named(arguments.key);
+  const KeyName key = parse_key(arguments.key);
   const StoredValue value = read_value(key, arguments.value.value_or(""));
-  Form form = form_of(value);
-  std::string text = shown_data(value);
+  LosslessData form = lossless_data_of(value);
+  std::string text = display_text_of(value);
   if (!arguments.type.empty()) {
     std::string reason;
     form.type = arguments.type;
-    if (!data_as(arguments.type, value, form.data, reason)) {
-      throw Failure(key.full, (value.name.empty() ? "the default value " : "'" + value.name + "' ") + reason);
+    if (!convert_data(arguments.type, value, form.data, reason)) {
+      const std::string name = value.name.empty() ? "the default value" : "'" + value.name + '\'';
+      throw Failure(key.full, name + ' ' + reason);
     }
     text = text_of(form.data);
   }
@@ -80,12 +81,12 @@ void registry_get(const RegistryArguments& arguments, std::ostream& out) {
     out << text << '\n';
     return;
   }
-  write(out, Record{{"Key", key.full}, {"Name", value.name}, {"Type", form.type}, {"Data", form.data}},
-        Format::kJson);
+  write_record(out, Record{{"Key", key.full}, {"Name", value.name}, {"Type", form.type}, {"Data", form.data}},
+               Format::kJson);
 }
 
 void registry_set(const RegistryArguments& arguments, std::ostream&) {
-  const KeyName key = key_named(arguments.key);
+  const KeyName key = parse_key(arguments.key);
   StoredValue value{arguments.value.value_or(""), REG_NONE, {}};
   std::string reason;
   if (!value_from_text(arguments.type.empty() ? "string" : arguments.type, arguments.data, value, reason)) {
@@ -95,15 +96,15 @@ void registry_set(const RegistryArguments& arguments, std::ostream&) {
 }
 
 void registry_list(const RegistryArguments& arguments, std::ostream& out) {
-  const KeyName key = key_named(arguments.key);
+  const KeyName key = parse_key(arguments.key);
   const Tree tree = read_tree(key);
   if (arguments.format == Format::kJson) return write_json(out, key, tree);
   out << one_line(key.full) << '\n';
-  list(out, tree, "  ");
+  print_tree(out, tree, "  ");
 }
 
 void registry_delete(const RegistryArguments& arguments, std::ostream&) {
-  const KeyName key = key_named(arguments.key);
+  const KeyName key = parse_key(arguments.key);
   if (arguments.value) return delete_value(key, *arguments.value);
   if (key.path.empty() || CStringA(key.path.c_str()).CompareNoCase("Software") == 0) {
     throw Failure(key.full, "this key cannot be deleted");
@@ -111,11 +112,11 @@ void registry_delete(const RegistryArguments& arguments, std::ostream&) {
   if (!arguments.tree && has_sub_keys(key)) throw Failure(key.full, "the key has sub-keys (use --tree)");
   const LSTATUS status =
       arguments.tree ? SHDeleteKeyA(key.root, key.path.c_str()) : RegDeleteKeyA(key.root, key.path.c_str());
-  if (status != ERROR_SUCCESS) throw refusal(key, status, Use::kWrite);
+  if (status != ERROR_SUCCESS) throw registry_failure(key, status, Use::kWrite);
 }
 
 void registry_export(const RegistryArguments& arguments, std::ostream& out) {
-  const KeyName key = key_named(arguments.key);
+  const KeyName key = parse_key(arguments.key);
   const Tree tree = read_tree(key);
   if (arguments.file.empty()) return write_json(out, key, tree);
   std::ostringstream document;
@@ -125,9 +126,9 @@ void registry_export(const RegistryArguments& arguments, std::ostream& out) {
 
 void registry_import(const RegistryArguments& arguments, std::ostream&) {
   const TreeDocument document = read_json(read_file(arguments.file), arguments.file);
-  const KeyName key = arguments.key.empty() ? key_of(document, arguments.file) : key_named(arguments.key);
+  const KeyName key = arguments.key.empty() ? key_of(document, arguments.file) : parse_key(arguments.key);
   if (levels_of(key) + document.depth > kDeepestLevel) {
-    throw Failure(arguments.file, "its keys would lie too deep in " + key.full);
+    throw Failure(arguments.file, "its keys would be nested too deeply below " + key.full);
   }
   write_tree(key, document.tree);
 }

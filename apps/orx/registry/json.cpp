@@ -17,20 +17,20 @@ namespace {
 
 using Json = nlohmann::json;
 
-std::string quoted(const std::string& text, const KeyName& key) {
+std::string quote_name(const std::string& text, const KeyName& key) {
   if (!is_utf8(text)) throw Failure(key.full, "a name is not UTF-8 text: '" + text + "'");
   return json_of(text);
 }
 
 std::string value_json(const StoredValue& value) {
-  const Form form = form_of(value);
+  const LosslessData form = lossless_data_of(value);
   return "{\"type\": " + json_of(form.type) + ", \"data\": " + json_of(form.data) + '}';
 }
 
-// Members of an object, each on a line of its own.
-class Members {
+// Writes nested objects with one member per line. The caller closes every object that it opens.
+class ObjectWriter {
  public:
-  Members(std::ostream& out, const KeyName& key) : out_(out), key_(key) {}
+  ObjectWriter(std::ostream& out, const KeyName& key) : out_(out), key_(key) {}
 
   void Open() {
     out_ << '{';
@@ -38,7 +38,7 @@ class Members {
     is_first_ = true;
   }
   std::ostream& Put(const std::string& name) {
-    out_ << (is_first_ ? "\n" : ",\n") << indent_ << quoted(name, key_) << ": ";
+    out_ << (is_first_ ? "\n" : ",\n") << indent_ << quote_name(name, key_) << ": ";
     is_first_ = false;
     return out_;
   }
@@ -56,30 +56,32 @@ class Members {
   bool is_first_ = true;
 };
 
-void put(Members& members, const Tree& tree) {
+void write_members(ObjectWriter& writer, const Tree& tree) {
   if (!tree.values.empty()) {
-    members.Put("values");
-    members.Open();
-    for (const StoredValue& value : tree.values) members.Put(value.name) << value_json(value);
-    members.Close();
+    writer.Put("values");
+    writer.Open();
+    for (const StoredValue& value : tree.values) writer.Put(value.name) << value_json(value);
+    writer.Close();
   }
   if (tree.keys.empty()) return;
-  members.Put("keys");
-  members.Open();
+  writer.Put("keys");
+  writer.Open();
   for (const Tree& key : tree.keys) {
-    members.Put(key.name);
-    members.Open();
-    put(members, key);
-    members.Close();
+    writer.Put(key.name);
+    writer.Open();
+    write_members(writer, key);
+    writer.Close();
   }
-  members.Close();
+  writer.Close();
 }
 
-constexpr std::size_t kLongestReason = 300;  // the parser repeats what it read
+constexpr std::size_t kLongestReason = 300;  // the parser quotes its input, which may be long
+// Two objects for each level of keys, plus the document, the values of a key, one value, and a spare level.
 constexpr std::size_t kDeepestNesting = 2 * kDeepestLevel + 4;
 
-// Refuses what a parsed document does not tell any more: two names in an object that the registry takes for
-// one, and a name that goes on behind a NUL, would silently lose a value.
+// Refuses errors that a parsed document no longer shows: two names in an object that are the same for the
+// registry, and a name that contains a NUL, where the registry would cut it. Both would silently lose a
+// value. It also limits the nesting, since ReadKey is recursive.
 class NameCheck : public nlohmann::json_sax<Json> {
  public:
   explicit NameCheck(std::string file) : file_(std::move(file)) {}
@@ -87,7 +89,7 @@ class NameCheck : public nlohmann::json_sax<Json> {
   bool key(string_t& name) override {
     Require(name.find('\0') == string_t::npos, "a name contains a NUL");
     Require(objects_.back().insert(name.c_str()).second,
-            "the name '" + name + "' stands twice in one object");
+            "the name '" + name + "' occurs twice in one object");
     return true;
   }
   bool start_object(std::size_t /*size*/) override { return Enter(); }
@@ -97,8 +99,8 @@ class NameCheck : public nlohmann::json_sax<Json> {
 
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
                    const nlohmann::detail::exception& error) override {
-    const std::string what = error.what();  // "[its number] what and where"
-    throw Failure(file_, "it is no JSON: " + what.substr(what.find(']') + 2, kLongestReason));
+    const std::string what = error.what();
+    throw Failure(file_, "it is not JSON: " + what.substr(what.find(']') + 2, kLongestReason));
   }
 
   bool null() override { return true; }
@@ -128,23 +130,24 @@ class NameCheck : public nlohmann::json_sax<Json> {
   }
 
   std::string file_;
-  std::vector<std::set<CStringA, Less>> objects_;  // the names of those that are open, and none of an array
+  std::vector<std::set<CStringA, Less>> objects_;  // the names in each open object; empty for an array
 };
 
-Json parse(const std::string& text, const std::string& file) {
+Json parse_json(const std::string& text, const std::string& file) {
   NameCheck check(file);
   Json::sax_parse(text, &check);
   return Json::parse(text);
 }
 
-class Reader {
+// Builds the tree from a parsed document. A place is the path of a member in the document, for messages.
+class DocumentReader {
  public:
-  explicit Reader(const std::string& file) : file_(file) {}
+  explicit DocumentReader(const std::string& file) : file_(file) {}
 
   TreeDocument ReadDocument(const Json& json) {
     TreeDocument document;
     document.tree = ReadKey({}, json, {}, 0);
-    if (const auto key = json.find("key"); key != json.end()) document.key = Text(*key, "/key");
+    if (const auto key = json.find("key"); key != json.end()) document.key = RequireText(*key, "/key");
     document.depth = depth_;
     return document;
   }
@@ -164,19 +167,19 @@ class Reader {
 
   void RequireName(const std::string& name, std::size_t longest, const std::string& place) const {
     Require(width_of(name) <= longest, place,
-            "a name has " + std::to_string(longest) + " characters at most");
+            "a name has at most " + std::to_string(longest) + " characters");
   }
 
-  const std::string& Text(const Json& json, const std::string& place) const {
+  const std::string& RequireText(const Json& json, const std::string& place) const {
     Require(json.is_string(), place, "a text is expected");
     const auto& text = json.get_ref<const std::string&>();
     Require(text.find('\0') == std::string::npos, place, "a text cannot contain a NUL");
     return text;
   }
 
-  // Visits the members of an object within an object, if there is one.
+  // Calls `visit` for each member of the object `name` in `json`, if there is one.
   template <class Visit>
-  void Each(const Json& json, const char* name, const std::string& place, Visit visit) const {
+  void ForEachMember(const Json& json, const char* name, const std::string& place, Visit visit) const {
     const auto found = json.find(name);
     if (found == json.end()) return;
     const std::string within = place + '/' + name;
@@ -187,17 +190,19 @@ class Reader {
   }
 
   Tree ReadKey(const std::string& name, const Json& json, const std::string& place, std::size_t depth) {
-    Require(depth <= kDeepestLevel, place, "the key lies too deep");
+    Require(depth <= kDeepestLevel, place, "the key is nested too deeply");
     RequireMembers(json, place, {"values", "keys", depth == 0 ? "key" : "keys"});
     depth_ = std::max(depth_, depth);
     Tree tree{name, {}, {}};
-    Each(json, "values", place, [&](const auto& value, const Json& content, const std::string& within) {
-      RequireName(value, ORX_REGISTRY_VALUE_NAME_LENGTH, within);
-      tree.values.push_back(ReadValue(value, content, within));
-    });
-    Each(json, "keys", place, [&](const auto& key, const Json& content, const std::string& within) {
+    ForEachMember(json, "values", place,
+                  [&](const auto& value, const Json& content, const std::string& within) {
+                    RequireName(value, ORX_REGISTRY_VALUE_NAME_LENGTH, within);
+                    tree.values.push_back(ReadValue(value, content, within));
+                  });
+    ForEachMember(json, "keys", place, [&](const auto& key, const Json& content, const std::string& within) {
       RequireName(key, ORX_REGISTRY_KEY_NAME_LENGTH, within);
-      Require(!key.empty() && key.find('\\') == std::string::npos, within, "the name of a key is one level");
+      Require(!key.empty() && key.find('\\') == std::string::npos, within,
+              "the name of a key cannot be empty or contain a backslash");
       tree.keys.push_back(ReadKey(key, content, within, depth + 1));
     });
     return tree;
@@ -209,7 +214,7 @@ class Reader {
     const Json& type = json["type"];
     const Json& data = json["data"];
     const std::string at_data = place + "/data";
-    if (type == "string") return {name, REG_SZ, string_bytes(Text(data, at_data))};
+    if (type == "string") return {name, REG_SZ, string_bytes(RequireText(data, at_data))};
     StoredValue value{name, REG_BINARY, {}};
     if (type == "dword") {
       value.type = REG_DWORD;
@@ -218,42 +223,42 @@ class Reader {
       return value;
     }
     if (type != "binary") value.type = TypeNumber(type, place + "/type");
-    Require(bytes_of_hex(Text(data, at_data), value.bytes), at_data,
+    Require(bytes_of_hex(RequireText(data, at_data), value.bytes), at_data,
             "hexadecimal digits are expected, two for each byte");
     return value;
   }
 
   DWORD TypeNumber(const Json& json, const std::string& place) const {
-    Require(is_dword(json), place, "\"string\", \"dword\", \"binary\" or the number of a type is expected");
+    Require(IsDword(json), place, "\"string\", \"dword\", \"binary\" or the number of a type is expected");
     return json.get<DWORD>();
   }
 
-  static bool is_dword(const Json& json) {
+  static bool IsDword(const Json& json) {
     return json.is_number_unsigned() && json.get<std::uint64_t>() <= std::numeric_limits<DWORD>::max();
   }
 
   static bool ReadDword(const Json& json, std::string& bytes) {
     const bool is_negative = json.is_number_integer() && !json.is_number_unsigned();
-    return (is_negative || is_dword(json)) && dword_bytes(json.get<std::int64_t>(), bytes);
+    return (is_negative || IsDword(json)) && dword_bytes(json.get<std::int64_t>(), bytes);
   }
 
   const std::string& file_;
-  std::size_t depth_ = 0;
+  std::size_t depth_ = 0;  // of the deepest key so far
 };
 
 }  // namespace
 
 void write_json(std::ostream& out, const KeyName& key, const Tree& tree) {
-  Members members(out, key);
-  members.Open();
-  members.Put("key") << quoted(key.full, key);
-  put(members, tree);
-  members.Close();
+  ObjectWriter writer(out, key);
+  writer.Open();
+  writer.Put("key") << quote_name(key.full, key);
+  write_members(writer, tree);
+  writer.Close();
   out << '\n';
 }
 
 TreeDocument read_json(const std::string& text, const std::string& file) {
-  return Reader(file).ReadDocument(parse(text, file));
+  return DocumentReader(file).ReadDocument(parse_json(text, file));
 }
 
 }  // namespace orx::cli

@@ -1,4 +1,4 @@
-// A key with all below it as a document:
+// A key and everything below it as a JSON document:
 //
 //   {
 //     "key": "HKCU\\Software\\A",
@@ -12,8 +12,9 @@
 //     }
 //   }
 //
-// One value a line and in the order of the names, so that two exports compare well. Nothing is lost: what the
-// words string, dword and binary don't tell is written as the number of its type with hexadecimal digits.
+// Values are in the order of their names and on one line each, so that two exports compare well. Nothing is
+// lost: a value that "string", "dword" and "binary" cannot represent exactly is written as the number of its
+// type with hexadecimal digits.
 #pragma once
 
 #include <ostream>
@@ -27,12 +28,12 @@ namespace orx::cli {
 void write_json(std::ostream& out, const KeyName& key, const Tree& tree);
 
 struct TreeDocument {
-  std::string key;  // empty if the document names none
+  std::string key;  // empty if the document has no key
   Tree tree;
   std::size_t depth = 0;  // levels below the key
 };
 
-// Raises Failure, which names the file and the place in the document, for all that is not as above and for
+// Raises Failure, which names the file and the place in the document, for a document of another form and for
 // names that the registry would refuse.
 TreeDocument read_json(const std::string& text, const std::string& file);
 

@@ -1,4 +1,5 @@
-// Keys of the registry with what they hold. What cannot be done raises Failure, which names the key.
+// Keys of the registry and their contents. Every function raises Failure, which names the key, when it cannot
+// do its work.
 #pragma once
 
 #include <orx/compat/hkey.h>
@@ -16,14 +17,14 @@ inline constexpr std::size_t kDeepestLevel = ORX_REGISTRY_DEPTH - 1;  // below t
 
 struct KeyName {
   HKEY root;
-  std::string path;  // below the root; empty: the root itself
-  std::string full;  // HKCU\... or HKLM\...
+  std::string path;  // below the root; empty for the root itself
+  std::string full;  // beginning with HKCU or HKLM, for messages
 };
 
-// From HKCU\..., HKEY_CURRENT_USER\..., HKLM\... or HKEY_LOCAL_MACHINE\..., in any letter case.
-KeyName key_named(const std::string& text);
+// Reads HKCU\..., HKEY_CURRENT_USER\..., HKLM\... or HKEY_LOCAL_MACHINE\..., in any letter case.
+KeyName parse_key(const std::string& text);
 
-// A key with all below it, in the order of the names.
+// A key and everything below it, in the order of the names.
 struct Tree {
   std::string name;
   std::vector<StoredValue> values;
@@ -32,17 +33,17 @@ struct Tree {
 
 enum class Use { kRead, kWrite };
 
-// Why the registry refused to use a key.
-Failure refusal(const KeyName& key, LSTATUS status, Use use);
+// The reason for an error of the registry, as a text about the key.
+Failure registry_failure(const KeyName& key, LSTATUS status, Use use);
 
 StoredValue read_value(const KeyName& key, const std::string& name);
-// The key is made if it is missing.
+// Creates the key if it is missing.
 void write_value(const KeyName& key, const StoredValue& value);
 void delete_value(const KeyName& key, const std::string& name);
 
 bool has_sub_keys(const KeyName& key);
 Tree read_tree(const KeyName& key);
-// Adds to what is there, and replaces the values of the same name; all or nothing.
+// Adds the tree to the key, and replaces values of the same name. A failure changes nothing.
 void write_tree(const KeyName& key, const Tree& tree);
 
 }  // namespace orx::cli

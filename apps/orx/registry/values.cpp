@@ -26,7 +26,8 @@ std::string hex_of(const std::string& bytes) {
 }
 
 int digit_of(char c) {
-  const char upper = c >= 'a' && c <= 'f' ? static_cast<char>(c - 'a' + 'A') : c;
+  const bool is_lower = c >= 'a' && c <= 'f';
+  const char upper = is_lower ? static_cast<char>(c - 'a' + 'A') : c;
   const std::size_t digit = kDigits.find(upper);
   return digit != std::string_view::npos ? static_cast<int>(digit) : -1;
 }
@@ -77,7 +78,7 @@ template <class Number>
 bool number_data(const std::string& bytes, Value& data) {
   Number number{};
   if (!from_memory(bytes, number)) return false;
-  data = as_written(number);
+  data = double_of_digits(number);
   return true;
 }
 
@@ -86,13 +87,14 @@ bool binary_data(const std::string& bytes, Value& data) {
   return true;
 }
 
-// A type as the command line names it. The first of those that are stored alike names what is stored.
+// A type of the command line. Several types are stored as REG_BINARY; the first of them in the table names
+// the stored type.
 struct Type {
   const char* name;
   DWORD stored;
   bool (*from_text)(const std::string& text, std::string& bytes);
   bool (*to_data)(const std::string& bytes, Value& data);
-  const char* takes;
+  const char* takes;  // what a text must be, for messages
 };
 
 constexpr Type kTypes[] = {
@@ -108,17 +110,18 @@ const Type* type_stored_as(DWORD type) {
   return found != std::end(kTypes) ? found : nullptr;
 }
 
-const Type& type_named(const std::string& name) {
+const Type& type_with_name(const std::string& name) {
   return *std::ranges::find(kTypes, name, [](const Type& type) { return std::string(type.name); });
 }
 
+// True if a text can be rebuilt exactly: UTF-8 with one NUL, at the end.
 bool is_exact_text(const std::string& bytes) {
   return !bytes.empty() && bytes.find('\0') == bytes.size() - 1 && is_utf8(bytes);
 }
 
 }  // namespace
 
-Form form_of(const StoredValue& value) {
+LosslessData lossless_data_of(const StoredValue& value) {
   const Type* const type = type_stored_as(value.type);
   const bool has_word = type != nullptr && (value.type != REG_SZ || is_exact_text(value.bytes));
   Value data;
@@ -131,7 +134,7 @@ std::string type_name(DWORD type) {
   return known != nullptr ? known->name : "type " + std::to_string(type);
 }
 
-std::string shown_data(const StoredValue& value) {
+std::string display_text_of(const StoredValue& value) {
   const Type* const type = type_stored_as(value.type);
   Value data;
   if (type == nullptr || !type->to_data(value.bytes, data)) return hex_of(value.bytes);
@@ -140,18 +143,18 @@ std::string shown_data(const StoredValue& value) {
 
 bool value_from_text(const std::string& type, const std::string& text, StoredValue& value,
                      std::string& reason) {
-  const Type& row = type_named(type);
+  const Type& row = type_with_name(type);
   value.type = row.stored;
   if (row.from_text(text, value.bytes)) return true;
   reason = "a " + type + " takes " + row.takes + ", not '" + text + "'";
   return false;
 }
 
-bool data_as(const std::string& type, const StoredValue& value, Value& data, std::string& reason) {
-  const Type& row = type_named(type);
+bool convert_data(const std::string& type, const StoredValue& value, Value& data, std::string& reason) {
+  const Type& row = type_with_name(type);
   if (row.stored == value.type && row.to_data(value.bytes, data)) return true;
   reason = "is stored as " + type_name(value.type) + " of " + std::to_string(value.bytes.size()) +
-           " bytes, which is no " + type;
+           " bytes, which is not a " + type;
   return false;
 }
 

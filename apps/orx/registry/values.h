@@ -1,42 +1,44 @@
-// What a value of the registry holds, between its bytes and what people and programs write.
+// Conversions between the bytes of a value in the registry and its data as text or JSON.
 #pragma once
 
 #include <orx/compat/hkey.h>
 
+#include <cstdint>
 #include <string>
 
 #include "report.h"
 
 namespace orx::cli {
 
-// Bytes with a type; a value's name is empty for the default value of its key.
+// A value as the registry stores it. The name is empty for the default value of a key.
 struct StoredValue {
   std::string name;
   DWORD type = REG_NONE;
   std::string bytes;
 };
 
-// The value without loss. `type` is "string", "dword" or "binary", with a text, a number or hexadecimal
-// digits; or the number of the type, with hexadecimal digits, for all that these words do not tell: other
-// types, and a text or number that is not exactly that.
-struct Form {
+// A value for JSON, without loss. `type` is "string", "dword" or "binary", and `data` is a text, a number or
+// hexadecimal digits. For another type, and for bytes that are not exactly a text or a number, `type` is the
+// number of the type and `data` is hexadecimal digits.
+struct LosslessData {
   Value type;
   Value data;
 };
 
-Form form_of(const StoredValue& value);
+LosslessData lossless_data_of(const StoredValue& value);
 
-// For people: the type in a word, and the data as text.
+// The type in words and the data as text, for people.
 std::string type_name(DWORD type);
-std::string shown_data(const StoredValue& value);
+std::string display_text_of(const StoredValue& value);
 
-// `type` is one that the command line takes: string, dword, double, float or binary. What cannot be read so
-// is refused with a reason.
+// `type` is a type of the command line: string, dword, double, float or binary. Both functions return false
+// and set `reason` when the text or the value does not have this type.
 bool value_from_text(const std::string& type, const std::string& text, StoredValue& value,
                      std::string& reason);
-bool data_as(const std::string& type, const StoredValue& value, Value& data, std::string& reason);
+bool convert_data(const std::string& type, const StoredValue& value, Value& data, std::string& reason);
 
-// `text` must not contain a NUL.
+// The bytes as the registry stores them. A text must not contain a NUL. The others return false for a number
+// that is not a dword, and for text that is not pairs of hexadecimal digits.
 std::string string_bytes(const std::string& text);
 bool dword_bytes(std::int64_t number, std::string& bytes);
 bool bytes_of_hex(const std::string& digits, std::string& bytes);

@@ -12,18 +12,19 @@
 namespace orx::cli {
 namespace {
 
-constexpr std::size_t kSegmentsAtOnce = 1 << 16;
+constexpr std::size_t kSegmentsPerReport = 1 << 16;
 constexpr int kPointsInLeaf = 12;
 
-using Number = std::uint32_t;  // of a point or of a line
+using Number = std::uint32_t;  // the index of a point or of a line
 
-// A point as the octree takes it. All heights are 0, at the bottom of the root: were they in the middle,
-// every search would look on both sides of every dividing plane.
+// A point as an item of the octree. All heights are 0, which is the bottom of the root: heights in its middle
+// would make every search visit both sides of each dividing plane.
 struct Joint {
   double across, up, height;
   Number number;
 };
 
+// The end of a segment, which is searched for among the joints within `reach`.
 struct End : Joint {
   double reach;
 };
@@ -41,7 +42,8 @@ int octant_of(void* item, double across, double up, double height) {
   return (joint.across < across ? 1 : 0) | (joint.up < up ? 2 : 0) | (joint.height < height ? 4 : 0);
 }
 
-// The points in which segments meet.
+// The points where segments meet. Each end within the tolerance of a joint is that joint; any other end
+// becomes a new joint.
 class Joints {
  public:
   Joints(const std::vector<Segment>& segments, const Point& across, const Point& up, double tolerance)
@@ -56,10 +58,10 @@ class Joints {
     tree_.SetPointLimit(kPointsInLeaf);
     tree_.SetTolerance(tolerance);
     if (!tree_.Init(box.min[0], box.min[1], 0, box.max[0], box.max[1], size, 0)) throw std::bad_alloc();
-    joints_.reserve(segments.size() * 2);  // the tree has their addresses
+    joints_.reserve(segments.size() * 2);  // the tree keeps their addresses, so they must not move
   }
 
-  Number number_of(const Point& point) {
+  Number NumberOf(const Point& point) {
     End end{{dot(point, across_), dot(point, up_), 0, static_cast<Number>(points_.size())}, tolerance_};
     const auto* const found = static_cast<const Joint*>(tree_.FindNode(&end));
     if (found != nullptr) return found->number;
@@ -68,8 +70,8 @@ class Joints {
     return end.number;
   }
 
-  std::vector<Point> take_points() {
-    // The tree tells in no other way that it had no memory for a point.
+  std::vector<Point> TakePoints() {
+    // AddNode does not report that it is out of memory, but the point is then missing from the count.
     if (static_cast<std::size_t>(tree_.GetCount()) != points_.size()) throw std::bad_alloc();
     return std::move(points_);
   }
@@ -85,24 +87,25 @@ class Joints {
 
 struct Network {
   std::vector<Point> points;
-  std::vector<std::array<Number, 2>> lines;  // the lower point first
+  std::vector<std::array<Number, 2>> lines;  // sorted and unique; the lower number is first
 };
 
 Network connect(const std::vector<Segment>& segments, Joints& joints, Progress& progress) {
   Network network;
   for (std::size_t i = 0; i < segments.size(); ++i) {
-    if (i % kSegmentsAtOnce == 0) progress.tell("joining", i, segments.size());
-    const Number first = joints.number_of(segments[i][0]);
-    const Number second = joints.number_of(segments[i][1]);
+    if (i % kSegmentsPerReport == 0) progress.Report("joining", i, segments.size());
+    const Number first = joints.NumberOf(segments[i][0]);
+    const Number second = joints.NumberOf(segments[i][1]);
     if (first != second) network.lines.push_back({std::min(first, second), std::max(first, second)});
   }
-  network.points = joints.take_points();
+  network.points = joints.TakePoints();
   std::ranges::sort(network.lines);
   network.lines.erase(std::unique(network.lines.begin(), network.lines.end()), network.lines.end());
   return network;
 }
 
-// Goes along the lines of a network, along each one once.
+// Follows the lines of a network, each line once. The lines at point p are at_point_[first_[p]] up to
+// at_point_[first_[p + 1]].
 class Walker {
  public:
   explicit Walker(const Network& network)
@@ -114,31 +117,35 @@ class Walker {
     at_point_.resize(network.lines.size() * 2);
     std::vector<std::size_t> next = first_;
     for (Number i = 0; i < network.lines.size(); ++i) {
-      for (const Number point : network.lines[i]) at_point_[next[point]++] = i;
+      for (const Number point : network.lines[i]) {
+        at_point_[next[point]] = i;
+        ++next[point];
+      }
     }
   }
 
-  std::vector<Polyline> walk() {
+  std::vector<Polyline> Walk() {
     std::vector<Polyline> polylines;
-    // What is left between points in which two lines meet are loops.
+    // First the polylines that begin at an end or a junction. Lines that then remain form loops.
     for (const bool loops : {false, true}) {
       for (Number point = 0; point < network_.points.size(); ++point) {
-        if (loops == goes_on(point)) start_at(point, polylines);
+        if (loops == ContinuesAt(point)) StartAt(point, polylines);
       }
     }
     return polylines;
   }
 
  private:
-  bool goes_on(Number point) const { return first_[point + 1] - first_[point] == 2; }
+  // A polyline continues where exactly two lines meet.
+  bool ContinuesAt(Number point) const { return first_[point + 1] - first_[point] == 2; }
 
-  void start_at(Number point, std::vector<Polyline>& polylines) {
+  void StartAt(Number point, std::vector<Polyline>& polylines) {
     for (std::size_t i = first_[point]; i < first_[point + 1]; ++i) {
-      if (!is_walked_[at_point_[i]]) polylines.push_back(follow(point, at_point_[i]));
+      if (!is_walked_[at_point_[i]]) polylines.push_back(Follow(point, at_point_[i]));
     }
   }
 
-  Polyline follow(Number point, Number line) {
+  Polyline Follow(Number point, Number line) {
     Polyline polyline{{network_.points[point]}, 0};
     while (!is_walked_[line]) {
       is_walked_[line] = true;
@@ -147,7 +154,7 @@ class Walker {
       const Point step = network_.points[point] - polyline.points.back();
       polyline.length += length_of(step);
       polyline.points.push_back(network_.points[point]);
-      if (!goes_on(point)) break;
+      if (!ContinuesAt(point)) break;
       const std::size_t first = first_[point];
       line = at_point_[first] == line ? at_point_[first + 1] : at_point_[first];
     }
@@ -155,18 +162,18 @@ class Walker {
   }
 
   const Network& network_;
-  std::vector<std::size_t> first_;  // of the lines at a point
-  std::vector<Number> at_point_;    // the lines, point by point
+  std::vector<std::size_t> first_;
+  std::vector<Number> at_point_;
   std::vector<bool> is_walked_;
 };
 
 }  // namespace
 
-std::vector<Polyline> join(const std::vector<Segment>& segments, const Point& across, const Point& up,
-                           double tolerance, Progress& progress) {
+std::vector<Polyline> join_segments(const std::vector<Segment>& segments, const Point& across,
+                                    const Point& up, double tolerance, Progress& progress) {
   Joints joints(segments, across, up, tolerance);
   const Network network = connect(segments, joints, progress);
-  return Walker(network).walk();
+  return Walker(network).Walk();
 }
 
 }  // namespace orx::cli

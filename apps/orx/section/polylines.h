@@ -1,4 +1,4 @@
-// Segments joined into polylines, which end where no segment goes on, or more than one.
+// Joins segments into polylines. A polyline ends where it meets no other segment, or more than one.
 #pragma once
 
 #include <array>
@@ -12,14 +12,14 @@ namespace orx::cli {
 using Segment = std::array<Point, 2>;
 
 struct Polyline {
-  std::vector<Point> points;  // of a closed one, the first is also the last
+  std::vector<Point> points;  // in a closed polyline, the last point equals the first
   double length;
-  bool is_closed() const { return points.front() == points.back(); }
+  bool IsClosed() const { return points.front() == points.back(); }
 };
 
-// Ends within the tolerance of each other become the first of them, and segments that are then of length 0 or
-// twice the same are taken out. The segments lie in a plane, in which `across` and `up` are at right angles.
-std::vector<Polyline> join(const std::vector<Segment>& segments, const Point& across, const Point& up,
-                           double tolerance, Progress& progress);
+// The segments lie in one plane; `across` and `up` are perpendicular unit vectors in it. Ends that are within
+// the tolerance of an earlier end move to it. Segments that then have length 0 or occur twice are removed.
+std::vector<Polyline> join_segments(const std::vector<Segment>& segments, const Point& across,
+                                    const Point& up, double tolerance, Progress& progress);
 
 }  // namespace orx::cli

@@ -1,9 +1,9 @@
-// The section of a surface: the lines in which a plane cuts it.
+// The section of a surface: the lines where a plane cuts it.
 //
-// A face that the plane crosses gives the segment between the points on its edges. Neighbours come to the
-// same point on the edge that they share, and so their segments join into polylines. A face that the plane
-// only touches in a corner gives nothing; nor does one that lies in the plane, whose border its neighbours
-// give.
+// A face that the plane crosses contributes the segment between two points on its edges. Two neighbours
+// compute the same point on their common edge, so their segments join into polylines. A face that only
+// touches the plane with one corner contributes nothing. A face in the plane contributes nothing either; its
+// neighbours contribute its border.
 #pragma once
 
 #include <orx/geometry/cutting_plane.h>
@@ -17,9 +17,9 @@
 
 namespace orx::cli {
 
-// Directions in a plane, one unit long, and the point in it that is closest to the surface's origin. `across`
-// is horizontal and leads from the first seed of the plane towards its others, `up` rises; in a horizontal
-// plane they lead to the east and to the north.
+// A coordinate system in the plane. `origin` is the point of the plane that is closest to the surface's
+// origin. `across` and `up` are perpendicular unit vectors: `across` is horizontal and points from the first
+// seed towards the others, `up` rises. In a horizontal plane they point east and north.
 struct Frame {
   Point origin;
   Point across;
@@ -29,21 +29,21 @@ struct Frame {
 
 struct Section {
   Frame frame;
-  std::vector<Point> outline;  // of the plane in the surface's box: its corners, some twice, in no order
+  std::vector<Point> outline;  // the corners of the plane within the surface's box, unordered, some twice
   std::vector<Polyline> polylines;
-  double length;  // of all
+  double length;  // of all polylines
 };
 
+// Three points that define the plane.
 using Seeds = std::array<Point, 3>;
 
-// Whether the points give a plane: not when they lie in a line.
-bool are_spread(const Seeds& seeds);
+// True if the points define a plane. False if they are on one line.
+bool is_plane_defined_by(const Seeds& seeds);
 
-// A millionth of the diagonal of the surface's box.
-double usual_tolerance(const TriangleSurface& surface);
+// A millionth of the diagonal of the surface's box, in the unit of the file.
+double default_tolerance(const TriangleSurface& surface);
 
-// Without polylines when the plane crosses no face, and when nothing of the section is longer than the
-// tolerance.
+// Returns a section without polylines when the plane crosses no face, or when joining leaves no segment.
 Section cut_surface(const TriangleSurface& surface, Seeds seeds, double tolerance, Progress& progress);
 
 }  // namespace orx::cli

@@ -1,4 +1,4 @@
-// The drawing of a section: in the plane, both axes to the same scale.
+// The drawing of a section in its plane, with both axes at the same scale.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace orx::cli {
 
-// A whole SVG document. The section has a polyline.
-std::string draw(const Section& section, const std::string& title);
+// Returns a complete SVG document. The section must have at least one polyline.
+std::string draw_section(const Section& section, const std::string& title);
 
 }  // namespace orx::cli

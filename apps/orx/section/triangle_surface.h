@@ -1,9 +1,9 @@
-// A surface of triangles, as Wavefront OBJ files hold it.
+// A surface of triangles, read from a Wavefront OBJ file.
 //
-// Of a file, the vertices (v) and the faces (f) count; every other statement is passed over. A face names its
-// vertices by their numbers, from 1 up, or from -1 back for those that the file had so far; what follows a
-// number behind a slash is passed over. A face of more than three corners is a fan of triangles around its
-// first one. A backslash at the end of a line joins the next one to it.
+// The reader uses the vertices (v) and the faces (f) and ignores every other statement. A face refers to its
+// vertices by number: 1 is the first vertex of the file, and -1 is the last vertex before the face. Text
+// after a slash is ignored. A face with more than three corners becomes a fan of triangles around its first
+// corner. A backslash at the end of a line continues the statement on the next line.
 #pragma once
 
 #include <orx/geometry/bounding_box.h>
@@ -34,10 +34,10 @@ inline double diagonal_of(const bbox& box) {
   return length_of({box.max[0] - box.min[0], box.max[1] - box.min[1], box.max[2] - box.min[2]});
 }
 
-// The points and the box are relative to the origin, which lies among them: coordinates in the millions of
-// metres would leave no digits for what is computed from them. They are in a unit, a power of two, in which
-// the diagonal of the box is shorter than 1 and no less than a half: so a tolerance means the same for all
-// sizes.
+// A point of the file is origin + unit * point, and the box is in the same coordinates as the points. The
+// origin is in the middle of the box, since coordinates of millions of metres would leave too few digits for
+// computations. The unit is a power of two that makes the diagonal of the box at least 0.5 and less than 1
+// (smaller only for a minute surface), so that tolerances mean the same for surfaces of all sizes.
 struct TriangleSurface {
   Point origin;
   double unit;
@@ -46,7 +46,7 @@ struct TriangleSurface {
   std::vector<std::array<std::uint32_t, 3>> triangles;
 };
 
-// Raises Failure, which names the line, when a statement cannot be read, and when there are no faces.
+// Raises Failure when the file cannot be read or has no faces, and, with the line, for an invalid statement.
 TriangleSurface read_surface(const std::string& file, Progress& progress);
 
 }  // namespace orx::cli
