@@ -23,33 +23,53 @@ constexpr char kSettings[] =
     "PRAGMA journal_mode = DELETE; PRAGMA synchronous = EXTRA; PRAGMA foreign_keys = ON;"
     "PRAGMA temp_store = MEMORY; PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON;";
 
-// In the order of Sql.
-constexpr const char* kSql[] = {
-    "BEGIN",
-    "BEGIN IMMEDIATE",
-    "COMMIT",
-    "ROLLBACK",
-    "PRAGMA data_version",
-    "SELECT application_id, user_version, (SELECT count(*) FROM sqlite_schema)"
-    " FROM pragma_application_id, pragma_user_version",
-    "SELECT 1 FROM key WHERE id = ?",
-    "WITH RECURSIVE up (id) AS (SELECT ?1 UNION ALL SELECT parent FROM key JOIN up USING (id) WHERE parent "
-    "IS NOT NULL)"
-    " SELECT count(*) FROM (SELECT 1 FROM up LIMIT ?2)",
-    "SELECT id FROM key WHERE parent = ? AND folded = ?",
-    "INSERT INTO key VALUES (random() & 0x7FFFFFFFFFFFFFFF, ?, ?, ?) RETURNING id",
-    "SELECT 1 FROM key WHERE parent = ? LIMIT 1",
-    "DELETE FROM key WHERE id = ?",
-    "DELETE FROM key WHERE parent = ?",
-    "SELECT name, folded FROM key WHERE parent = ? AND folded >= ? ORDER BY folded LIMIT 1 OFFSET ?",
-    "SELECT type, data FROM value WHERE key = ? AND folded = ?",
-    "INSERT INTO value (key, name, folded, type, data) VALUES (?, ?, ?, ?, ?)"
-    " ON CONFLICT DO UPDATE SET type = excluded.type, data = excluded.data",
-    "DELETE FROM value WHERE key = ? AND folded = ? RETURNING 1",
-    "SELECT name, folded, type, data FROM value WHERE key = ? AND folded >= ? ORDER BY folded LIMIT 1 OFFSET "
-    "?",
+struct SqlText {
+  Sql sql;
+  const char* text;
 };
-static_assert(std::size(kSql) == static_cast<std::size_t>(Sql::kCount));
+
+// The rows may be in any order: kSql has each text at the index of its enumerator.
+constexpr SqlText kSqlRows[] = {
+    {Sql::kBegin, "BEGIN"},
+    {Sql::kBeginWriting, "BEGIN IMMEDIATE"},
+    {Sql::kCommit, "COMMIT"},
+    {Sql::kRollback, "ROLLBACK"},
+    {Sql::kDataVersion, "PRAGMA data_version"},
+    {Sql::kSchema,
+     "SELECT application_id, user_version, (SELECT count(*) FROM sqlite_schema)"
+     " FROM pragma_application_id, pragma_user_version"},
+    {Sql::kKeyExists, "SELECT 1 FROM key WHERE id = ?"},
+    {Sql::kKeyDepth,
+     "WITH RECURSIVE up (id) AS"
+     " (SELECT ?1 UNION ALL SELECT parent FROM key JOIN up USING (id) WHERE parent IS NOT NULL)"
+     " SELECT count(*) FROM (SELECT 1 FROM up LIMIT ?2)"},
+    {Sql::kFindKey, "SELECT id FROM key WHERE parent = ? AND folded = ?"},
+    {Sql::kAddKey, "INSERT INTO key VALUES (random() & 0x7FFFFFFFFFFFFFFF, ?, ?, ?) RETURNING id"},
+    {Sql::kHasChildren, "SELECT 1 FROM key WHERE parent = ? LIMIT 1"},
+    {Sql::kDeleteKey, "DELETE FROM key WHERE id = ?"},
+    {Sql::kDeleteChildren, "DELETE FROM key WHERE parent = ?"},
+    {Sql::kListKeys,
+     "SELECT name, folded FROM key WHERE parent = ? AND folded >= ? ORDER BY folded LIMIT 1 OFFSET ?"},
+    {Sql::kFindValue, "SELECT type, data FROM value WHERE key = ? AND folded = ?"},
+    {Sql::kSetValue,
+     "INSERT INTO value (key, name, folded, type, data) VALUES (?, ?, ?, ?, ?)"
+     " ON CONFLICT DO UPDATE SET type = excluded.type, data = excluded.data"},
+    {Sql::kDeleteValue, "DELETE FROM value WHERE key = ? AND folded = ? RETURNING 1"},
+    {Sql::kListValues,
+     "SELECT name, folded, type, data FROM value WHERE key = ? AND folded >= ?"
+     " ORDER BY folded LIMIT 1 OFFSET ?"},
+};
+
+constexpr std::size_t kSqlCount = static_cast<std::size_t>(Sql::kCount);
+
+constexpr std::array<const char*, kSqlCount> kSql = [] {
+  std::array<const char*, kSqlCount> texts{};
+  for (const SqlText& row : kSqlRows) texts[static_cast<std::size_t>(row.sql)] = row.text;
+  return texts;
+}();
+
+// As many rows as enumerators and no enumerator without a text: so none has two, either.
+static_assert(std::size(kSqlRows) == kSqlCount && std::ranges::count(kSql, nullptr) == 0);
 
 constexpr struct {
   int sqlite_error;
