@@ -25,14 +25,14 @@ enum Search { kOpen, kEnding, kDone };
 constinit std::atomic<Search> search = kOpen;
 constinit orx::ApplicationDataFolder kept_folder = "";
 
-void keep(const std::string& folder) {
+void store_folder(const std::string& folder) {
   Search expected = kOpen;
   if (!search.compare_exchange_strong(expected, kEnding)) return;
   std::memcpy(kept_folder, folder.c_str(), folder.size() + 1);
   search = kDone;
 }
 
-LSTATUS read_configured(std::string& folder) {
+LSTATUS read_configured_folder(std::string& folder) {
   orx::platform::RegistryKey key;
   char value[kConfiguredCapacity + 1] = "";
   LSTATUS status = key.Open(HKEY_LOCAL_MACHINE, kInstallKey, KEY_READ);
@@ -42,7 +42,7 @@ LSTATUS read_configured(std::string& folder) {
 }
 
 // Empty when the variable is not set, or names a folder that is too long.
-std::string folder_of_all_users() {
+std::string create_public_subfolder() {
   std::string folder = orx::platform::public_folder();
   constexpr const char* kLevels[] = {"\\Halvark", "\\TESSEL", "\\" ORX_PRODUCT_VERSION "\\"};
   std::size_t length = folder.size();
@@ -56,10 +56,10 @@ std::string folder_of_all_users() {
 }
 
 // False when the machine's settings could not be read, which may pass.
-bool look_for_folder(std::string& folder) {
-  const LSTATUS status = read_configured(folder);
+bool find_folder(std::string& folder) {
+  const LSTATUS status = read_configured_folder(folder);
   if (status != ERROR_SUCCESS) {
-    folder = folder_of_all_users();
+    folder = create_public_subfolder();
   } else if (!folder.empty()) {
     orx::platform::create_shared_folder(folder.c_str());
   }
@@ -73,7 +73,7 @@ bool orx::find_application_data_folder(ApplicationDataFolder& folder) {
   *folder = '\0';
   try {
     std::string found;
-    if (search != kDone && look_for_folder(found) && !found.empty()) keep(found);
+    if (search != kDone && find_folder(found) && !found.empty()) store_folder(found);
     const char* const answer = search == kDone ? kept_folder : found.c_str();
     std::memcpy(folder, answer, std::strlen(answer) + 1);
   } catch (const std::exception&) {  // by name: a thread that is cancelled unwinds through here

@@ -20,7 +20,7 @@
 namespace {
 
 // The name of a log, or the first line of its header, which is cut like it.
-using Text = char[ORX_LOG_PATH_LENGTH * orx::platform::kMostBytesOfCharacter + 1];
+using Text = char[ORX_LOG_PATH_LENGTH * orx::platform::kMaxCharacterBytes + 1];
 
 struct Log {
   const char* file;
@@ -32,16 +32,16 @@ constinit Log main_log{ORX_LOG_NAME, "", false};
 constinit Log thread_log{ORX_THREAD_LOG_NAME, "", false};
 
 // Shared by the logs, and so by their threads.
-constinit std::atomic<bool> started = false;  // a start or a line was tried, in either log
-constinit std::atomic<bool> echoes = false;
+constinit std::atomic<bool> was_used = false;  // a start or a line was tried, in either log
+constinit std::atomic<bool> echo_enabled = false;
 
 ORX_PRINTF(2, 3)
-void print(Text& text, const char* format, ...) {
+void format_path(Text& text, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
   orx::format_text(text, sizeof text, format, arguments);
   va_end(arguments);
-  text[orx::platform::first_characters(text, ORX_LOG_PATH_LENGTH)] = '\0';
+  text[orx::platform::prefix_size(text, ORX_LOG_PATH_LENGTH)] = '\0';
 }
 
 // A null or empty folder: the application data folder. Where that is empty too there is no name, and no log
@@ -55,11 +55,11 @@ void set_name(Log& log, const char* folder) {
   }
   const bool separated = std::string_view(folder).ends_with('\\');
   *log.name = '\0';
-  if (*folder != '\0') print(log.name, separated ? "%s%s" : "%s\\%s", folder, log.file);
+  if (*folder != '\0') format_path(log.name, separated ? "%s%s" : "%s\\%s", folder, log.file);
 }
 
 // The text mode of the C runtime: a line feed becomes CR LF, also behind a CR.
-std::string line_of(std::string_view text) {
+std::string to_crlf(std::string_view text) {
   std::string line;
   line.reserve(text.size() + 2);
   for (;;) {
@@ -80,23 +80,23 @@ bool succeeds(Call call) {
   }
 }
 
-int write(Log& log, const char* text) {
+int write_line(Log& log, const char* text) {
   if (text == nullptr || *text == '\0') return -1;
   const orx::ErrnoGuard errno_guard;
-  if (echoes) std::puts(text);
+  if (echo_enabled) std::puts(text);
   orx::platform::debug_output(text);
-  started = true;
+  was_used = true;
   if (!log.is_fixed) set_name(log, nullptr);
-  return succeeds([&] { return orx::platform::append_to_log(log.name, line_of(text)); }) ? 0 : -1;
+  return succeeds([&] { return orx::platform::append_to_log(log.name, to_crlf(text)); }) ? 0 : -1;
 }
 
 ORX_PRINTF(2, 0)
-int write_formatted(Log& log, const char* format, std::va_list arguments) {
+int write_formatted_line(Log& log, const char* format, std::va_list arguments) {
   if (format == nullptr) return -1;
   // Filled, for a format that cannot be carried out: the line is what was written before that came out.
   char text[ORX_LOG_LINE_LENGTH + 1] = "";
   orx::format_text(text, sizeof text, format, arguments);
-  return write(log, text);
+  return write_line(log, text);
 }
 
 void write_header(Log& log) {
@@ -109,16 +109,16 @@ void write_header(Log& log) {
 
   const int hour_on_the_dial = hour % 12 == 0 ? 12 : hour % 12;
   Text header;
-  print(header, "Log file '%s' opened at %d:%02d %s on %s.", log.name, hour_on_the_dial, minute,
-        hour < 12 ? "AM" : "PM", date);
-  write(log, header);
-  write(log, "---------------------------");
+  format_path(header, "Log file '%s' opened at %d:%02d %s on %s.", log.name, hour_on_the_dial, minute,
+              hour < 12 ? "AM" : "PM", date);
+  write_line(log, header);
+  write_line(log, "---------------------------");
 }
 
 }  // namespace
 
 int halvark_log_debug_init(const char* folder) {
-  started = true;
+  was_used = true;
   set_name(main_log, folder);
   main_log.is_fixed = succeeds([] { return orx::platform::clear_log(main_log.name); });
   if (!main_log.is_fixed) {
@@ -136,13 +136,13 @@ int halvark_log_debug_reset() {
   return 0;
 }
 
-int halvark_log_debug_write(const char* text) { return write(main_log, text); }
-int halvark_log_debug_write_thread(const char* text) { return write(thread_log, text); }
+int halvark_log_debug_write(const char* text) { return write_line(main_log, text); }
+int halvark_log_debug_write_thread(const char* text) { return write_line(thread_log, text); }
 
 int halvark_log_debug_write_n(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  const int result = write_formatted(main_log, format, arguments);
+  const int result = write_formatted_line(main_log, format, arguments);
   va_end(arguments);
   return result;
 }
@@ -150,19 +150,19 @@ int halvark_log_debug_write_n(const char* format, ...) {
 int halvark_log_debug_write_n_thread(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  const int result = write_formatted(thread_log, format, arguments);
+  const int result = write_formatted_line(thread_log, format, arguments);
   va_end(arguments);
   return result;
 }
 
 int halvark_log_debug_print(int echo) {
-  echoes = echo != 0;
+  echo_enabled = echo != 0;
   return 0;
 }
 
 int halvark_log_debug_error() {
-  if (started && *main_log.name == '\0') halvark_log_debug_init(nullptr);
-  write(main_log, "halvark_error: ");
+  if (was_used && *main_log.name == '\0') halvark_log_debug_init(nullptr);
+  write_line(main_log, "halvark_error: ");
   return 0;
 }
 

@@ -11,7 +11,8 @@ namespace orx::platform {
 
 LocalTime system_local_time() {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;  // the C library may read the file of the time zone, under a lock
+  const CancellationBlock
+      cancellation_block;  // the C library may read the file of the time zone, under a lock
   const time_t now = time(nullptr);
   tm local{};
   if (localtime_r(&now, &local) == nullptr) return {};

@@ -31,12 +31,12 @@ int count_characters(std::string_view text) {
       std::count_if(text.begin(), text.end(), [](char c) { return !utf8::is_continuation(c); }));
 }
 
-std::size_t first_characters(std::string_view text, std::size_t most) {
+std::size_t prefix_size(std::string_view text, std::size_t most) {
   const auto goes_beyond = [&most](char c) { return !utf8::is_continuation(c) && most-- == 0; };
   return static_cast<std::size_t>(std::find_if(text.begin(), text.end(), goes_beyond) - text.begin());
 }
 
-std::size_t whole_characters(std::string_view text, std::size_t most) {
+std::size_t truncated_size(std::string_view text, std::size_t most) {
   if (text.size() <= most) return text.size();
   constexpr std::size_t kMostContinuations = 3;
   std::size_t lead = most;

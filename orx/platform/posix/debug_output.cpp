@@ -17,7 +17,7 @@ namespace {
 
 // In one piece, so that the lines of several processes stay whole.
 void write_line(int file, const char* text) {
-  const SignalBlock held;
+  const SignalBlock signal_block;
   char line_end = '\n';
   const iovec pieces[] = {{const_cast<char*>(text), std::strlen(text)}, {&line_end, 1}};
   [[maybe_unused]] const ssize_t ignored = writev(file, pieces, 2);
@@ -25,7 +25,7 @@ void write_line(int file, const char* text) {
 
 const char* destination() {
   try {
-    return variable("ORX_DEBUG_OUTPUT").c_str();
+    return environment_variable("ORX_DEBUG_OUTPUT").c_str();
   } catch (const std::bad_alloc&) {
     return "";
   }
@@ -35,7 +35,7 @@ const char* destination() {
 
 void debug_output(const char* text) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   if (text == nullptr || *text == '\0') return;
   const char* const where = destination();
   if (*where == '\0') return;

@@ -39,9 +39,9 @@ bool exists(const std::string& path) {
 }  // namespace
 
 int find_in_any_case(SystemPath& path) {
-  if (path.drive_folder == 0) return ENOENT;
-  std::string found = path.name.substr(0, path.drive_folder);
-  std::string_view rest = std::string_view(path.name).substr(path.drive_folder);
+  if (path.drive_folder_length == 0) return ENOENT;
+  std::string found = path.name.substr(0, path.drive_folder_length);
+  std::string_view rest = std::string_view(path.name).substr(path.drive_folder_length);
   while (!rest.empty()) {
     const std::size_t separators = std::min(rest.find_first_not_of('/'), rest.size());
     found += rest.substr(0, separators);

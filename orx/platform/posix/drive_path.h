@@ -11,7 +11,7 @@ namespace orx::platform {
 struct SystemPath {
   std::string name;
   // The length of the drive folder at the beginning of the name; 0: a path of the system, which is exact.
-  std::size_t drive_folder = 0;
+  std::size_t drive_folder_length = 0;
 };
 
 SystemPath parse_path(const char* path);

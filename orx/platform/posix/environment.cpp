@@ -77,14 +77,14 @@ const Values& current_values() {
   const Snapshot* snapshot = current.load(std::memory_order_acquire);
   if (snapshot != nullptr) return snapshot->values;
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   const std::lock_guard lock(reading);
   if (current == nullptr) read_all();
   return current.load()->values;
 }
 
 std::string home_of_user() {
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   std::vector<char> buffer(1024);
   passwd entry;
   passwd* found = nullptr;
@@ -98,19 +98,19 @@ std::string home_of_user() {
 
 void read_environment() {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   const std::lock_guard lock(reading);
   read_all();
 }
 
-const std::string& variable(const char* name) {
+const std::string& environment_variable(const char* name) {
   const auto place = std::ranges::find(kNames, std::string_view(name)) - std::begin(kNames);
   return current_values()[static_cast<std::size_t>(place)];
 }
 
 std::string user_folder(const char* xdg_variable, const char* below_home) {
-  if (std::string folder = variable(xdg_variable); folder.starts_with('/')) return folder;
-  std::string home = variable("HOME");
+  if (std::string folder = environment_variable(xdg_variable); folder.starts_with('/')) return folder;
+  std::string home = environment_variable("HOME");
   if (home.empty()) home = home_of_user();
   return home.empty() ? home : home + '/' + below_home;
 }

@@ -7,7 +7,7 @@ namespace orx::platform {
 
 // One of the variables that the library keeps. Empty when it is not set, and in a program that runs with more
 // rights than its user. The value is never freed. The first call reads them all and may raise std::bad_alloc.
-const std::string& variable(const char* name);
+const std::string& environment_variable(const char* name);
 
 // The folder that an XDG variable names, otherwise the one below the user's home; relative names are ignored.
 // Empty when there is neither.

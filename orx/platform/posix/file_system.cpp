@@ -26,13 +26,13 @@ namespace orx::platform {
 namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
-constexpr int kLinksFollowed = 40;  // as many as the system itself follows
-constexpr int kTemporaryNamesTried = 100;
-constexpr int kEntriesSearched = 10'000;  // for temporaries of killed processes: some milliseconds
+constexpr int kMaxLinks = 40;  // as many as the system itself follows
+constexpr int kMaxTemporaryNames = 100;
+constexpr int kMaxEntriesSearched = 10'000;  // for temporaries of killed processes: some milliseconds
 constexpr char kAccessControlList[] = "system.posix_acl_access";
 constexpr mode_t kPermissionBits = 0777;
 
-bool failed(std::string& reason, std::string text = error_text(errno)) {
+bool fail(std::string& reason, std::string text = error_text(errno)) {
   reason = std::move(text);
   return false;
 }
@@ -58,13 +58,13 @@ std::string temporary_name(std::string_view name) {
 
 // What a new file may be at first, so that its content is never open to more people than the old one's: until
 // the owner has been set, its group may be another.
-mode_t safe_mode(mode_t old) {
+mode_t initial_mode(mode_t old) {
   const mode_t of_group = old >> 3 & 07;
   const mode_t of_others = old & 07;
   return (of_group & ~of_others) == 0 ? old : old & 0700;
 }
 
-void keep_owner(int file, const struct stat& old) {
+void copy_owner(int file, const struct stat& old) {
   if (fchown(file, old.st_uid, old.st_gid) == 0) return;
   // Only the administrator may give files away; a group of one's own is worth keeping all the same.
   [[maybe_unused]] const int ignored = fchown(file, static_cast<uid_t>(-1), old.st_gid);
@@ -78,7 +78,8 @@ bool read_all(int file, std::string& bytes) {
   std::size_t size = 0;
   while (size < bytes.size()) {
     const auto at = static_cast<off_t>(size);
-    const ssize_t read = uninterrupted([&] { return pread(file, &bytes[size], bytes.size() - size, at); });
+    const ssize_t read =
+        retry_if_interrupted([&] { return pread(file, &bytes[size], bytes.size() - size, at); });
     if (read < 0) return false;
     if (read == 0) break;
     size += static_cast<std::size_t>(read);
@@ -88,14 +89,14 @@ bool read_all(int file, std::string& bytes) {
 }
 
 // Replaces the content of a file that is open.
-bool overwrite(int file, std::string_view bytes) {
+bool overwrite_file(int file, std::string_view bytes) {
   return lseek(file, 0, SEEK_SET) == 0 && write_all(file, bytes) &&
-         uninterrupted([&] { return ftruncate(file, static_cast<off_t>(bytes.size())); }) == 0 &&
-         uninterrupted([&] { return fsync(file); }) == 0;
+         retry_if_interrupted([&] { return ftruncate(file, static_cast<off_t>(bytes.size())); }) == 0 &&
+         retry_if_interrupted([&] { return fsync(file); }) == 0;
 }
 
 // The folder refuses, or the name is a mount point. The file itself may be writable all the same.
-bool is_refused_by_folder(int error) {
+bool is_folder_error(int error) {
   return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
@@ -111,7 +112,7 @@ EntryKind entry_kind(const char* path) {
 
 std::optional<std::uint64_t> readable_size(const char* path) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   SystemPath where = parse_path(path);
   const std::string& name = where.name;
   struct stat status;
@@ -123,7 +124,7 @@ std::optional<std::uint64_t> readable_size(const char* path) {
     return 0;
   }
   constexpr int kFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  const Descriptor file(uninterrupted([&] { return open(name.c_str(), kFlags); }));
+  const Descriptor file(retry_if_interrupted([&] { return open(name.c_str(), kFlags); }));
   // A file that another process has taken a lease on can be opened as well, once it has been asked for.
   if (!file.is_open() && errno != EWOULDBLOCK) return {};
   if (file.is_open() && fstat(file, &status) != 0) return {};  // what a server says now
@@ -136,7 +137,9 @@ std::uint64_t free_space(const char* folder) {
   if (where.name.empty()) return 0;
   where.name += '/';  // refuses what is not a folder
   struct statvfs volume;
-  const auto query = [&](const char* name) { return uninterrupted([&] { return statvfs(name, &volume); }); };
+  const auto query = [&](const char* name) {
+    return retry_if_interrupted([&] { return statvfs(name, &volume); });
+  };
   if (on_path(where, query) != 0 || volume.f_frsize == 0) return 0;
   const std::uint64_t blocks = std::min<std::uint64_t>(volume.f_bavail, UINT64_MAX / volume.f_frsize);
   return blocks * volume.f_frsize;
@@ -159,20 +162,20 @@ struct FileReplacement::State {
   // Finds the folder and the old file behind a path, through links that need not lead to anything yet. The
   // links on the way to the name at its end are the system's business.
   bool Locate(std::string path, struct stat& old, bool& exists, std::string& reason) {
-    for (int followed = 0; followed <= kLinksFollowed; ++followed) {
+    for (int followed = 0; followed <= kMaxLinks; ++followed) {
       const std::size_t name_at = path.rfind('/') + 1;
       name = path.substr(name_at);
-      if (name.empty()) return failed(reason, error_text(path.empty() ? ENOENT : EISDIR));
+      if (name.empty()) return fail(reason, error_text(path.empty() ? ENOENT : EISDIR));
       if (!OpenFolder(name_at == 0 ? "." : path.substr(0, name_at).c_str(), reason)) return false;
       exists = fstatat(folder, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
-      if (!exists) return errno == ENOENT || failed(reason);
+      if (!exists) return errno == ENOENT || fail(reason);
       if (!S_ISLNK(old.st_mode)) return true;
       char target[PATH_MAX];
       const ssize_t size = readlinkat(folder, name.c_str(), target, sizeof target);
-      if (size < 0) return failed(reason);
+      if (size < 0) return fail(reason);
       path.replace(target[0] == '/' ? 0 : name_at, std::string::npos, target, static_cast<std::size_t>(size));
     }
-    return failed(reason, error_text(ELOOP));
+    return fail(reason, error_text(ELOOP));
   }
 
   bool OpenFolder(const char* path, std::string& reason) {
@@ -180,16 +183,16 @@ struct FileReplacement::State {
     // A folder that may be written but not read is good enough: only its flush fails.
     if (!folder.is_open() && errno == EACCES)
       folder = Descriptor(open(path, O_PATH | O_DIRECTORY | O_CLOEXEC));
-    return folder.is_open() || failed(reason);
+    return folder.is_open() || fail(reason);
   }
 
   // The old file is never opened: one that is a pipe would block.
   bool CheckOld(const struct stat& old, std::string& reason) const {
-    if (S_ISDIR(old.st_mode)) return failed(reason, error_text(EISDIR));
-    if (!S_ISREG(old.st_mode)) return failed(reason, "Not a regular file");
+    if (S_ISDIR(old.st_mode)) return fail(reason, error_text(EISDIR));
+    if (!S_ISREG(old.st_mode)) return fail(reason, "Not a regular file");
     if (old.st_uid == geteuid() && (old.st_mode & S_IWUSR) != 0)
       return true;  // by far the most, and at no cost
-    return faccessat(folder, name.c_str(), W_OK, AT_EACCESS) == 0 || failed(reason);
+    return faccessat(folder, name.c_str(), W_OK, AT_EACCESS) == 0 || fail(reason);
   }
 
   // A running save holds the lock of its temporary. Whoever finds one without a lock removes it, which may
@@ -198,9 +201,10 @@ struct FileReplacement::State {
   // Returns the error number, or 0.
   int CreateTemporary(mode_t mode) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
-    for (int tried = 0; tried < kTemporaryNamesTried; ++tried) {
+    for (int tried = 0; tried < kMaxTemporaryNames; ++tried) {
       std::string candidate = temporary_name(name);
-      file = Descriptor(uninterrupted([&] { return openat(folder, candidate.c_str(), kFlags, mode); }));
+      file =
+          Descriptor(retry_if_interrupted([&] { return openat(folder, candidate.c_str(), kFlags, mode); }));
       if (!file.is_open() && errno == EEXIST) continue;
       if (!file.is_open()) return errno;
       const bool is_taken = flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
@@ -224,7 +228,7 @@ struct FileReplacement::State {
     }
     const std::string prefix = temporary_prefix(name);
     const dirent* entry = readdir(entries);
-    for (int i = 0; entry != nullptr && i < kEntriesSearched; ++i, entry = readdir(entries)) {
+    for (int i = 0; entry != nullptr && i < kMaxEntriesSearched; ++i, entry = readdir(entries)) {
       if (std::string_view(entry->d_name).starts_with(prefix) && temporary != entry->d_name) {
         RemoveIfAbandoned(entry->d_name);
       }
@@ -238,15 +242,15 @@ struct FileReplacement::State {
   }
 
   // The owner goes first: changing it can take permissions away.
-  bool TakeOver(const struct stat& old, std::string& reason) const {
+  bool CopyAttributes(const struct stat& old, std::string& reason) const {
     struct stat status;
-    if (fstat(file, &status) != 0) return failed(reason);
+    if (fstat(file, &status) != 0) return fail(reason);
     const bool is_owners = status.st_uid == old.st_uid && status.st_gid == old.st_gid;
-    if (!is_owners) keep_owner(file, old);
+    if (!is_owners) copy_owner(file, old);
     mode_t mode = old.st_mode & kPermissionBits;
-    if (TakeOverAccessControlList(mode)) return true;
+    if (CopyAccessControlList(mode)) return true;
     if (is_owners && (status.st_mode & kPermissionBits) == mode) return true;
-    return fchmod(file, mode) == 0 || failed(reason);
+    return fchmod(file, mode) == 0 || fail(reason);
   }
 
   // The size of the old file's list, or -1. The file is only opened where /proc is not there.
@@ -262,7 +266,7 @@ struct FileReplacement::State {
   // True when the file now has the old one's list, and with it all permissions. A list that cannot be read or
   // set takes its part of `mode` with it: the bits of the group are those of the list's mask, and would open
   // the file to the whole group.
-  bool TakeOverAccessControlList(mode_t& mode) const {
+  bool CopyAccessControlList(mode_t& mode) const {
     std::array<char, 8192> list{};
     const ssize_t size = ReadAccessControlList(list.data(), list.size());
     if (size < 0) {
@@ -278,23 +282,24 @@ struct FileReplacement::State {
   // Writes into the old file itself, and restores it when that fails. `unless` is the reason when it cannot
   // be opened.
   bool WriteInPlace(std::string_view bytes, const std::string& unless, std::string& reason) const {
-    const Descriptor old(uninterrupted([&] {
+    const Descriptor old(retry_if_interrupted([&] {
       return openat(folder, name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     }));
     std::string old_bytes;
-    if (!old.is_open() || !read_all(old, old_bytes)) return failed(reason, unless);
-    if (overwrite(old, bytes)) return true;
+    if (!old.is_open() || !read_all(old, old_bytes)) return fail(reason, unless);
+    if (overwrite_file(old, bytes)) return true;
     const int error = errno;
-    const bool is_restored = overwrite(old, old_bytes);  // before the reason, for which memory may be missing
-    return failed(reason, error_text(error) + (is_restored ? "" : "; the old content could not be restored"));
+    const bool is_restored =
+        overwrite_file(old, old_bytes);  // before the reason, for which memory may be missing
+    return fail(reason, error_text(error) + (is_restored ? "" : "; the old content could not be restored"));
   }
 
-  bool WriteThrough(std::string_view bytes, std::string& reason) const {
-    return write_all(file, bytes) || failed(reason);
+  bool WriteUnbuffered(std::string_view bytes, std::string& reason) const {
+    return write_all(file, bytes) || fail(reason);
   }
 
   bool Flush(std::string& reason) {
-    const bool written = WriteThrough(buffer, reason);
+    const bool written = WriteUnbuffered(buffer, reason);
     buffer.clear();
     return written;
   }
@@ -304,23 +309,23 @@ struct FileReplacement::State {
     bool exists = false;
     SystemPath where = parse_path(path);
     bool is_located = Locate(where.name, old, exists, reason);
-    if (where.drive_folder > 0 && !exists) {
+    if (where.drive_folder_length > 0 && !exists) {
       const int error = find_in_any_case(where);
-      if (error == ENOTUNIQ) return failed(reason, error_text(error));
+      if (error == ENOTUNIQ) return fail(reason, error_text(error));
       if (error == 0) is_located = Locate(where.name, old, exists, reason);
     }
     if (!is_located) return false;
     if (exists && !CheckOld(old, reason)) return false;
     buffer.reserve(kBufferSize);
     // A file that is new is as the umask says.
-    const int error = CreateTemporary(exists ? safe_mode(old.st_mode & kPermissionBits) : 0666);
+    const int error = CreateTemporary(exists ? initial_mode(old.st_mode & kPermissionBits) : 0666);
     if (error != 0) {
       refusal = error_text(error);
-      is_in_place = exists && is_refused_by_folder(error);
-      return is_in_place || failed(reason, refusal);
+      is_in_place = exists && is_folder_error(error);
+      return is_in_place || fail(reason, refusal);
     }
     RemoveAbandoned();
-    return !exists || TakeOver(old, reason);
+    return !exists || CopyAttributes(old, reason);
   }
 
   bool Write(const char* bytes, std::size_t size, std::string& reason) {
@@ -329,7 +334,7 @@ struct FileReplacement::State {
       return true;
     }
     if (buffer.size() + size > kBufferSize && !Flush(reason)) return false;
-    if (size > kBufferSize) return WriteThrough({bytes, size}, reason);
+    if (size > kBufferSize) return WriteUnbuffered({bytes, size}, reason);
     buffer.append(bytes, size);
     return true;
   }
@@ -337,17 +342,17 @@ struct FileReplacement::State {
   bool Commit(std::string& reason) {
     if (is_in_place) return WriteInPlace(buffer, refusal, reason);
     if (!Flush(reason)) return false;
-    if (uninterrupted([&] { return fsync(file); }) != 0) return failed(reason);
+    if (retry_if_interrupted([&] { return fsync(file); }) != 0) return fail(reason);
     if (renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
-      const bool is_refused = is_refused_by_folder(errno);
-      failed(reason);
+      const bool is_refused = is_folder_error(errno);
+      fail(reason);
       std::string bytes;
       return is_refused && read_all(file, bytes) && WriteInPlace(bytes, std::exchange(reason, ""), reason);
     }
     temporary.clear();
     // The new file is in place. Its name should be on disk too, but a failure to flush the folder is not
     // reported.
-    uninterrupted([&] { return fsync(folder); });
+    retry_if_interrupted([&] { return fsync(folder); });
     return true;
   }
 };
@@ -356,13 +361,13 @@ FileReplacement::FileReplacement() = default;
 
 FileReplacement::~FileReplacement() {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   state_.reset();
 }
 
 bool FileReplacement::Open(const char* path, std::string& reason) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   state_.reset();
   auto state = std::make_unique<State>();
   if (!state->Open(path, reason)) return false;
@@ -372,9 +377,9 @@ bool FileReplacement::Open(const char* path, std::string& reason) {
 
 bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& reason) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   std::unique_ptr<State> state = std::move(state_);
-  if (state == nullptr) return failed(reason, "No file is open");
+  if (state == nullptr) return fail(reason, "No file is open");
   if (!state->Write(static_cast<const char*>(bytes), size, reason)) return false;
   state_ = std::move(state);
   return true;
@@ -382,9 +387,9 @@ bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& re
 
 bool FileReplacement::Commit(std::string& reason) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   const std::unique_ptr<State> state = std::move(state_);
-  if (state == nullptr) return failed(reason, "No file is open");
+  if (state == nullptr) return fail(reason, "No file is open");
   return state->Commit(reason);
 }
 

@@ -26,7 +26,7 @@ LSTATUS in_transaction(const OpenKey& key, Intent intent, Operation operation) {
   if (is_own) database.Begin(intent);
   LSTATUS status = ERROR_KEY_DELETED;  // if the file in which it was is gone
   try {
-    if (key.id == kRootKey || database.readable() != ERROR_FILE_NOT_FOUND)
+    if (key.id == kRootKey || database.ReadStatus() != ERROR_FILE_NOT_FOUND)
       status = operation(*key.store, key.id);
   } catch (const std::bad_alloc&) {
     status = ERROR_NOT_ENOUGH_MEMORY;
@@ -51,15 +51,17 @@ LSTATUS with_key(HKEY handle, REGSAM rights, Intent intent, Operation operation)
   return status;
 }
 
-LSTATUS refused() {
+LSTATUS reject_parameter() {
   last_error = ERROR_INVALID_PARAMETER;
   return ERROR_INVALID_PARAMETER;
 }
 
-HKEY added(RegistryStore& store, KeyId id, REGSAM access) { return registry().Add({&store, id, access, 0}); }
+HKEY add_handle(RegistryStore& store, KeyId id, REGSAM access) {
+  return registry().Add({&store, id, access, 0});
+}
 
 // A key that was opened by a transaction that failed in the end is none.
-LSTATUS checked(LSTATUS status, HKEY* opened) {
+LSTATUS close_after_failure(LSTATUS status, HKEY* opened) {
   if (status == ERROR_SUCCESS || *opened == nullptr) return status;
   RegCloseKey(*opened);
   *opened = nullptr;
@@ -124,43 +126,43 @@ std::string last_error_text() {
 
 }  // namespace orx::platform
 
-using orx::platform::added;
-using orx::platform::checked;
+using orx::platform::add_handle;
+using orx::platform::close_after_failure;
 using orx::platform::KeyId;
-using orx::platform::refused;
 using orx::platform::registry;
 using orx::platform::RegistryStore;
 using orx::platform::RegistryTransaction;
+using orx::platform::reject_parameter;
 using orx::platform::text_or_empty;
 using orx::platform::with_key;
 
 LSTATUS RegOpenKeyExA(HKEY key, const char* path, DWORD /*options*/, REGSAM access, HKEY* opened) {
-  if (opened == nullptr) return refused();
+  if (opened == nullptr) return reject_parameter();
   *opened = nullptr;
   const LSTATUS status = with_key(key, 0, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId from) {
     KeyId id = 0;
     const LSTATUS found = store.Find(from, text_or_empty(path), id);
-    if (found == ERROR_SUCCESS) *opened = added(store, id, access);
+    if (found == ERROR_SUCCESS) *opened = add_handle(store, id, access);
     return found;
   });
-  return checked(status, opened);
+  return close_after_failure(status, opened);
 }
 
 LSTATUS RegCreateKeyExA(HKEY key, const char* path, DWORD /*reserved*/, char* /*class_name*/,
                         DWORD /*options*/, REGSAM access, const void* /*security*/, HKEY* opened,
                         DWORD* disposition) {
-  if (opened == nullptr) return refused();
+  if (opened == nullptr) return reject_parameter();
   *opened = nullptr;
   const LSTATUS status = with_key(key, 0, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId from) {
     KeyId id = 0;
     bool is_new = false;
     const LSTATUS made = store.Make(from, text_or_empty(path), id, is_new);
     if (made != ERROR_SUCCESS) return made;
-    *opened = added(store, id, access);
+    *opened = add_handle(store, id, access);
     if (disposition != nullptr) *disposition = is_new ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
     return made;
   });
-  return checked(status, opened);
+  return close_after_failure(status, opened);
 }
 
 LSTATUS RegCloseKey(HKEY key) {
@@ -170,7 +172,7 @@ LSTATUS RegCloseKey(HKEY key) {
 
 LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* /*reserved*/, DWORD* type, BYTE* data,
                          DWORD* size) {
-  if (data != nullptr && size == nullptr) return refused();
+  if (data != nullptr && size == nullptr) return reject_parameter();
   return with_key(key, KEY_QUERY_VALUE, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId id) {
     return store.Query(id, text_or_empty(name), {type, data, size});
   });
@@ -190,7 +192,7 @@ LSTATUS RegDeleteValueA(HKEY key, const char* name) {
 }
 
 LSTATUS RegDeleteKeyA(HKEY key, const char* path) {
-  if (path == nullptr) return refused();
+  if (path == nullptr) return reject_parameter();
   return with_key(key, 0, RegistryTransaction::kRead,
                   [&](RegistryStore& store, KeyId id) { return store.Delete(id, path); });
 }
@@ -202,7 +204,7 @@ LSTATUS SHDeleteKeyA(HKEY key, const char* path) {
 
 LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* /*reserved*/,
                       char* /*class_name*/, DWORD* /*class_size*/, void* /*last_write_time*/) {
-  if (name == nullptr || name_size == nullptr) return refused();
+  if (name == nullptr || name_size == nullptr) return reject_parameter();
   return with_key(key, KEY_ENUMERATE_SUB_KEYS, RegistryTransaction::kRead,
                   [&](RegistryStore& store, KeyId id) {
                     return store.ListKey(id, index, {name, name_size});
@@ -211,7 +213,8 @@ LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD
 
 LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* /*reserved*/, DWORD* type,
                       BYTE* data, DWORD* size) {
-  if (name == nullptr || name_size == nullptr || (data != nullptr && size == nullptr)) return refused();
+  if (name == nullptr || name_size == nullptr || (data != nullptr && size == nullptr))
+    return reject_parameter();
   return with_key(key, KEY_QUERY_VALUE, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId id) {
     return store.ListValue(id, index, {name, name_size}, {type, data, size});
   });

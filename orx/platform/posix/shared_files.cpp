@@ -20,11 +20,11 @@
 namespace orx::platform {
 namespace {
 
-constexpr int kLinksFollowed = 40;  // as many as the system itself follows
+constexpr int kMaxLinks = 40;  // as many as the system itself follows
 constexpr mode_t kFileBits = 0666;
 constexpr mode_t kFolderBits = S_ISGID | S_ISVTX | 0777;  // who may delete what is inherited, too
 
-constexpr int kOpenLog = O_WRONLY | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | O_NOFOLLOW;
+constexpr int kOpenLogFlags = O_WRONLY | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | O_NOFOLLOW;
 
 // The folder at the end of a path, or above its last name. The path may end in a slash.
 struct Place {
@@ -69,7 +69,7 @@ mode_t inherited_mode(int made, const Place& place, const struct stat& status) {
 }
 
 // The rights of single users and groups, if the folder has such.
-bool copy_list(const Place& place, int made) {
+bool copy_access_control_list(const Place& place, int made) {
   constexpr const char* kName = "system.posix_acl_access";
   char list[4096];
   const ssize_t size = getxattr(place.folder_path.c_str(), kName, list, sizeof list);
@@ -77,13 +77,13 @@ bool copy_list(const Place& place, int made) {
 }
 
 // Gives what was made the rights, the group and, if the administrator does it, the owner of its folder.
-void inherit(int made, const Place& place, mode_t bits) {
+void inherit_attributes(int made, const Place& place, mode_t bits) {
   struct stat status;
   if (fstat(made, &status) != 0) return;
   mode_t mode = inherited_mode(made, place, status) & bits;
   if (place.HasDefaultList()) {
     mode = (status.st_mode & 0777) | (mode & ~mode_t{0777});
-  } else if (copy_list(place, made)) {
+  } else if (copy_access_control_list(place, made)) {
     status.st_mode = 0;  // the list has changed it
   }
   if ((status.st_mode & kFolderBits) != mode) fchmod(made, mode);
@@ -91,7 +91,7 @@ void inherit(int made, const Place& place, mode_t bits) {
 
 // In a shared folder, another user may have replaced the new folder by another one of this user. Nothing is
 // lost if an empty folder gets new rights.
-bool is_new(int folder) {
+bool is_own_new_folder(int folder) {
   constexpr ssize_t kTwoEntries = 48;  // "." and ".."
   struct stat status;
   char entries[256];
@@ -102,17 +102,17 @@ bool is_new(int folder) {
 // Whether a log may be written to what was found at its path, or through it if it is a link. Other users who
 // may write to the folder can plant a link or a second name of a file of this user, or a pipe. A file with
 // one name is safe: it was made there, as a log.
-bool may_be_used(const struct stat& status, const Place& place) {
+bool is_trusted(const struct stat& status, const Place& place) {
   if (place.IsPrivate()) return true;
   if (S_ISREG(status.st_mode)) return status.st_nlink <= 1;
   return status.st_uid == geteuid() || status.st_uid == 0;
 }
 
 // The path that a link leads to; empty when it may not be followed, or is not a link any more.
-std::string target_of(const Place& place) {
+std::string read_link(const Place& place) {
   const Descriptor link(openat(place.folder, place.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
   struct stat status;
-  if (!link.is_open() || fstat(link, &status) != 0 || !may_be_used(status, place)) return "";
+  if (!link.is_open() || fstat(link, &status) != 0 || !is_trusted(status, place)) return "";
   char target[PATH_MAX];
   const ssize_t size = readlinkat(link, "", target, sizeof target);
   if (size <= 0) return "";
@@ -122,72 +122,74 @@ std::string target_of(const Place& place) {
 
 // Not with O_CREAT for a file that exists: in a folder where only its owner may delete a file, the system
 // refuses that for the files of others.
-Descriptor open_in(const Place& place) {
-  Descriptor file(uninterrupted([&] { return openat(place.folder, place.name.c_str(), kOpenLog); }));
+Descriptor open_or_create(const Place& place) {
+  Descriptor file(
+      retry_if_interrupted([&] { return openat(place.folder, place.name.c_str(), kOpenLogFlags); }));
   struct stat status;
-  if (file.is_open() && fstat(file, &status) == 0 && may_be_used(status, place)) return file;
+  if (file.is_open() && fstat(file, &status) == 0 && is_trusted(status, place)) return file;
   if (file.is_open()) errno = EACCES;
   if (errno != ENOENT) return Descriptor();
   const mode_t mode = place.ModeForNew(kFileBits);
-  constexpr int kNew = kOpenLog | O_CREAT | O_EXCL;
-  file = Descriptor(uninterrupted([&] { return openat(place.folder, place.name.c_str(), kNew, mode); }));
-  if (file.is_open()) inherit(file, place, kFileBits);
+  constexpr int kNew = kOpenLogFlags | O_CREAT | O_EXCL;
+  file =
+      Descriptor(retry_if_interrupted([&] { return openat(place.folder, place.name.c_str(), kNew, mode); }));
+  if (file.is_open()) inherit_attributes(file, place, kFileBits);
   return file;
 }
 
 // Follows the links at the end of the path one by one, since each may have been planted.
-Descriptor open_log(std::string path) {
-  for (int tried = 0; tried <= kLinksFollowed && !path.empty(); ++tried) {
+Descriptor open_through_links(std::string path) {
+  for (int tried = 0; tried <= kMaxLinks && !path.empty(); ++tried) {
     const Place place(path);
     if (!place.is_found || path.ends_with('/')) break;
-    Descriptor file = open_in(place);
+    Descriptor file = open_or_create(place);
     if (file.is_open() || (errno != ELOOP && errno != EEXIST)) return file;
-    if (errno == ELOOP) path = target_of(place);
+    if (errno == ELOOP) path = read_link(place);
   }
   return Descriptor();
 }
 
 // Most logs are a file of one name, which can be opened in one step.
 Descriptor open_plain_log(const std::string& path) {
-  Descriptor file(uninterrupted([&] { return open(path.c_str(), kOpenLog); }));
+  Descriptor file(retry_if_interrupted([&] { return open(path.c_str(), kOpenLogFlags); }));
   struct stat status;
   const bool is_plain =
       file.is_open() && fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink <= 1;
   return is_plain ? std::move(file) : Descriptor();
 }
 
-Descriptor opened_log(const char* path) {
+Descriptor open_log(const char* path) {
   SystemPath where = parse_path(path);
   Descriptor file = open_plain_log(where.name);
   // A log that exists in another letter case is found before a new one is made.
   const int error = file.is_open() || errno != ENOENT ? ENOENT : find_in_any_case(where);
   if (error == ENOTUNIQ) return Descriptor();
-  return file.is_open() ? std::move(file) : open_log(where.name);
+  return file.is_open() ? std::move(file) : open_through_links(where.name);
 }
 
 }  // namespace
 
 bool create_shared_folder(const char* path) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   SystemPath where = parse_path(path);
   // A folder that exists in another letter case is there already.
   struct stat status;
   const auto is_there = [&](const char* name) { return lstat(name, &status); };
-  if (where.drive_folder > 0 && (on_path(where, is_there) == 0 || errno == ENOTUNIQ)) return false;
+  if (where.drive_folder_length > 0 && (on_path(where, is_there) == 0 || errno == ENOTUNIQ)) return false;
   const Place place(where.name);
   if (!place.is_found) return false;
   if (mkdirat(place.folder, place.name.c_str(), place.ModeForNew(kFolderBits)) != 0) return false;
   constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
   const Descriptor made(openat(place.folder, place.name.c_str(), kFlags));
-  if (made.is_open() && is_new(made)) inherit(made, place, kFolderBits);
+  if (made.is_open() && is_own_new_folder(made)) inherit_attributes(made, place, kFolderBits);
   return true;
 }
 
 bool clear_log(const char* path) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
-  Descriptor file = opened_log(path);
+  const CancellationBlock cancellation_block;
+  Descriptor file = open_log(path);
   struct stat status;
   if (!file.is_open() || fstat(file, &status) != 0) return false;
   return (!S_ISREG(status.st_mode) || ftruncate(file, 0) == 0) && file.Close();
@@ -195,8 +197,8 @@ bool clear_log(const char* path) {
 
 bool append_to_log(const char* path, std::string_view bytes) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
-  Descriptor file = opened_log(path);
+  const CancellationBlock cancellation_block;
+  Descriptor file = open_log(path);
   const bool is_written = file.is_open() && write_all(file, bytes);
   return file.Close() && is_written;
 }

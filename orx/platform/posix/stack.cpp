@@ -17,7 +17,7 @@ struct Stack {
   std::uintptr_t end = 0;  // 0: not known
 };
 
-Stack measured() {
+Stack measure_stack() {
   pthread_attr_t attributes;
   if (pthread_getattr_np(pthread_self(), &attributes) != 0) return {};
   void* usable = nullptr;
@@ -39,13 +39,13 @@ rlim_t current_limit() {
 // Measured once a thread, since it takes the first thread the reading of all the mappings of the process.
 // That thread's stack grows as far as the limit allows at the time; the others' are what they are, in a child
 // that one of them has forked too.
-const Stack& own_stack() {
+const Stack& current_stack() {
   thread_local Stack stack;
   thread_local rlim_t limit = 0;
   thread_local const bool grows = gettid() == getpid();
   const rlim_t limit_now = grows ? current_limit() : limit;
   if (stack.end == 0 || limit != limit_now) {
-    stack = measured();
+    stack = measure_stack();
     limit = limit_now;
   }
   return stack;
@@ -55,7 +55,7 @@ const Stack& own_stack() {
 
 std::size_t stack_left() {
   const ErrnoGuard errno_guard;
-  const Stack& stack = own_stack();
+  const Stack& stack = current_stack();
   // No local's address: the address sanitizer may keep locals elsewhere.
   const auto here = reinterpret_cast<std::uintptr_t>(frame_address());
   return here >= stack.lowest && here < stack.end ? here - stack.lowest : 0;

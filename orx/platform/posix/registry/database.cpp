@@ -13,7 +13,7 @@
 
 namespace orx::platform {
 
-int registry_patience = 10'000;
+int registry_busy_timeout_ms = 10'000;
 
 namespace {
 
@@ -97,11 +97,12 @@ LSTATUS status_of_system_error(int error) {
 }
 
 // Many short waits of unequal length, so that each of several writers gets its turn.
-int wait_for_others(void* pointer, int /*count*/) {
+int wait_for_lock(void* pointer, int /*count*/) {
   using std::chrono::steady_clock;
   auto& deadline = *static_cast<steady_clock::time_point*>(pointer);
   const auto now = steady_clock::now();
-  if (deadline == steady_clock::time_point()) deadline = now + std::chrono::milliseconds(registry_patience);
+  if (deadline == steady_clock::time_point())
+    deadline = now + std::chrono::milliseconds(registry_busy_timeout_ms);
   if (now >= deadline) return 0;
   std::this_thread::sleep_for(std::chrono::microseconds(200 + now.time_since_epoch().count() / 64 % 2048));
   return 1;
@@ -117,8 +118,8 @@ void RegistryDatabase::Begin(RegistryTransaction::Intent intent) {
   deadline_ = {};
   try {
     if (intent == RegistryTransaction::kWrite) {
-      StartWriting();
-    } else if (Connect(place_.is_made_to_read) == ERROR_SUCCESS && database_ != nullptr) {
+      BeginWriting();
+    } else if (Connect(place_.is_created_to_read) == ERROR_SUCCESS && database_ != nullptr) {
       Start(Sql::kBegin);
     }
   } catch (const std::bad_alloc&) {
@@ -126,21 +127,21 @@ void RegistryDatabase::Begin(RegistryTransaction::Intent intent) {
   }
 }
 
-LSTATUS RegistryDatabase::StartWriting() {
+LSTATUS RegistryDatabase::BeginWriting() {
   if (is_writing_ || failure_ != ERROR_SUCCESS) return failure_;
   is_writing_ = true;
   signals_.emplace();
   if (kind_ == StoreKind::kOutdated) Disconnect();  // to be brought up to date first
   const bool is_reading = database_ != nullptr && sqlite3_get_autocommit(database_.get()) == 0;
-  const LSTATUS status = is_reading ? Do(Sql::kCommit) : Connect(/*is_made=*/true);
+  const LSTATUS status = is_reading ? Do(Sql::kCommit) : Connect(/*creates_file=*/true);
   return status == ERROR_SUCCESS ? Start(Sql::kBeginWriting) : status;
 }
 
 LSTATUS RegistryDatabase::Start(Sql begin) {
   if (Do(begin) != ERROR_SUCCESS) return failure_;
   {
-    Run run(Prepared(Sql::kDataVersion));
-    if (Found(run) != ERROR_SUCCESS) return failure_;
+    Run run(Prepare(Sql::kDataVersion));
+    if (StepToRow(run) != ERROR_SUCCESS) return failure_;
     if (run.Integer(0) == data_version_) return failure_;
     data_version_ = run.Integer(0);
   }
@@ -159,7 +160,7 @@ LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
   };
   if (is_open() && failure_ == ERROR_SUCCESS && outcome == RegistryTransaction::kKept) Do(Sql::kCommit);
   if (is_open()) {
-    Run rollback(Prepared(Sql::kRollback));
+    Run rollback(Prepare(Sql::kRollback));
     rollback.Step();
     ++epoch_;
   }
@@ -171,12 +172,12 @@ LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
   return failure_;
 }
 
-LSTATUS RegistryDatabase::readable() const {
+LSTATUS RegistryDatabase::ReadStatus() const {
   if (failure_ != ERROR_SUCCESS) return failure_;
   return database_ != nullptr ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
 }
 
-sqlite3_stmt* RegistryDatabase::Prepared(Sql sql) {
+sqlite3_stmt* RegistryDatabase::Prepare(Sql sql) {
   Statement& statement = statements_[static_cast<std::size_t>(sql)];
   if (statement == nullptr) {
     sqlite3_stmt* made = nullptr;
@@ -188,20 +189,20 @@ sqlite3_stmt* RegistryDatabase::Prepared(Sql sql) {
   return statement.get();
 }
 
-LSTATUS RegistryDatabase::Found(Run& run) {
+LSTATUS RegistryDatabase::StepToRow(Run& run) {
   const int result = run.Step();
   if (result == SQLITE_ROW) return ERROR_SUCCESS;
   return result == SQLITE_DONE ? LSTATUS{ERROR_FILE_NOT_FOUND} : Fail(result);
 }
 
-LSTATUS RegistryDatabase::Done(Run& run) {
+LSTATUS RegistryDatabase::StepToEnd(Run& run) {
   const int result = run.Step();
   return result == SQLITE_DONE ? LSTATUS{ERROR_SUCCESS} : Fail(result);
 }
 
 LSTATUS RegistryDatabase::Do(Sql sql) {
-  Run run(Prepared(sql));
-  return Done(run);
+  Run run(Prepare(sql));
+  return StepToEnd(run);
 }
 
 int RegistryDatabase::Execute(const char* sql) {
@@ -224,7 +225,7 @@ LSTATUS RegistryDatabase::Fail(LSTATUS status, std::string_view reason) {
 }
 
 // Without a file there is no connection, and no failure either.
-LSTATUS RegistryDatabase::Connect(bool is_made) {
+LSTATUS RegistryDatabase::Connect(bool creates_file) {
   std::string path = registry_path(place_);
   if (database_ != nullptr && path == path_ && !HasMoved()) return ERROR_SUCCESS;
   Disconnect();
@@ -233,7 +234,7 @@ LSTATUS RegistryDatabase::Connect(bool is_made) {
 
   struct stat status;
   int error = stat(path_.c_str(), &status) == 0 ? 0 : errno;
-  if (error == ENOENT && !is_made) return ERROR_SUCCESS;
+  if (error == ENOENT && !creates_file) return ERROR_SUCCESS;
   if (error == ENOENT) error = make_registry_file(place_, path_);
   if (error != 0) return Fail(status_of_system_error(error), error_text(error));
   return Open();
@@ -249,35 +250,35 @@ LSTATUS RegistryDatabase::Open() {
   ++epoch_;
   data_version_ = 0;
   if (error == SQLITE_OK) error = add_fold_function(opened);
-  if (error == SQLITE_OK) error = sqlite3_busy_handler(opened, wait_for_others, &deadline_);
-  if (error == SQLITE_OK && BringUpToDate() == ERROR_SUCCESS) error = Execute(kSettings);
+  if (error == SQLITE_OK) error = sqlite3_busy_handler(opened, wait_for_lock, &deadline_);
+  if (error == SQLITE_OK && Upgrade() == ERROR_SUCCESS) error = Execute(kSettings);
   if (error != SQLITE_OK) Fail(error);
   if (failure_ != ERROR_SUCCESS) Disconnect();
   return failure_;
 }
 
 StoreKind RegistryDatabase::ReadKind() {
-  Run run(Prepared(Sql::kSchema));
-  return Found(run) == ERROR_SUCCESS ? kind_of_store(run.Integer(0), run.Integer(1), run.Integer(2))
-                                     : StoreKind::kForeign;
+  Run run(Prepare(Sql::kSchema));
+  return StepToRow(run) == ERROR_SUCCESS ? kind_of_store(run.Integer(0), run.Integer(1), run.Integer(2))
+                                         : StoreKind::kForeign;
 }
 
 // Nothing of a file that is not ours is changed. An outdated store that cannot be written can still be read.
-LSTATUS RegistryDatabase::BringUpToDate() {
+LSTATUS RegistryDatabase::Upgrade() {
   kind_ = ReadKind();
   if (failure_ != ERROR_SUCCESS || kind_ == StoreKind::kCurrent) return failure_;
   if (kind_ == StoreKind::kLater) return Fail(ERROR_BADDB, "made by a later version");
   if (kind_ == StoreKind::kForeign) return Fail(ERROR_BADDB, "not a store of settings");
   int error = Execute("PRAGMA temp_store = MEMORY; BEGIN IMMEDIATE");
-  if (error == SQLITE_OK) error = TakeSteps();
-  if (error != SQLITE_OK && kind_ == StoreKind::kOutdated && !is_writing_) error = Execute(kReadOutdated);
+  if (error == SQLITE_OK) error = RunUpgradeScript();
+  if (error != SQLITE_OK && kind_ == StoreKind::kOutdated && !is_writing_) error = Execute(kOutdatedViews);
   return error == SQLITE_OK ? failure_ : Fail(error);
 }
 
-int RegistryDatabase::TakeSteps() {
+int RegistryDatabase::RunUpgradeScript() {
   int error = SQLITE_OK;
   // Another process may have been first.
-  if (const char* steps = steps_to_current(ReadKind()); steps != nullptr) error = Execute(steps);
+  if (const char* steps = upgrade_script(ReadKind()); steps != nullptr) error = Execute(steps);
   if (error == SQLITE_OK) error = Execute("COMMIT");
   if (error == SQLITE_OK) kind_ = StoreKind::kCurrent;
   if (sqlite3_get_autocommit(database_.get()) == 0) Execute("ROLLBACK");

@@ -20,7 +20,7 @@
 namespace orx::platform {
 
 // How long a transaction waits for other processes, in milliseconds; tests shorten it.
-extern int registry_patience;
+extern int registry_busy_timeout_ms;
 
 enum class Sql : std::size_t {
   kBegin,
@@ -55,19 +55,19 @@ class RegistryDatabase {
 
   void Begin(RegistryTransaction::Intent intent);
   // Goes on with a transaction that may write; what was read before may have changed.
-  LSTATUS StartWriting();
+  LSTATUS BeginWriting();
   LSTATUS End(RegistryTransaction::Outcome outcome);
   bool is_active() const { return is_active_; }
 
   // ERROR_FILE_NOT_FOUND when there is no file yet.
-  LSTATUS readable() const;
+  LSTATUS ReadStatus() const;
   // Another number when a key that was found may be gone without a deletion through this connection.
   std::uint64_t epoch() const { return epoch_; }
 
-  sqlite3_stmt* Prepared(Sql sql);
+  sqlite3_stmt* Prepare(Sql sql);
   // A row was found, or ERROR_FILE_NOT_FOUND.
-  LSTATUS Found(Run& run);
-  LSTATUS Done(Run& run);
+  LSTATUS StepToRow(Run& run);
+  LSTATUS StepToEnd(Run& run);
 
   // Closes the file, unless the calling thread is in a transaction.
   void CloseIfIdle();
@@ -79,12 +79,12 @@ class RegistryDatabase {
   int Execute(const char* sql);  // the result is SQLite's
   LSTATUS Fail(int sqlite_error);
   LSTATUS Fail(LSTATUS status, std::string_view reason);
-  LSTATUS Connect(bool is_made);
+  LSTATUS Connect(bool creates_file);
   LSTATUS Open();
   void Disconnect();
   StoreKind ReadKind();
-  LSTATUS BringUpToDate();
-  int TakeSteps();
+  LSTATUS Upgrade();
+  int RunUpgradeScript();
   bool HasMoved() const;
   LSTATUS Start(Sql begin);
 
@@ -95,7 +95,7 @@ class RegistryDatabase {
   std::array<Statement, static_cast<std::size_t>(Sql::kCount)> statements_;
   std::uint64_t epoch_ = 0;
   std::int64_t data_version_ = 0;
-  StoreKind kind_ = StoreKind::kCurrent;  // outdated: it is read through kReadOutdated
+  StoreKind kind_ = StoreKind::kCurrent;  // outdated: it is read through kOutdatedViews
 
   bool is_active_ = false;
   bool is_writing_ = false;

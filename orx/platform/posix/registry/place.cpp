@@ -23,7 +23,7 @@ bool make_folder(const std::string& path, mode_t mode) {
 }  // namespace
 
 std::string registry_path(const RegistryPlace& place) {
-  std::string path = variable(place.variable);
+  std::string path = environment_variable(place.variable);
   if (!path.empty() && path.front() != '/') path.insert(0, "./");
   if (!path.empty()) return path;
   if (place.file[0] == '/') return place.file;

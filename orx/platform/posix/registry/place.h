@@ -12,7 +12,7 @@ struct RegistryPlace {
   const char* file;      // else this one, below the user's configuration if it is relative
   mode_t file_mode;
   mode_t folder_mode;
-  bool is_made_to_read;  // not only to write
+  bool is_created_to_read;  // not only to write
 };
 
 // The user's is nobody else's business; the machine's can be read by all.

@@ -19,10 +19,10 @@ StoreKind kind_of_store(std::int64_t application_id, std::int64_t version, std::
 
 // SQL for a transaction that writes, after which the store is current; null for a file that it cannot be made
 // of. Add the function first.
-const char* steps_to_current(StoreKind kind);
+const char* upgrade_script(StoreKind kind);
 
 // SQL that lets a connection read an outdated store as if its names were folded anew. It writes nothing.
-extern const char kReadOutdated[];
+extern const char kOutdatedViews[];
 
 // Adds the function fold(name) to a connection; the result is SQLite's.
 int add_fold_function(sqlite3* database);

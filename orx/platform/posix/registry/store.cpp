@@ -7,7 +7,7 @@
 namespace orx::platform {
 namespace {
 
-constexpr std::size_t kMostKnown = 4096;
+constexpr std::size_t kMaxCachedKeys = 4096;
 
 bool is_text(std::int64_t type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
@@ -40,12 +40,12 @@ bool fold_value_name(std::string_view name, std::string& folded) {
 
 LSTATUS RegistryStore::Find(KeyId from, std::string_view path, KeyId& found) {
   if (path.starts_with('\\')) return ERROR_BAD_PATHNAME;
-  const LSTATUS readable = database_.readable();
+  const LSTATUS readable = database_.ReadStatus();
   const bool is_root = from == kRootKey && path.empty();
   if (is_root) found = from;
   if (is_root && readable == ERROR_FILE_NOT_FOUND) return ERROR_SUCCESS;  // it is there without a file
   if (readable != ERROR_SUCCESS) return readable;
-  if (FindKnown(from, path, found)) return ERROR_SUCCESS;
+  if (FindCached(from, path, found)) return ERROR_SUCCESS;
   if (const LSTATUS status = Exists(from); status != ERROR_SUCCESS) return status;
   KeyId key = from;
   std::string folded;
@@ -53,7 +53,7 @@ LSTATUS RegistryStore::Find(KeyId from, std::string_view path, KeyId& found) {
     const LSTATUS status = FindLevel(key, take_level(rest), folded, key);
     if (status != ERROR_SUCCESS) return status;
   }
-  Know(from, path, key);
+  Cache(from, path, key);
   found = key;
   return ERROR_SUCCESS;
 }
@@ -62,7 +62,7 @@ LSTATUS RegistryStore::Make(KeyId from, std::string_view path, KeyId& made, bool
   is_new = false;
   LSTATUS status = Find(from, path, made);
   if (status != ERROR_FILE_NOT_FOUND) return status;
-  status = StartWriting(from);
+  status = BeginWriting(from);
   KeyId key = from;
   std::string folded;
   for (std::string_view rest = path; status == ERROR_SUCCESS && !rest.empty();) {
@@ -79,8 +79,8 @@ LSTATUS RegistryStore::Delete(KeyId from, std::string_view path) {
   KeyId key = 0;
   if (const LSTATUS status = FindDeletable(from, path, key); status != ERROR_SUCCESS) return status;
   {
-    Run run(database_.Prepared(Sql::kHasChildren));
-    const LSTATUS status = database_.Found(run.Bind(key));
+    Run run(database_.Prepare(Sql::kHasChildren));
+    const LSTATUS status = database_.StepToRow(run.Bind(key));
     if (status != ERROR_FILE_NOT_FOUND)
       return status == ERROR_SUCCESS ? LSTATUS{ERROR_ACCESS_DENIED} : status;
   }
@@ -90,17 +90,17 @@ LSTATUS RegistryStore::Delete(KeyId from, std::string_view path) {
 LSTATUS RegistryStore::DeleteTree(KeyId from, std::string_view path) {
   if (path.empty() && from == kRootKey) return ERROR_ACCESS_DENIED;
   KeyId key = from;
-  const LSTATUS status = path.empty() ? StartWriting(from) : FindDeletable(from, path, key);
+  const LSTATUS status = path.empty() ? BeginWriting(from) : FindDeletable(from, path, key);
   if (status != ERROR_SUCCESS) return status;
   return Remove(path.empty() ? Sql::kDeleteChildren : Sql::kDeleteKey, key);
 }
 
 LSTATUS RegistryStore::Query(KeyId key, std::string_view name, const ValueOutput& output) {
   std::string folded;
-  LSTATUS status = fold_value_name(name, folded) ? database_.readable() : LSTATUS{ERROR_FILE_NOT_FOUND};
+  LSTATUS status = fold_value_name(name, folded) ? database_.ReadStatus() : LSTATUS{ERROR_FILE_NOT_FOUND};
   if (status == ERROR_SUCCESS) {
-    Run run(database_.Prepared(Sql::kFindValue));
-    status = database_.Found(run.Bind(key).Bind(folded));
+    Run run(database_.Prepare(Sql::kFindValue));
+    status = database_.StepToRow(run.Bind(key).Bind(folded));
     if (status == ERROR_SUCCESS) return deliver_value(run.Integer(0), run.Bytes(1), output);
   }
   if (status != ERROR_FILE_NOT_FOUND) return status;
@@ -113,17 +113,17 @@ LSTATUS RegistryStore::Query(KeyId key, std::string_view name, const ValueOutput
 LSTATUS RegistryStore::Set(KeyId key, std::string_view name, DWORD type, const void* data, DWORD size) {
   std::string folded;
   if (!fold_value_name(name, folded)) return ERROR_INVALID_PARAMETER;
-  if (const LSTATUS status = StartWriting(key); status != ERROR_SUCCESS) return status;
-  Run run(database_.Prepared(Sql::kSetValue));
-  return database_.Done(run.Bind(key).Bind(name).Bind(folded).Bind(type).Bind(data, size));
+  if (const LSTATUS status = BeginWriting(key); status != ERROR_SUCCESS) return status;
+  Run run(database_.Prepare(Sql::kSetValue));
+  return database_.StepToEnd(run.Bind(key).Bind(name).Bind(folded).Bind(type).Bind(data, size));
 }
 
 LSTATUS RegistryStore::DeleteValue(KeyId key, std::string_view name) {
   std::string folded;
   if (!fold_value_name(name, folded)) return ERROR_FILE_NOT_FOUND;
-  if (const LSTATUS status = StartWriting(key); status != ERROR_SUCCESS) return status;
-  Run run(database_.Prepared(Sql::kDeleteValue));
-  return database_.Found(run.Bind(key).Bind(folded));
+  if (const LSTATUS status = BeginWriting(key); status != ERROR_SUCCESS) return status;
+  Run run(database_.Prepare(Sql::kDeleteValue));
+  return database_.StepToRow(run.Bind(key).Bind(folded));
 }
 
 LSTATUS RegistryStore::ListKey(KeyId key, DWORD index, const NameOutput& output) {
@@ -138,35 +138,35 @@ LSTATUS RegistryStore::ListValue(KeyId key, DWORD index, const NameOutput& outpu
   });
 }
 
-LSTATUS RegistryStore::StartWriting(KeyId key) {
-  const LSTATUS status = database_.StartWriting();
+LSTATUS RegistryStore::BeginWriting(KeyId key) {
+  const LSTATUS status = database_.BeginWriting();
   return status == ERROR_SUCCESS ? Exists(key) : status;
 }
 
 LSTATUS RegistryStore::Exists(KeyId key) {
-  if (key == kRootKey) return database_.readable();
-  Run run(database_.Prepared(Sql::kKeyExists));
-  const LSTATUS status = database_.Found(run.Bind(key));
+  if (key == kRootKey) return database_.ReadStatus();
+  Run run(database_.Prepare(Sql::kKeyExists));
+  const LSTATUS status = database_.StepToRow(run.Bind(key));
   return status == ERROR_FILE_NOT_FOUND ? LSTATUS{ERROR_KEY_DELETED} : status;
 }
 
 LSTATUS RegistryStore::FindLevel(KeyId parent, std::string_view level, std::string& folded, KeyId& found) {
   if (!fold_name(level, ORX_REGISTRY_KEY_NAME_LENGTH, folded)) return ERROR_INVALID_PARAMETER;
-  Run run(database_.Prepared(Sql::kFindKey));
-  const LSTATUS status = database_.Found(run.Bind(parent).Bind(folded));
+  Run run(database_.Prepare(Sql::kFindKey));
+  const LSTATUS status = database_.StepToRow(run.Bind(parent).Bind(folded));
   if (status == ERROR_SUCCESS) found = run.Integer(0);
   return status;
 }
 
 LSTATUS RegistryStore::AddLevel(KeyId parent, std::string_view level, std::string_view folded, KeyId& made) {
   {
-    Run depth(database_.Prepared(Sql::kKeyDepth));
-    const LSTATUS status = database_.Found(depth.Bind(parent).Bind(ORX_REGISTRY_DEPTH));
+    Run depth(database_.Prepare(Sql::kKeyDepth));
+    const LSTATUS status = database_.StepToRow(depth.Bind(parent).Bind(ORX_REGISTRY_DEPTH));
     if (status != ERROR_SUCCESS) return status;
     if (depth.Integer(0) >= ORX_REGISTRY_DEPTH) return ERROR_INVALID_PARAMETER;
   }
-  Run run(database_.Prepared(Sql::kAddKey));
-  const LSTATUS status = database_.Found(run.Bind(parent).Bind(level).Bind(folded));
+  Run run(database_.Prepare(Sql::kAddKey));
+  const LSTATUS status = database_.StepToRow(run.Bind(parent).Bind(level).Bind(folded));
   if (status == ERROR_SUCCESS) made = run.Integer(0);
   return status;
 }
@@ -177,34 +177,34 @@ LSTATUS RegistryStore::FindDeletable(KeyId from, std::string_view path, KeyId& f
   if (found == kRootKey || (Find(kRootKey, "Software", software) == ERROR_SUCCESS && found == software)) {
     return ERROR_ACCESS_DENIED;
   }
-  if (const LSTATUS status = database_.StartWriting(); status != ERROR_SUCCESS) return status;
+  if (const LSTATUS status = database_.BeginWriting(); status != ERROR_SUCCESS) return status;
   return Find(from, path, found);
 }
 
 LSTATUS RegistryStore::Remove(Sql sql, KeyId key) {
-  known_.clear();
-  Run run(database_.Prepared(sql));
-  return database_.Done(run.Bind(key));
+  cached_keys_.clear();
+  Run run(database_.Prepare(sql));
+  return database_.StepToEnd(run.Bind(key));
 }
 
-bool RegistryStore::FindKnown(KeyId from, std::string_view path, KeyId& found) {
-  if (known_epoch_ != database_.epoch()) known_.clear();
-  known_epoch_ = database_.epoch();
-  known_name_.assign(reinterpret_cast<const char*>(&from), sizeof from).append(path);
-  const auto known = known_.find(known_name_);
-  if (known != known_.end()) found = known->second;
-  return known != known_.end();
+bool RegistryStore::FindCached(KeyId from, std::string_view path, KeyId& found) {
+  if (cached_epoch_ != database_.epoch()) cached_keys_.clear();
+  cached_epoch_ = database_.epoch();
+  cache_key_.assign(reinterpret_cast<const char*>(&from), sizeof from).append(path);
+  const auto known = cached_keys_.find(cache_key_);
+  if (known != cached_keys_.end()) found = known->second;
+  return known != cached_keys_.end();
 }
 
-void RegistryStore::Know(KeyId from, std::string_view path, KeyId found) {
-  if (known_.size() >= kMostKnown) known_.clear();
-  known_name_.assign(reinterpret_cast<const char*>(&from), sizeof from).append(path);
-  known_.emplace(known_name_, found);
+void RegistryStore::Cache(KeyId from, std::string_view path, KeyId found) {
+  if (cached_keys_.size() >= kMaxCachedKeys) cached_keys_.clear();
+  cache_key_.assign(reinterpret_cast<const char*>(&from), sizeof from).append(path);
+  cached_keys_.emplace(cache_key_, found);
 }
 
 template <class Deliver>
 LSTATUS RegistryStore::ListItem(Sql sql, Listing& listing, KeyId key, DWORD index, Deliver deliver) {
-  LSTATUS status = database_.readable();
+  LSTATUS status = database_.ReadStatus();
   if (status != ERROR_SUCCESS) return status == ERROR_FILE_NOT_FOUND ? LSTATUS{ERROR_NO_MORE_ITEMS} : status;
   // Goes on behind the item before, which may be gone by now. A listing that begins anew finds what was made
   // meanwhile.
@@ -213,8 +213,8 @@ LSTATUS RegistryStore::ListItem(Sql sql, Listing& listing, KeyId key, DWORD inde
   const std::string least = goes_on ? listing.folded + '\0' : "";
   const DWORD offset = goes_on ? index - listing.index - 1 : index;
   {
-    Run run(database_.Prepared(sql));
-    status = database_.Found(run.Bind(key).Bind(least).Bind(offset));
+    Run run(database_.Prepare(sql));
+    status = database_.StepToRow(run.Bind(key).Bind(least).Bind(offset));
     if (status == ERROR_SUCCESS) {
       status = deliver(run);
       listing = {key, index, std::string(run.Bytes(1))};

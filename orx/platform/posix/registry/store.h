@@ -53,23 +53,23 @@ class RegistryStore {
   };
 
   // ERROR_KEY_DELETED for a key that is gone.
-  LSTATUS StartWriting(KeyId key);
+  LSTATUS BeginWriting(KeyId key);
   LSTATUS Exists(KeyId key);
   LSTATUS FindLevel(KeyId parent, std::string_view level, std::string& folded, KeyId& found);
   LSTATUS AddLevel(KeyId parent, std::string_view level, std::string_view folded, KeyId& made);
   LSTATUS FindDeletable(KeyId from, std::string_view path, KeyId& found);
   LSTATUS Remove(Sql sql, KeyId key);
-  bool FindKnown(KeyId from, std::string_view path, KeyId& found);
-  void Know(KeyId from, std::string_view path, KeyId found);
+  bool FindCached(KeyId from, std::string_view path, KeyId& found);
+  void Cache(KeyId from, std::string_view path, KeyId found);
   template <class Deliver>
   LSTATUS ListItem(Sql sql, Listing& listing, KeyId key, DWORD index, Deliver deliver);
 
   RegistryDatabase database_;
   // Keys found before, by where the search began and the path; good until a key is deleted or another process
   // writes.
-  std::unordered_map<std::string, KeyId> known_;
-  std::string known_name_;
-  std::uint64_t known_epoch_ = 0;
+  std::unordered_map<std::string, KeyId> cached_keys_;
+  std::string cache_key_;
+  std::uint64_t cached_epoch_ = 0;
   Listing keys_;
   Listing values_;
 };

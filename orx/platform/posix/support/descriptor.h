@@ -35,7 +35,7 @@ class Descriptor {
 
 // The result of a call that a signal may interrupt.
 template <class Call>
-auto uninterrupted(Call call) {
+auto retry_if_interrupted(Call call) {
   auto result = call();
   while (result < 0 && errno == EINTR) result = call();
   return result;
@@ -43,7 +43,8 @@ auto uninterrupted(Call call) {
 
 inline bool write_all(int file, std::string_view bytes) {
   while (!bytes.empty()) {
-    const ssize_t written = uninterrupted([&] { return quiet_write(file, bytes.data(), bytes.size()); });
+    const ssize_t written =
+        retry_if_interrupted([&] { return quiet_write(file, bytes.data(), bytes.size()); });
     if (written < 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }

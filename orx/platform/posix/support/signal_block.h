@@ -16,7 +16,7 @@ class SignalBlock {
   ~SignalBlock();
 
   // The caller knows that no signal was sent, and spares the look for one.
-  void NoneSent() { may_wait_ = false; }
+  void SkipPendingCheck() { may_wait_ = false; }
 
  private:
   sigset_t mask_;
