@@ -1,6 +1,6 @@
-#include <orx/base/ascii.h>
 #include <orx/platform/paths.h>
 
+#include <orx/base/ascii.h>
 #include <orx/base/errno_guard.h>
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/environment.h>
@@ -25,13 +25,14 @@ bool names_server(const char* path) {
   return is_separator(path[0]) && is_separator(path[1]) && path[2] != '\0' && !is_separator(path[2]);
 }
 
-// Empty when there is none.
+// Empty when no variable names it and the user has no home folder.
 std::string drive_folder() {
   if (std::string folder = environment_variable("ORX_DRIVES"); !folder.empty()) return folder;
   const std::string data = user_folder("XDG_DATA_HOME", ".local/share");
   return data.empty() ? data : data + "/orx/drives";
 }
 
+// The path of `rest` in one folder of the drive folder. Empty when there is no drive folder.
 SystemPath make_drive_path(const std::string& folder, const char* rest) {
   std::string drives = drive_folder();
   if (drives.empty()) return {};
@@ -41,17 +42,21 @@ SystemPath make_drive_path(const std::string& folder, const char* rest) {
   return {std::move(drives), length};
 }
 
-// Two slashes are also how the system's own paths begin that were put together from parts.
+// Whether a path begins with a server. Two backslashes always mean a server. Two slashes do so only if the
+// drive folder has that server, because paths of the system that programs put together from parts often begin
+// with two slashes.
 bool has_server(const char* path) {
   if (!names_server(path)) return false;
   if (path[0] == '\\' && path[1] == '\\') return true;
   const std::string server(path + 2, std::strcspn(path + 2, "\\/"));
   SystemPath folder = make_drive_path("unc", ("/" + server).c_str());
   struct stat status;
-  return !folder.name.empty() && on_path(folder, [&](const char* name) { return stat(name, &status); }) == 0;
+  if (folder.name.empty()) return false;
+  return on_path(folder, [&](const char* name) { return stat(name, &status); }) == 0;
 }
 
-// The platform writes such a prefix before paths that it is not to change.
+// Returns the path after the prefix \\?\, which Windows programs write to keep Windows from changing a path.
+// The prefix before a server is \\?\UNC\. Its last backslash stays, since a server's path begins with it.
 const char* skip_prefix(const char* path, bool& is_server) {
   constexpr std::string_view kPrefix = "\\\\?\\";
   constexpr std::string_view kServer = "UNC\\";
@@ -62,8 +67,8 @@ const char* skip_prefix(const char* path, bool& is_server) {
   return is_server ? path + kServer.size() - 1 : path;
 }
 
-// Without "." and "..": what stands before a ".." may be a link, so that only the system can tell where it
-// leads.
+// Removes "." and "..". If the part before a ".." is a link, the ".." is in the link's target, so the path is
+// resolved by the system; without a ".." links stay.
 std::filesystem::path remove_dots(const std::filesystem::path& path) {
   std::error_code error;
   if (std::find(path.begin(), path.end(), "..") != path.end()) {
@@ -124,7 +129,8 @@ std::string suite_path(const char* native) {
   return result;
 }
 
-// Not kept: a host may set it until the application data folder is found.
+// Unlike the other variables, PUBLIC is read at every call: a host may set it before the application data
+// folder is found.
 std::string public_folder() {
   const char* folder = secure_getenv("PUBLIC");
   return folder != nullptr ? folder : "";
