@@ -3,8 +3,6 @@
 #include <orx/platform/posix/registry/handles.h>
 #include <orx/platform/registry_key.h>
 
-#include <algorithm>
-#include <iterator>
 #include <mutex>
 #include <new>
 #include <string_view>
@@ -18,13 +16,14 @@ thread_local LSTATUS last_error = ERROR_SUCCESS;
 
 std::string_view text_or_empty(const char* text) { return text != nullptr ? text : ""; }
 
-// A transaction of its own for an operation that is not within one.
+// Runs an operation on a key, in a transaction of its own if its thread has none. An error of the transaction
+// is the result, because then nothing that the operation has done is stored.
 template <class Operation>
 LSTATUS in_transaction(const OpenKey& key, Intent intent, Operation operation) {
   RegistryDatabase& database = key.store->database();
   const bool is_own = !database.is_active();
   if (is_own) database.Begin(intent);
-  LSTATUS status = ERROR_KEY_DELETED;  // if the file in which it was is gone
+  LSTATUS status = ERROR_KEY_DELETED;  // the result if the file that had the key does not exist any more
   try {
     if (key.id == kRootKey || database.ReadStatus() != ERROR_FILE_NOT_FOUND)
       status = operation(*key.store, key.id);
@@ -35,7 +34,9 @@ LSTATUS in_transaction(const OpenKey& key, Intent intent, Operation operation) {
   return end != ERROR_SUCCESS ? end : status;
 }
 
-// Carries an operation out on the key behind a handle that has the rights for it.
+// Finds the key of a handle, checks that it was opened with the rights, and runs an operation on it. The lock
+// is recursive: the thread of a RegistryTransaction has it already. Every failure becomes the thread's last
+// error.
 template <class Operation>
 LSTATUS with_key(HKEY handle, REGSAM rights, Intent intent, Operation operation) {
   const ErrnoGuard errno_guard;
@@ -43,9 +44,9 @@ LSTATUS with_key(HKEY handle, REGSAM rights, Intent intent, Operation operation)
   const OpenKey* found = registry().Find(handle);
   LSTATUS status = ERROR_INVALID_HANDLE;
   if (found != nullptr) {
-    const OpenKey key = *found;  // the table moves when it grows
-    status = (key.access & rights) == rights ? in_transaction(key, intent, operation)
-                                             : LSTATUS{ERROR_ACCESS_DENIED};
+    const OpenKey key = *found;  // a copy, because an operation that opens a key may move the table
+    const bool is_allowed = (key.access & rights) == rights;
+    status = is_allowed ? in_transaction(key, intent, operation) : LSTATUS{ERROR_ACCESS_DENIED};
   }
   if (status != ERROR_SUCCESS) last_error = status;
   return status;
@@ -60,7 +61,7 @@ HKEY add_handle(RegistryStore& store, KeyId id, REGSAM access) {
   return registry().Add({&store, id, access, 0});
 }
 
-// A key that was opened by a transaction that failed in the end is none.
+// Closes a key that was opened in a transaction which failed at its end.
 LSTATUS close_after_failure(LSTATUS status, HKEY* opened) {
   if (status == ERROR_SUCCESS || *opened == nullptr) return status;
   RegCloseKey(*opened);
@@ -90,6 +91,8 @@ constexpr struct {
 
 }  // namespace
 
+// The thread of a transaction holds the lock until End, so that no other thread's call becomes a part of the
+// transaction.
 RegistryTransaction::RegistryTransaction(HKEY root, Intent intent) : root_(root) {
   const ErrnoGuard errno_guard;
   registry().mutex.lock();
@@ -120,8 +123,10 @@ std::string registry_file(HKEY root) {
 }
 
 std::string last_error_text() {
-  const auto* found = std::ranges::find(kErrorTexts, last_error, [](const auto& row) { return row.status; });
-  return found != std::end(kErrorTexts) ? std::string(found->text) + "\r\n" : "";
+  for (const auto& [status, text] : kErrorTexts) {
+    if (status == last_error) return std::string(text) + "\r\n";
+  }
+  return "";
 }
 
 }  // namespace orx::platform

@@ -17,8 +17,8 @@ int registry_busy_timeout_ms = 10'000;
 
 namespace {
 
-// EXTRA is full synchronisation, and of the folder too: a journal that comes back after a power cut would
-// undo what was reported as written.
+// The journal is deleted at each commit. EXTRA flushes the folder after that: if the journal reappeared after
+// a power cut, the next process would undo a transaction that was reported as written.
 constexpr char kSettings[] =
     "PRAGMA journal_mode = DELETE; PRAGMA synchronous = EXTRA; PRAGMA foreign_keys = ON;"
     "PRAGMA temp_store = MEMORY; PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON;";
@@ -68,7 +68,7 @@ constexpr std::array<const char*, kSqlCount> kSql = [] {
   return texts;
 }();
 
-// As many rows as enumerators and no enumerator without a text: so none has two, either.
+// There are as many rows as enumerators, and every enumerator has a text. So none has two.
 static_assert(std::size(kSqlRows) == kSqlCount && std::ranges::count(kSql, nullptr) == 0);
 
 constexpr struct {
@@ -87,24 +87,31 @@ constexpr struct {
 };
 
 LSTATUS status_of(int sqlite_error) {
-  const auto* found =
-      std::ranges::find(kErrors, sqlite_error & 0xFF, [](const auto& row) { return row.sqlite_error; });
-  return found != std::end(kErrors) ? found->status : ERROR_REGISTRY_IO_FAILED;
+  constexpr int kPrimaryCode = 0xFF;  // the bits above it tell the details
+  for (const auto& row : kErrors) {
+    if (row.sqlite_error == (sqlite_error & kPrimaryCode)) return row.status;
+  }
+  return ERROR_REGISTRY_IO_FAILED;
 }
 
 LSTATUS status_of_system_error(int error) {
-  return error == EACCES || error == EPERM || error == EROFS ? ERROR_ACCESS_DENIED : ERROR_REGISTRY_IO_FAILED;
+  const bool is_denied = error == EACCES || error == EPERM || error == EROFS;
+  return is_denied ? ERROR_ACCESS_DENIED : ERROR_REGISTRY_IO_FAILED;
 }
 
-// Many short waits of unequal length, so that each of several writers gets its turn.
+// SQLite calls this while another process holds a lock; 0 gives up. Many short waits of different length give
+// each of several writers a turn. With waits of equal length, the same processes would collide again and
+// again.
 int wait_for_lock(void* pointer, int /*count*/) {
   using std::chrono::steady_clock;
   auto& deadline = *static_cast<steady_clock::time_point*>(pointer);
   const auto now = steady_clock::now();
-  if (deadline == steady_clock::time_point())
-    deadline = now + std::chrono::milliseconds(registry_busy_timeout_ms);
+  const bool is_first_wait = deadline == steady_clock::time_point();
+  if (is_first_wait) deadline = now + std::chrono::milliseconds(registry_busy_timeout_ms);
   if (now >= deadline) return 0;
-  std::this_thread::sleep_for(std::chrono::microseconds(200 + now.time_since_epoch().count() / 64 % 2048));
+  // The clock's low bits serve as a random number: 0.2 to 2.2 milliseconds.
+  const auto random = now.time_since_epoch().count() / 64 % 2048;
+  std::this_thread::sleep_for(std::chrono::microseconds(200 + random));
   return 1;
 }
 
@@ -131,12 +138,15 @@ LSTATUS RegistryDatabase::BeginWriting() {
   if (is_writing_ || failure_ != ERROR_SUCCESS) return failure_;
   is_writing_ = true;
   signals_.emplace();
-  if (kind_ == StoreKind::kOutdated) Disconnect();  // to be brought up to date first
-  const bool is_reading = database_ != nullptr && sqlite3_get_autocommit(database_.get()) == 0;
-  const LSTATUS status = is_reading ? Do(Sql::kCommit) : Connect(/*creates_file=*/true);
+  // Only a connection that is opened again upgrades the store, and this transaction needs a current one.
+  if (kind_ == StoreKind::kOutdated) Disconnect();
+  // The read is ended and not turned into a write: if two processes did that at once, each would wait for the
+  // end of the other's read, and SQLite would make one of them fail.
+  const LSTATUS status = IsInTransaction() ? Do(Sql::kCommit) : Connect(/*creates_file=*/true);
   return status == ERROR_SUCCESS ? Start(Sql::kBeginWriting) : status;
 }
 
+// Begins a transaction and finds out what other processes have written since the last one.
 LSTATUS RegistryDatabase::Start(Sql begin) {
   if (Do(begin) != ERROR_SUCCESS) return failure_;
   {
@@ -148,24 +158,22 @@ LSTATUS RegistryDatabase::Start(Sql begin) {
   ++epoch_;
   const StoreKind kind = ReadKind();
   if (kind == kind_ || failure_ != ERROR_SUCCESS) return failure_;
-  // The process that wrote has made another kind of store of the file.
+  // Another process has upgraded the store, or has replaced its content by a store of another kind.
   Disconnect();
   return Open() == ERROR_SUCCESS ? Start(begin) : failure_;
 }
 
 LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
   is_active_ = false;
-  const auto is_open = [this] {
-    return database_ != nullptr && sqlite3_get_autocommit(database_.get()) == 0;
-  };
-  if (is_open() && failure_ == ERROR_SUCCESS && outcome == RegistryTransaction::kKept) Do(Sql::kCommit);
-  if (is_open()) {
+  const bool is_kept = failure_ == ERROR_SUCCESS && outcome == RegistryTransaction::kKept;
+  if (is_kept && IsInTransaction()) Do(Sql::kCommit);
+  if (IsInTransaction()) {
     Run rollback(Prepare(Sql::kRollback));
     rollback.Step();
     ++epoch_;
   }
-  // One that may have been mended meanwhile deserves another look; and SQLite may have undone by itself what
-  // was found here.
+  // The next transaction opens the file again, because somebody may have repaired it meanwhile. That also
+  // changes the epoch: after some failures SQLite undoes the transaction by itself.
   if (failure_ != ERROR_SUCCESS && failure_ != ERROR_BUSY) Disconnect();
   signals_.reset();
   cancellation_.reset();
@@ -218,13 +226,15 @@ LSTATUS RegistryDatabase::Fail(LSTATUS status, std::string_view reason) {
     failure_ = status;
     try {
       debug_output(("Settings in " + path_ + ": " + std::string(reason)).c_str());
-    } catch (const std::bad_alloc&) {  // then without a word
+    } catch (const std::bad_alloc&) {
+      // No memory for the message: the caller still gets the status.
     }
   }
   return failure_;
 }
 
-// Without a file there is no connection, and no failure either.
+// Opens the file, unless it is open. If it does not exist and must not be created, that is not a failure, and
+// there is no connection.
 LSTATUS RegistryDatabase::Connect(bool creates_file) {
   std::string path = registry_path(place_);
   if (database_ != nullptr && path == path_ && !HasMoved()) return ERROR_SUCCESS;
@@ -233,7 +243,7 @@ LSTATUS RegistryDatabase::Connect(bool creates_file) {
   if (path_.empty()) return Fail(ERROR_BAD_PATHNAME, "the user has no home");
 
   struct stat status;
-  int error = stat(path_.c_str(), &status) == 0 ? 0 : errno;
+  int error = stat(path_.c_str(), &status) == 0 ? 0 : errno;  // stat and not open: see the class
   if (error == ENOENT && !creates_file) return ERROR_SUCCESS;
   if (error == ENOENT) error = make_registry_file(place_, path_);
   if (error != 0) return Fail(status_of_system_error(error), error_text(error));
@@ -243,7 +253,8 @@ LSTATUS RegistryDatabase::Connect(bool creates_file) {
 LSTATUS RegistryDatabase::Open() {
   constexpr int kFlags =
       SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE;
-  signals_.emplace();  // a new file is written to, and so is one that a killed process has left half written
+  // Opening may write: a new file gets its tables, and what a killed process has left half written is undone.
+  signals_.emplace();
   sqlite3* opened = nullptr;
   int error = sqlite3_open_v2(path_.c_str(), &opened, kFlags, nullptr);
   database_.reset(opened);
@@ -263,7 +274,8 @@ StoreKind RegistryDatabase::ReadKind() {
                                          : StoreKind::kForeign;
 }
 
-// Nothing of a file that is not ours is changed. An outdated store that cannot be written can still be read.
+// Makes a new or outdated store a current one. The file of another program is left alone. If an outdated
+// store cannot be written, a transaction that reads gets it through views.
 LSTATUS RegistryDatabase::Upgrade() {
   kind_ = ReadKind();
   if (failure_ != ERROR_SUCCESS || kind_ == StoreKind::kCurrent) return failure_;
@@ -277,14 +289,21 @@ LSTATUS RegistryDatabase::Upgrade() {
 
 int RegistryDatabase::RunUpgradeScript() {
   int error = SQLITE_OK;
-  // Another process may have been first.
-  if (const char* steps = upgrade_script(ReadKind()); steps != nullptr) error = Execute(steps);
+  // The kind is read again, because another process may have upgraded the store before this one got the lock.
+  const char* const script = upgrade_script(ReadKind());
+  if (script != nullptr) error = Execute(script);
   if (error == SQLITE_OK) error = Execute("COMMIT");
   if (error == SQLITE_OK) kind_ = StoreKind::kCurrent;
-  if (sqlite3_get_autocommit(database_.get()) == 0) Execute("ROLLBACK");
+  if (IsInTransaction()) Execute("ROLLBACK");
   return error;
 }
 
+// In SQLite's words, autocommit is off between a BEGIN and its COMMIT or ROLLBACK.
+bool RegistryDatabase::IsInTransaction() const {
+  return database_ != nullptr && sqlite3_get_autocommit(database_.get()) == 0;
+}
+
+// Whether the name of the file now leads to another file or to none.
 bool RegistryDatabase::HasMoved() const {
   int has_moved = 0;
   sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &has_moved);
@@ -303,7 +322,7 @@ void RegistryDatabase::CloseIfIdle() {
 void RegistryDatabase::Abandon() {
   for (Statement& statement : statements_) (void)statement.release();
   inherited_ = database_.release();
-  failure_ = ERROR_BUSY;  // with what its parent has begun
+  failure_ = ERROR_BUSY;  // for a transaction that the parent has begun before the fork
 }
 
 }  // namespace orx::platform

@@ -13,9 +13,10 @@ namespace {
 constexpr std::int64_t kApplicationId = 0x4F525852;  // "ORXR"
 constexpr std::int64_t kVersion = 2;
 
-// Names are kept as they were written, and found by a form without letter case. A value goes with its key, a
-// key with its parent. The number of a key is random, so that no other key ever gets it: not after it was
-// deleted, not after the transaction that made it was undone, and not in another store.
+// `name` is a name as it was first written, `folded` the name in capitals, by which it is found. Deleting a
+// key also deletes its sub-keys and values. The id of a key is random, so that no other key ever gets it: not
+// after the key was deleted, not after the transaction that created it was undone, and not in another store.
+// An open key holds nothing but this id, and so never becomes a handle of another key.
 constexpr char kCreateStore[] = R"(
 CREATE TABLE key (
   id INTEGER PRIMARY KEY,
@@ -35,9 +36,16 @@ PRAGMA application_id = 0x4F525852;
 PRAGMA user_version = 2;
 )";
 
-// Keys whose paths are now the same become one: the key that was found by its folded path is kept and gets
-// the sub-keys and values of the others. A value that the kept key has already goes to the table `replaced`
-// if it differs. Parents are NULL in between, because no two rows may be equal at any time.
+// Brings a store of version 1 up to date. Keys whose paths fold to the same path are merged. The key that was
+// found by the folded path is kept, and gets the sub-keys and values of the other keys. If it already has a
+// value with that name, the other value goes to the table `replaced`, unless both are equal.
+//
+//   place   for each key: its parent, and the key with the same path that is kept
+//   lost    the keys that are merged into another key
+//   moved   the values that get another name or another key; those of kept keys come first
+//
+// Keys are changed in two steps, with the parent NULL in between: (parent, folded) is unique, and SQLite
+// checks that after each row and not only at the end.
 constexpr char kUpgradeStore[] = R"(
 CREATE TEMP TABLE place (id INTEGER PRIMARY KEY, parent INTEGER, kept INTEGER NOT NULL);
 INSERT INTO place
