@@ -15,12 +15,12 @@ namespace {
 
 using orx::platform::EntryKind;
 
-constexpr std::size_t kMaxPathCharacters = 260;  // in characters
+constexpr std::size_t kMaxPathCharacters = 260;
 constexpr int kDriveLetters = 26;
 
-// What the system answers; nothing without a path, and when memory is exhausted.
-template <class Answer>
-Answer query_or_default(Answer (*query)(const char*), const char* path) {
+// Returns the result of a query; a default result for a null or empty path and when memory runs out.
+template <class Result>
+Result query_or_default(Result (*query)(const char*), const char* path) {
   if (path == nullptr || *path == '\0') return {};
   try {
     return query(path);
@@ -29,6 +29,7 @@ Answer query_or_default(Answer (*query)(const char*), const char* path) {
   }
 }
 
+// The path is cut first: its last backslash is the one at the end of the cut path.
 EntryKind kind_of(const char* path) {
   char cut[kMaxPathCharacters * orx::platform::kMaxCharacterBytes + 1];
   ORX_strncpy(cut, path, sizeof cut - 1);
@@ -54,7 +55,8 @@ int file_exists(const char* path) {
 }
 
 uint32_t get_file_length(const char* path) {
-  return static_cast<uint32_t>(query_or_default(orx::platform::first_match_size, path));
+  const std::uint64_t size = query_or_default(orx::platform::first_match_size, path);
+  return static_cast<uint32_t>(size);
 }
 
 int32_t GetFilesize(const char* path) {

@@ -9,8 +9,8 @@ SelectFromPickListCallback select_from_pick_list = nullptr;
 HandleDuplicatesCallback handle_duplicates = nullptr;
 
 template <class... Arguments>
-int call_or_default(int (*callback)(Arguments...), int otherwise, Arguments... arguments) {
-  return callback != nullptr ? callback(arguments...) : otherwise;
+int call_or_default(int (*callback)(Arguments...), int default_result, Arguments... arguments) {
+  return callback != nullptr ? callback(arguments...) : default_result;
 }
 
 }  // namespace
