@@ -19,20 +19,22 @@ constexpr const char* kInstallKey =
     "SOFTWARE\\Halvark Software\\TESSEL\\" ORX_PRODUCT_VERSION "\\INSTALL_PARAMETERS";
 constexpr DWORD kConfiguredCapacity = ORX_APPLICATION_DATA_PATH_SIZE - 1;  // a longer value is ignored
 
-// Each log may look for the folder on its own thread. The first answer that no failure has influenced is
-// kept. It is never freed, since threads may still write to a log while the process ends.
-enum Search { kOpen, kEnding, kDone };
-constinit std::atomic<Search> search = kOpen;
-constinit orx::ApplicationDataFolder kept_folder = "";
+// Several threads may look for the folder at once. The first of them that finds it without a failure stores
+// it, and all later calls return it. Only kStored makes stored_folder readable, and then it never changes. It
+// is a plain array without a destructor, because threads may still write to a log while the process ends.
+enum State { kUnknown, kStoring, kStored };
+constinit std::atomic<State> state = kUnknown;
+constinit orx::ApplicationDataFolder stored_folder = "";
 
-void keep(const std::string& folder) {
-  Search expected = kOpen;
-  if (!search.compare_exchange_strong(expected, kEnding)) return;
-  std::memcpy(kept_folder, folder.c_str(), folder.size() + 1);
-  search = kDone;
+void store_folder(const std::string& folder) {
+  State expected = kUnknown;
+  if (!state.compare_exchange_strong(expected, kStoring)) return;
+  std::memcpy(stored_folder, folder.c_str(), folder.size() + 1);
+  state = kStored;
 }
 
-LSTATUS read_configured(std::string& folder) {
+// A value that is too long counts as missing.
+LSTATUS read_configured_folder(std::string& folder) {
   orx::platform::RegistryKey key;
   char value[kConfiguredCapacity + 1] = "";
   LSTATUS status = key.Open(HKEY_LOCAL_MACHINE, kInstallKey, KEY_READ);
@@ -41,8 +43,9 @@ LSTATUS read_configured(std::string& folder) {
   return status == ERROR_MORE_DATA ? LSTATUS{ERROR_FILE_NOT_FOUND} : status;
 }
 
-// Empty when the variable is not set, or names a folder that is too long.
-std::string folder_of_all_users() {
+// Returns the folder below the one that PUBLIC names, with its levels created. Empty when PUBLIC is not set
+// or is too long.
+std::string create_public_subfolder() {
   std::string folder = orx::platform::public_folder();
   constexpr const char* kLevels[] = {"\\Halvark", "\\TESSEL", "\\" ORX_PRODUCT_VERSION "\\"};
   std::size_t length = folder.size();
@@ -55,11 +58,12 @@ std::string folder_of_all_users() {
   return folder;
 }
 
-// False when the machine's settings could not be read, which may pass.
-bool look_for_folder(std::string& folder) {
-  const LSTATUS status = read_configured(folder);
+// Finds the folder and creates it. Returns false when the machine's registry could not be read: a later call
+// may succeed.
+bool find_folder(std::string& folder) {
+  const LSTATUS status = read_configured_folder(folder);
   if (status != ERROR_SUCCESS) {
-    folder = folder_of_all_users();
+    folder = create_public_subfolder();
   } else if (!folder.empty()) {
     orx::platform::create_shared_folder(folder.c_str());
   }
@@ -73,12 +77,14 @@ bool orx::find_application_data_folder(ApplicationDataFolder& folder) {
   *folder = '\0';
   try {
     std::string found;
-    if (search != kDone && look_for_folder(found) && !found.empty()) keep(found);
-    const char* const answer = search == kDone ? kept_folder : found.c_str();
-    std::memcpy(folder, answer, std::strlen(answer) + 1);
-  } catch (const std::exception&) {  // by name: a thread that is cancelled unwinds through here
+    if (state != kStored && find_folder(found) && !found.empty()) store_folder(found);
+    // Another thread may have stored a folder first. Then that one counts.
+    const char* const result = state == kStored ? stored_folder : found.c_str();
+    std::memcpy(folder, result, std::strlen(result) + 1);
+  } catch (const std::exception&) {
+    // Not catch (...): that would stop the unwinding of a thread that is cancelled, which ends the process.
   }
-  return search == kDone;
+  return state == kStored;
 }
 
 void GetApplicationDataPath(char* buffer, int size) {

@@ -1,4 +1,4 @@
-// The application data folder, for the library's own use.
+// The application data folder, for the library itself.
 #pragma once
 
 #include <orx/frame/application_data.h>
@@ -7,7 +7,8 @@ namespace orx {
 
 using ApplicationDataFolder = char[ORX_APPLICATION_DATA_PATH_SIZE];
 
-// False when a later call may find another folder. Never throws; empty when there is none, or no memory.
+// Finds the folder as application_data.h describes it; the empty text when there is none or memory runs out.
+// Returns true when all later calls will find the same folder. Raises no exception.
 bool find_application_data_folder(ApplicationDataFolder& folder);
 
 }  // namespace orx

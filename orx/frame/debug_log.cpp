@@ -19,47 +19,53 @@
 
 namespace {
 
-// The name of a log, or the first line of its header, which is cut like it.
-using Text = char[ORX_LOG_PATH_LENGTH * orx::platform::kMostBytesOfCharacter + 1];
+// The path of a log, or the first line of its header, which is cut at the same length.
+using Text = char[ORX_LOG_PATH_LENGTH * orx::platform::kMaxCharacterBytes + 1];
 
+// One of the two logs. Its fields are not guarded: a log is for one thread at a time.
 struct Log {
   const char* file;
-  Text name;      // in full; empty until the first line or halvark_log_debug_init sets it
-  bool is_fixed;  // the next line does not look for the application data folder again
+  Text path;      // empty until the first line or halvark_log_debug_init sets it
+  bool is_fixed;  // false: the next line looks for the application data folder again
 };
+
+constexpr const char* kSeparator = "---------------------------";
 
 constinit Log main_log{ORX_LOG_NAME, "", false};
 constinit Log thread_log{ORX_THREAD_LOG_NAME, "", false};
 
-// Shared by the logs, and so by their threads.
-constinit std::atomic<bool> started = false;  // a start or a line was tried, in either log
-constinit std::atomic<bool> echoes = false;
+// Both logs share these two, so several threads may use them at once.
+constinit std::atomic<bool> was_used = false;  // a call has tried to start one of the logs or to write a line
+constinit std::atomic<bool> echo_enabled = false;
 
+// Formats a text and cuts it at ORX_LOG_PATH_LENGTH characters.
 ORX_PRINTF(2, 3)
-void print(Text& text, const char* format, ...) {
+void format_and_cut(Text& text, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
   orx::format_text(text, sizeof text, format, arguments);
   va_end(arguments);
-  text[orx::platform::first_characters(text, ORX_LOG_PATH_LENGTH)] = '\0';
+  text[orx::platform::prefix_size(text, ORX_LOG_PATH_LENGTH)] = '\0';
 }
 
-// A null or empty folder: the application data folder. Where that is empty too there is no name, and no log
-// until it is found.
-void set_name(Log& log, const char* folder) {
+// Sets the path of a log in a folder; null and the empty text are the application data folder. If that cannot
+// be found, the path is empty, lines are not stored, and the next line looks for it again.
+void set_path(Log& log, const char* folder) {
   orx::ApplicationDataFolder found;
   log.is_fixed = folder != nullptr && *folder != '\0';
   if (!log.is_fixed) {
     log.is_fixed = orx::find_application_data_folder(found);
     folder = found;
   }
-  const bool separated = std::string_view(folder).ends_with('\\');
-  *log.name = '\0';
-  if (*folder != '\0') print(log.name, separated ? "%s%s" : "%s\\%s", folder, log.file);
+  *log.path = '\0';
+  if (*folder == '\0') return;
+  const char* const separator = std::string_view(folder).ends_with('\\') ? "" : "\\";
+  format_and_cut(log.path, "%s%s%s", folder, separator, log.file);
 }
 
-// The text mode of the C runtime: a line feed becomes CR LF, also behind a CR.
-std::string line_of(std::string_view text) {
+// Returns the text as the C runtime's text mode writes it, with a line end: each line feed becomes CR LF,
+// even after a CR.
+std::string to_crlf(std::string_view text) {
   std::string line;
   line.reserve(text.size() + 2);
   for (;;) {
@@ -70,59 +76,64 @@ std::string line_of(std::string_view text) {
   }
 }
 
-// False also when memory is exhausted.
+// Returns the result of a call; false if it raises an exception because memory runs out.
 template <class Call>
 bool succeeds(Call call) {
   try {
     return call();
-  } catch (const std::exception&) {  // by name: a thread that is cancelled unwinds through here
+  } catch (const std::exception&) {
+    // Not catch (...): that would stop the unwinding of a thread that is cancelled, which ends the process.
     return false;
   }
 }
 
-int write(Log& log, const char* text) {
+// The line goes to the standard output and to the debugger even if it cannot be stored.
+int write_line(Log& log, const char* text) {
   if (text == nullptr || *text == '\0') return -1;
   const orx::ErrnoGuard errno_guard;
-  if (echoes) std::puts(text);
+  if (echo_enabled) std::puts(text);
   orx::platform::debug_output(text);
-  started = true;
-  if (!log.is_fixed) set_name(log, nullptr);
-  return succeeds([&] { return orx::platform::append_to_log(log.name, line_of(text)); }) ? 0 : -1;
+  was_used = true;
+  if (!log.is_fixed) set_path(log, nullptr);
+  const bool is_stored = succeeds([&] { return orx::platform::append_to_log(log.path, to_crlf(text)); });
+  return is_stored ? 0 : -1;
 }
 
 ORX_PRINTF(2, 0)
-int write_formatted(Log& log, const char* format, std::va_list arguments) {
+int write_formatted_line(Log& log, const char* format, std::va_list arguments) {
   if (format == nullptr) return -1;
-  // Filled, for a format that cannot be carried out: the line is what was written before that came out.
+  // All zero: if formatting fails halfway, what it has written so far is a terminated text and becomes the
+  // line.
   char text[ORX_LOG_LINE_LENGTH + 1] = "";
   orx::format_text(text, sizeof text, format, arguments);
-  return write(log, text);
+  return write_line(log, text);
 }
 
 void write_header(Log& log) {
   orxDateTime now{0, orxYearMonthDay, orxDateTimeFull, 0};
   orxDateTime_SetToCurrent(&now);
-  char date[64];
+  char date[ORX_DATE_TEXT_SIZE];
   orxDateTime_FormatString(&now, date, sizeof date);
   int hour, minute, second;
   orxDateTime_GetHourMinuteSecond(&now, &hour, &minute, &second);
 
-  const int hour_on_the_dial = hour % 12 == 0 ? 12 : hour % 12;
+  const int twelve_hour = hour % 12 == 0 ? 12 : hour % 12;
+  const char* const half_day = hour < 12 ? "AM" : "PM";
   Text header;
-  print(header, "Log file '%s' opened at %d:%02d %s on %s.", log.name, hour_on_the_dial, minute,
-        hour < 12 ? "AM" : "PM", date);
-  write(log, header);
-  write(log, "---------------------------");
+  format_and_cut(header, "Log file '%s' opened at %d:%02d %s on %s.", log.path, twelve_hour, minute, half_day,
+                 date);
+  write_line(log, header);
+  write_line(log, kSeparator);
 }
 
 }  // namespace
 
 int halvark_log_debug_init(const char* folder) {
-  started = true;
-  set_name(main_log, folder);
-  main_log.is_fixed = succeeds([] { return orx::platform::clear_log(main_log.name); });
+  was_used = true;
+  set_path(main_log, folder);
+  main_log.is_fixed = succeeds([] { return orx::platform::clear_log(main_log.path); });
   if (!main_log.is_fixed) {
-    *main_log.name = '\0';
+    *main_log.path = '\0';
     return -1;
   }
   write_header(main_log);
@@ -136,13 +147,13 @@ int halvark_log_debug_reset() {
   return 0;
 }
 
-int halvark_log_debug_write(const char* text) { return write(main_log, text); }
-int halvark_log_debug_write_thread(const char* text) { return write(thread_log, text); }
+int halvark_log_debug_write(const char* text) { return write_line(main_log, text); }
+int halvark_log_debug_write_thread(const char* text) { return write_line(thread_log, text); }
 
 int halvark_log_debug_write_n(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  const int result = write_formatted(main_log, format, arguments);
+  const int result = write_formatted_line(main_log, format, arguments);
   va_end(arguments);
   return result;
 }
@@ -150,19 +161,19 @@ int halvark_log_debug_write_n(const char* format, ...) {
 int halvark_log_debug_write_n_thread(const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
-  const int result = write_formatted(thread_log, format, arguments);
+  const int result = write_formatted_line(thread_log, format, arguments);
   va_end(arguments);
   return result;
 }
 
 int halvark_log_debug_print(int echo) {
-  echoes = echo != 0;
+  echo_enabled = echo != 0;
   return 0;
 }
 
 int halvark_log_debug_error() {
-  if (started && *main_log.name == '\0') halvark_log_debug_init(nullptr);
-  write(main_log, "halvark_error: ");
+  if (was_used && *main_log.path == '\0') halvark_log_debug_init(nullptr);
+  write_line(main_log, "halvark_error: ");
   return 0;
 }
 

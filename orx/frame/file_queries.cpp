@@ -15,12 +15,12 @@ namespace {
 
 using orx::platform::EntryKind;
 
-constexpr std::size_t kLongestPath = 260;  // in characters
-constexpr int kDrives = 26;
+constexpr std::size_t kMaxPathCharacters = 260;
+constexpr int kDriveLetters = 26;
 
-// What the system answers; nothing without a path, and when memory is exhausted.
-template <class Answer>
-Answer asked(Answer (*query)(const char*), const char* path) {
+// Returns the result of a query; a default result for a null or empty path and when memory runs out.
+template <class Result>
+Result query_or_default(Result (*query)(const char*), const char* path) {
   if (path == nullptr || *path == '\0') return {};
   try {
     return query(path);
@@ -29,12 +29,13 @@ Answer asked(Answer (*query)(const char*), const char* path) {
   }
 }
 
+// The path is cut first: its last backslash is the one at the end of the cut path.
 EntryKind kind_of(const char* path) {
-  char cut[kLongestPath * orx::platform::kMostBytesOfCharacter + 1];
+  char cut[kMaxPathCharacters * orx::platform::kMaxCharacterBytes + 1];
   ORX_strncpy(cut, path, sizeof cut - 1);
-  cut[orx::platform::first_characters(cut, kLongestPath)] = '\0';
+  cut[orx::platform::prefix_size(cut, kMaxPathCharacters)] = '\0';
   RemoveTrailingBackSlash(cut);
-  return asked(orx::platform::entry_kind, cut);
+  return query_or_default(orx::platform::entry_kind, cut);
 }
 
 }  // namespace
@@ -49,26 +50,29 @@ void RemoveTrailingBackSlash(char* path) {
   if (*last == '\\') *last = '\0';
 }
 
-int file_exists(const char* path) { return asked(orx::platform::readable_size, path).has_value() ? 1 : 0; }
+int file_exists(const char* path) {
+  return query_or_default(orx::platform::readable_size, path).has_value() ? 1 : 0;
+}
 
 uint32_t get_file_length(const char* path) {
-  return static_cast<uint32_t>(asked(orx::platform::first_match_size, path));
+  const std::uint64_t size = query_or_default(orx::platform::first_match_size, path);
+  return static_cast<uint32_t>(size);
 }
 
 int32_t GetFilesize(const char* path) {
-  const std::uint64_t size = asked(orx::platform::readable_size, path).value_or(0);
+  const std::uint64_t size = query_or_default(orx::platform::readable_size, path).value_or(0);
   return size <= INT32_MAX ? static_cast<int32_t>(size) : -1;
 }
 
 int diskspace(int drive) {
-  if (drive < 0 || drive > kDrives) return 0;
+  if (drive < 0 || drive > kDriveLetters) return 0;
   const char root[] = {static_cast<char>('A' + drive - 1), ':', '\\', '\0'};
   const uint64_t space = GetDiskSpaceByDriveName(drive == 0 ? nullptr : root);
   return static_cast<int>(std::min<uint64_t>(space, INT32_MAX));
 }
 
 uint64_t GetDiskSpaceByDriveName(const char* path) {
-  return asked(orx::platform::free_space, path != nullptr ? path : ".");
+  return query_or_default(orx::platform::free_space, path != nullptr ? path : ".");
 }
 
 void no_disk_space() {

@@ -1,8 +1,9 @@
-// Questions about files, folders, free disk space and the stack.
+// Queries about files, folders, free disk space and the stack.
 //
-// Paths are the suite's, see native_path.h; null or an empty one names nothing, where nothing else is said.
-// What can't be found out counts as not there. Nothing here blocks on a pipe, changes anything or keeps a
-// state, and any thread may ask.
+// Paths are the suite's (native_path.h), in narrow text. A null or empty path names nothing, unless a
+// function says otherwise. What the system does not say, for example because this user has no access, counts
+// as missing. No function waits for the other end of a pipe, changes a file or keeps a state. Any thread may
+// call them.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -12,40 +13,40 @@
 
 ORX_C_BEGIN
 
-// Whether there is a folder, or something else, of that name: 1 or 0. Of a longer path the first 260
-// characters count. One backslash at the end is left out, so "\" alone names nothing.
+// Return 1 or 0. FileExists: the path names anything but a folder. DirectoryExists: it names a folder. Only
+// the first 260 characters of the path are used, without one backslash at their end. So "\" alone names
+// nothing.
 ORX_API int FileExists(const char* path);
 ORX_API int DirectoryExists(const char* path);
 
-// Removes one backslash at the end, in place. Null is allowed.
+// Removes one backslash at the end of the path, in place. Null is allowed.
 ORX_API void RemoveTrailingBackSlash(char* path);
 
-// 1 when the file can be opened for reading, else 0; a folder never can.
+// Returns 1 if the path names a file that this user can open for reading, otherwise 0. A folder never can be.
 ORX_API int file_exists(const char* path);
 
-// The lower 32 bits of the size in bytes. The last name may have wildcards: the first entry that matches
-// counts, in the order of names without regard to letter case, and "." and ".." come before all others. 0 for
-// a folder, and when nothing matches.
+// Returns the lower 32 bits of a file's size in bytes. The last name of the path may have the wildcards * and
+// ?. Then the first match counts, in the order of names without regard to letter case; "." and ".." come
+// before all other names. 0 for a folder, and when nothing matches.
 ORX_API uint32_t get_file_length(const char* path);
 
-// The size in bytes of a file that can be opened for reading, else 0; of a pipe or a device 0, and -1 of a
-// file of more than 2147483647 bytes.
+// Returns the size in bytes of a file that this user can open for reading; -1 if it has more than 2147483647
+// bytes. 0 for a pipe or a device, and when the file cannot be opened.
 ORX_API int32_t GetFilesize(const char* path);
 
-// Bytes that the user may still write on a drive, at most 2147483647: 0 is the drive of the current
-// directory, 1 is A:, 2 is B: and so on. 0 for a drive that can't be asked.
+// Returns the bytes that this user may still write to a drive, at most 2147483647. Drive 0 is that of the
+// current directory, 1 is A:, 2 is B:, up to 26. 0 for any other number, and when the drive does not exist.
 ORX_API int diskspace(int drive);
 
-// The same for the volume that holds a folder, in full; null is the current directory. 0 when there is no
-// such folder.
+// Returns the bytes that this user may still write to the volume of a folder; null is the current directory.
+// 0 when the folder does not exist.
 ORX_API uint64_t GetDiskSpaceByDriveName(const char* path);
 
-// Tells the user through ShowError (host_callbacks.h) that the data disk is full, and ends the process by
-// exit(1).
+// Reports through ShowError (host_callbacks.h) that the data disk is full, and ends the process with exit(1).
 ORX_NORETURN ORX_API void no_disk_space(void);
 
-// Bytes of the calling thread's stack below the current position, guard pages included. 0 when that can't be
-// told, as on the stack of a coroutine.
+// Returns the bytes of the calling thread's stack that are below the current position, guard pages included.
+// 0 when the system does not say, and on the stack of a coroutine.
 ORX_API size_t stackavail(void);
 
 ORX_C_END

@@ -9,8 +9,8 @@ SelectFromPickListCallback select_from_pick_list = nullptr;
 HandleDuplicatesCallback handle_duplicates = nullptr;
 
 template <class... Arguments>
-int answer(int (*callback)(Arguments...), int otherwise, Arguments... arguments) {
-  return callback != nullptr ? callback(arguments...) : otherwise;
+int call_or_default(int (*callback)(Arguments...), int default_result, Arguments... arguments) {
+  return callback != nullptr ? callback(arguments...) : default_result;
 }
 
 }  // namespace
@@ -19,15 +19,19 @@ void ShowError(const char* message) {
   if (show_error != nullptr) show_error(message);
 }
 
-int GetConfirmation(void* a, void* b, int defaultAnswer) { return answer(confirmation, defaultAnswer, a, b); }
-
-int GetInputString(void* a, void* b, unsigned char c, int d, int defaultResult) {
-  return answer(input_string, defaultResult, a, b, c, d);
+int GetConfirmation(void* a, void* b, int defaultAnswer) {
+  return call_or_default(confirmation, defaultAnswer, a, b);
 }
 
-int SelectFromPickList(void* a, int defaultResult) { return answer(select_from_pick_list, defaultResult, a); }
+int GetInputString(void* a, void* b, unsigned char c, int d, int defaultResult) {
+  return call_or_default(input_string, defaultResult, a, b, c, d);
+}
 
-int HandleDuplicates(int defaultResult) { return answer(handle_duplicates, defaultResult); }
+int SelectFromPickList(void* a, int defaultResult) {
+  return call_or_default(select_from_pick_list, defaultResult, a);
+}
+
+int HandleDuplicates(int defaultResult) { return call_or_default(handle_duplicates, defaultResult); }
 
 void SetShowErrorCallback(ShowErrorCallback callback) { show_error = callback; }
 

@@ -1,10 +1,13 @@
-// What the library asks of the user, it asks through the host.
+// Questions and messages of the library to the user, which the host shows.
 //
-// Five questions, each with a slot for one function of the host. A forwarder calls the function in its slot
-// and returns exactly what that answers; with an empty slot ShowError does nothing and the others return the
-// default that their caller passed, which the host's function never sees. Pointers are handed on untouched:
-// what they point to is agreed between the host's modules and its function. Setting null empties a slot. The
-// slots are plain process-wide pointers: set them before other threads ask.
+// There are five of them, and each has a slot for one function of the host. The forwarding functions, from
+// ShowError to HandleDuplicates, call the function in their slot and return its result unchanged. With an
+// empty slot ShowError does nothing, and the other four return the default that their caller passed. The
+// host's function does not get that default. Pointers are passed on unchanged; what they point to is a matter
+// between the caller and the host's function.
+//
+// A setter replaces the function in a slot; null empties the slot. The slots belong to the process and are
+// not guarded: fill them before other threads call the forwarding functions.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -17,8 +20,9 @@ typedef int (*InputStringCallback)(void* a, void* b, unsigned char c, int d);
 typedef int (*SelectFromPickListCallback)(void* a);
 typedef int (*HandleDuplicatesCallback)(void);
 
-// `message` may have several lines, separated by line feeds.
+// Shows an error message, which may have several lines, separated by line feeds.
 ORX_API void ShowError(const char* message);
+
 ORX_API int GetConfirmation(void* a, void* b, int defaultAnswer);
 ORX_API int GetInputString(void* a, void* b, unsigned char c, int d, int defaultResult);
 ORX_API int SelectFromPickList(void* a, int defaultResult);

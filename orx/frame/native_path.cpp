@@ -8,7 +8,8 @@
 
 namespace {
 
-// `out` is written last: it may be the buffer of `path`.
+// Converts a path by one of the functions of platform/paths.h. `out` is written last, because it may be the
+// buffer of `path`. An empty result of a path that is not empty is a failure.
 int convert(std::string (*conversion)(const char*), const char* path, char* out, std::size_t size) {
   if (out == nullptr || size == 0) return -1;
   std::string result;

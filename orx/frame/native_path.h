@@ -1,14 +1,19 @@
-// Paths between the system and the suite.
+// Conversion between paths of the system and paths of the suite.
 //
-// The suite writes every path with backslashes, and with drive letters where there are drives; the library's
-// functions take and give paths in that form. On POSIX \home\ann\pit1.qpr is /home/ann/pit1.qpr, and
-// C:\Projects is the folder c/Projects in the drive folder: $ORX_DRIVES, else $XDG_DATA_HOME/orx/drives, else
-// ~/.local/share/orx/drives; \\server\share is unc/server/share there. `\\?\` before such a path is dropped,
-// and slashes serve as well; //server/share names a server if the drive folder has it. On Windows both forms
-// are the same.
+// The suite writes every path with backslashes, and with drive letters where there are drives. The functions
+// of the library take and return paths in that form. On POSIX:
 //
-// Both functions write at most `size` bytes with the terminating NUL and return 0; or -1, with the output
-// empty when there is room for that, when an argument is null, `size` is 0 or the result does not fit.
+//   \home\ann\pit1.qpr is /home/ann/pit1.qpr
+//   C:\Projects is the folder c/Projects in the drive folder
+//   \\server\share is the folder unc/server/share in the drive folder
+//
+// The drive folder is $ORX_DRIVES, otherwise $XDG_DATA_HOME/orx/drives, otherwise ~/.local/share/orx/drives.
+// The prefix `\\?\` before a path is ignored. Slashes mean the same as backslashes, but //server/share names
+// a server only if the drive folder has that server. On Windows both forms are the same.
+//
+// Both functions write at most `size` bytes to `out`, with the terminating NUL, and return 0. They return -1
+// if an argument is null, `size` is 0, the result does not fit or memory runs out; `out` is then the empty
+// text if it has space for that. `out` may be the buffer of the path. Any thread may call them.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -17,13 +22,14 @@
 
 ORX_C_BEGIN
 
-// Makes the path absolute, against the current directory and without "." and "..", and turns it into the
-// suite's form. A path that begins with a backslash or a drive is in that form already and stays as it is.
+// Converts a path of the system to the suite's form. The result is made absolute with the current directory
+// and has no "." and "..". A path that begins with a backslash or a drive has the suite's form already and is
+// returned unchanged.
 ORX_API int orx_path_from_native(const char* native, char* out, size_t size);
 
-// Letter case does not matter below a drive or server: where the file exists in another case, the result has
-// that case. Returns -1 also for a drive when no drive folder can be found (neither of its variables nor a
-// home directory is set).
+// Converts a path of the suite to the system's form. Below a drive or a server letter case does not matter:
+// the result has the letter case in which the file exists. Also returns -1 for a path with a drive or a
+// server when no drive folder can be found, because neither of its variables nor a home folder is set.
 ORX_API int orx_path_to_native(const char* path, char* out, size_t size);
 
 ORX_C_END

@@ -1,5 +1,5 @@
-// Narrow text in the encoding of the process: what a byte means where multibyte characters may stand around
-// it.
+// Narrow text in the encoding of the process: UTF-8 on POSIX, the ANSI code page on Windows. A character may
+// have several bytes. No function blocks, and any thread may call them.
 #pragma once
 
 #include <orx/compat/bstr.h>
@@ -9,26 +9,29 @@
 
 namespace orx::platform {
 
-// Compares without regard to the case of the letters A to Z; below, at or above 0.
+// The most bytes that a character has in any encoding.
+inline constexpr std::size_t kMaxCharacterBytes = 4;
+
+// Compares two texts; only the letters A to Z match in either case. The result is negative, 0 or positive, as
+// in strcmp. Null is the empty text.
 int compare_no_case(const char* left, const char* right);
 
-// The last backslash that is a character of its own, or null.
+// The last backslash that is a character and not a part of one, or null. `text` is not null.
 const char* last_backslash(const char* text);
 
-// The number of characters. A byte that is part of no valid character counts as one or as none.
+// The number of characters in `text`. An invalid byte counts as one character or as no character.
 int count_characters(std::string_view text);
 
-inline constexpr std::size_t kMostBytesOfCharacter = 4;
+// The size in bytes of the first `characters` characters of `text`; the size of the whole text if it has
+// fewer. Invalid bytes are counted as in count_characters.
+std::size_t prefix_size(std::string_view text, std::size_t characters);
 
-// How many bytes the first `most` characters of a text have, counted in the same way.
-std::size_t first_characters(std::string_view text, std::size_t most);
+// The size in bytes to which `text` must be cut to fit into `capacity` bytes with its last character
+// complete. Invalid bytes count as characters of one byte.
+std::size_t truncated_size(std::string_view text, std::size_t capacity);
 
-// How many bytes of a text fit into `most` bytes without a character that is cut. Bytes that are not text
-// count as characters of one byte.
-std::size_t whole_characters(std::string_view text, std::size_t most);
-
-// A wide copy that the caller owns (null: the empty text). Raises CAtlException: E_OUTOFMEMORY, or
-// E_INVALIDARG for a text that is not valid in the encoding.
+// A wide copy, which the caller releases with SysFreeString. Null is the empty text. Raises CAtlException:
+// E_OUTOFMEMORY, or E_INVALIDARG for a text that is not valid in the encoding.
 BSTR widen(const char* text);
 
 }  // namespace orx::platform

@@ -3,8 +3,8 @@
 
 namespace orx::platform {
 
-// Reads them again, where a backend keeps them. Other threads may be using the old values. Raises
-// std::bad_alloc, and then keeps the old ones.
+// Reads the variables again where a backend keeps their values; does nothing where it does not. Other threads
+// may still be using the old values. Raises std::bad_alloc, and then the old values stay.
 void read_environment();
 
 }  // namespace orx::platform

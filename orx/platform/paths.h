@@ -1,29 +1,31 @@
-// Paths of the suite and paths of the system.
+// Conversion between paths of the suite and paths of the system.
 //
-// The suite writes paths with backslashes and drive letters, and stores them so in its files; the system may
-// have neither. Narrow text. No function blocks.
+// The suite writes paths with backslashes and drive letters, and stores them like that in its files. A system
+// may have neither. All text is narrow. Null is the empty path. No function blocks, except for the time that
+// the system needs to look up a name.
 #pragma once
 
 #include <string>
 
 namespace orx::platform {
 
-// The system's path for a path of the suite: X:\..., \\server\share\..., both also with slashes or after
-// \\?\, or any other path. A path that is the system's already comes back unchanged. Empty when there is no
-// such path: an empty path, or a drive on a system where no drive folder can be found. Looks at a file only
-// for a path that begins with two slashes.
+// The system's path for a path of the suite: X:\..., \\server\share\..., either of them with slashes or after
+// \\?\, or any other path. A path of the system is returned unchanged. The result is empty for an empty path,
+// and for a path with a drive or a server where no drive folder can be found. Only a path that begins with
+// two slashes makes this function look at the file system.
 std::string system_path(const char* path);
 
-// The same, with each part of a path with a drive or server in the letter case in which it exists. A path
-// that exists as written, or not at all, is converted as above.
+// As system_path, but each part below a drive or a server gets the letter case in which it exists. A path
+// that exists as written keeps its letter case; parts that do not exist in any case stay as written.
 std::string existing_path(const char* path);
 
-// The suite's form of a path of the system, made absolute. A path that is in the suite's form already (it
-// begins with a backslash or a drive) comes back unchanged; so does the empty one.
+// The suite's form of a path of the system, made absolute. A path that begins with a backslash or a drive has
+// the suite's form already and is returned unchanged. The result is empty for an empty path, and for a
+// relative path when the current directory does not exist any more.
 std::string suite_path(const char* native);
 
-// The folder that all users of the machine share, as the system's variable for it has it; empty when that is
-// not set.
+// The folder that all users of the machine share, unchanged from the environment variable PUBLIC; empty when
+// it is not set. Read at every call.
 std::string public_folder();
 
 }  // namespace orx::platform

@@ -1,9 +1,10 @@
-// Keys of the registry, and the texts of the system's errors.
+// Keys of the registry, transactions, and the texts of errors.
 //
-// Results are the system's codes, ERROR_SUCCESS or why not. Narrow text. A call may wait for another process
-// that writes, for some seconds at most.
+// Functions that return an LSTATUS return ERROR_SUCCESS or the system's code for the failure. Names and paths
+// are narrow text. A call may wait for another process that writes, for at most some seconds. Any thread may
+// call these functions; an object is for one thread.
 //
-// Duties of a backend: the functions of compat/hkey.h, and what stands here without a body in
+// Duties of a backend: the functions of compat/hkey.h, and what is declared here and has no body in
 // registry_key.cpp.
 #pragma once
 
@@ -13,7 +14,7 @@
 
 namespace orx::platform {
 
-// An open key, which closes itself.
+// An open key; the destructor closes it.
 class RegistryKey {
  public:
   RegistryKey() = default;
@@ -21,18 +22,21 @@ class RegistryKey {
   RegistryKey& operator=(const RegistryKey&) = delete;
   ~RegistryKey() { Close(); }
 
-  // Opens a key below another, in the place of the one held before; the parent may be the one held before.
+  // Open and Create close the key held before, which may be `parent`, even when they fail; then no key is
+  // held.
   LSTATUS Open(HKEY parent, const char* path, REGSAM access);
-  // With full access; `is_new` may be null.
+  // Opens a key with full access, and first creates the missing levels of the path. `is_new` may be null.
   LSTATUS Create(HKEY parent, const char* path, bool* is_new = nullptr);
 
-  // The value's bytes, at most `capacity` of them.
+  // Copies the bytes of a value to `data`. ERROR_MORE_DATA when there are more than `capacity`.
   LSTATUS Query(const char* name, void* data, DWORD capacity) const;
   bool HasValue(const char* name) const;
+  // Writes `size` bytes of `data`, and creates the value if it does not exist.
   LSTATUS Set(const char* name, DWORD type, const void* data, DWORD size) const;
 
+  // Null when no key is held.
   operator HKEY() const { return key_; }
-  // The caller closes it.
+  // Gives the key away: the caller closes it.
   HKEY Release();
 
  private:
@@ -41,32 +45,34 @@ class RegistryKey {
   HKEY key_ = nullptr;
 };
 
-// While it lives, what the thread does below a root is one transaction where the system has such, and keys
-// cost less to open. One within another is a part of it, and ends with it.
+// While an object lives, all calls of its thread below the root are one transaction, on systems that have
+// transactions. That also makes opening many keys faster. Other threads wait for the end of the transaction.
+// An object within another's lifetime belongs to the outer transaction: its End and its destructor do
+// nothing.
 class RegistryTransaction {
  public:
-  enum Intent { kRead, kWrite };  // one begun for reading may write all the same, if it must
+  enum Intent { kRead, kWrite };  // a transaction that begins with kRead may write as well
+  enum Outcome { kKept, kUndone };
 
   RegistryTransaction(HKEY root, Intent intent);
   RegistryTransaction(const RegistryTransaction&) = delete;
   RegistryTransaction& operator=(const RegistryTransaction&) = delete;
-  ~RegistryTransaction();  // undoes it, if it has not ended
+  ~RegistryTransaction();  // ends it with kUndone, unless End was called
 
-  enum Outcome { kKept, kUndone };
-
-  // What was written stays written only if it is kept and this succeeds, whatever became of the rest.
+  // Ends the transaction. Its changes are on disk only if the outcome is kKept and the result ERROR_SUCCESS,
+  // whatever the calls within it have returned. A second call does nothing.
   LSTATUS End(Outcome outcome = kKept);
 
  private:
-  HKEY root_;  // null: nothing to end
+  HKEY root_;  // null: there is nothing to end
 };
 
-// The file that holds what is below a root; empty where the system keeps that elsewhere, and when there is no
-// place for it.
+// The file that stores everything below a root. Empty where the system has no such file, and when the user
+// has no home folder.
 std::string registry_file(HKEY root);
 
-// The message of the calling thread's last failure in a system call, with the line end that the system puts
-// behind it; empty when there was none.
+// The message of the calling thread's last registry function that failed, followed by CR LF. Empty when no
+// call has failed, and for a code without a message.
 std::string last_error_text();
 
 }  // namespace orx::platform

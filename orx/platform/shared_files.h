@@ -1,25 +1,30 @@
 // Folders and logs that the users of the machine share. Paths are the suite's, see paths.h.
 //
-// What is made here may be used by everybody who may use the folder that it is made in, whatever the process
-// takes away from new files otherwise: a backend passes the folder's rights, and its group, on.
+// A new folder or log is open to everybody who may use the folder above it, whatever mask the process applies
+// to new files: a backend passes on the rights and the group of that folder.
 //
-// A shared folder is open to attacks: another user may plant a link that leads to a file of this user. A log
-// is therefore refused if only another user can have put it there, see posix/shared_files.cpp.
+// In a shared folder another user may plant a link that leads to a file of this user, so that this user
+// overwrites it. A backend therefore refuses a log that only another user can have put there;
+// posix/shared_files.cpp says how it decides.
+//
+// The functions return false when they fail. They do not wait for other processes, and any thread may call
+// them.
 #pragma once
 
 #include <string_view>
 
 namespace orx::platform {
 
-// Each is false when it could not be done, or when something is there already and cannot be used.
-//
-// Makes one level; the folders above it must exist.
+// Creates one folder; the folders above it must exist. False also when something with that name exists.
 bool create_shared_folder(const char* path);
 
-// Both make a file that does not exist, and wait for nobody, so a pipe without a reader is refused. Bytes are
-// appended in one piece, before or after those that other processes append, but never among them; only when
-// the disk has no space for all of them, some may stay.
+// Empties a log, or creates it. Of a device or a pipe, only checks that it can be opened for writing; a pipe
+// without a reader cannot.
 bool clear_log(const char* path);
+
+// Appends bytes to a log, which is created if it does not exist. Bytes that other processes append at the
+// same time come before or after these bytes, never between them. When the disk has no space for all of the
+// bytes, some of them may stay.
 bool append_to_log(const char* path, std::string_view bytes);
 
 }  // namespace orx::platform

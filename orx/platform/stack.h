@@ -5,9 +5,9 @@
 
 namespace orx::platform {
 
-// Bytes from the current position down to the lowest address that is reserved for the thread's stack, guard
-// pages included. 0 when that can't be told, and on a stack that is not the thread's own: that of a coroutine
-// or of a signal handler. Does not block.
+// The bytes between the current position and the lowest address that is reserved for the thread's stack,
+// guard pages included. 0 when the system does not say, and on a stack that the thread was not created with:
+// that of a coroutine or of a signal handler. Does not block.
 std::size_t stack_left();
 
 }  // namespace orx::platform

@@ -58,8 +58,7 @@ int copy_item(const Item& item, char* buffer, std::size_t size, std::size_t* nee
 
 // The message may need memory that is not there.
 [[noreturn]] void fail_load(const std::string& message) {
-  const std::string cut =
-      message.substr(0, orx::platform::whole_characters(message, ORX_LOAD_MESSAGE_LENGTH));
+  const std::string cut = message.substr(0, orx::platform::truncated_size(message, ORX_LOAD_MESSAGE_LENGTH));
   throw QprLoadFailedException(cut.c_str());
 }
 

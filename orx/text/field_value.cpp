@@ -68,7 +68,7 @@ int read_text(const Field& field) {
   if (field.size <= 0) return kCut;
   const auto size = static_cast<std::size_t>(field.size);
   const std::string_view text(field.text, strnlen(field.text, size));
-  const std::size_t stored = orx::platform::whole_characters(text, size - 1);
+  const std::size_t stored = orx::platform::truncated_size(text, size - 1);
   std::memcpy(field.dst, field.text, stored);
   return text.size() < size ? 0 : kCut;
 }

@@ -14,7 +14,7 @@ void expect(std::string_view text, bool valid) {
   for (std::size_t cut = 0; cut <= text.size(); ++cut) {
     Validator validator;
     validator.Feed(bytes, cut);
-    EXPECT_EQ(validator.Feed(bytes + cut, text.size() - cut) && validator.Complete(), valid) << text << cut;
+    EXPECT_EQ(validator.Feed(bytes + cut, text.size() - cut) && validator.IsComplete(), valid) << text << cut;
   }
 }
 

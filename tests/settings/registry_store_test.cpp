@@ -11,10 +11,10 @@ namespace {
 // The file of the user's settings, as another program finds it.
 class StoreTest : public orx::testing::RegistryTest {
  protected:
-  StoreTest() { orx::platform::registry_patience = 20; }
+  StoreTest() { orx::platform::registry_busy_timeout_ms = 20; }
   ~StoreTest() override {
     sqlite3_close(file_);
-    orx::platform::registry_patience = 10'000;
+    orx::platform::registry_busy_timeout_ms = 10'000;
   }
 
   void OpenFile() {

@@ -11,7 +11,8 @@ namespace orx::platform {
 
 LocalTime system_local_time() {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;  // the C library may read the file of the time zone, under a lock
+  // localtime_r may read the time zone's file while it holds a lock of the C library.
+  const CancellationBlock cancellation_block;
   const time_t now = time(nullptr);
   tm local{};
   if (localtime_r(&now, &local) == nullptr) return {};

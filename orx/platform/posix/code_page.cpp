@@ -1,5 +1,6 @@
 #include <orx/platform/code_page.h>
 
+#include <orx/base/ascii.h>
 #include <orx/platform/posix/support/utf8.h>
 
 #include <algorithm>
@@ -9,21 +10,24 @@
 namespace orx::platform {
 namespace {
 
-int folded(char c) {
-  const int byte = static_cast<unsigned char>(c);
-  return byte >= 'A' && byte <= 'Z' ? byte - 'A' + 'a' : byte;
-}
+constexpr std::size_t kMaxContinuations = kMaxCharacterBytes - 1;
+
+// As an unsigned value, so that letters beyond ASCII are greater than those of ASCII.
+int lower_case(char c) { return static_cast<unsigned char>(to_lower(c)); }
 
 }  // namespace
 
 int compare_no_case(const char* left, const char* right) {
   if (left == nullptr) left = "";
   if (right == nullptr) right = "";
-  while (*left != '\0' && folded(*left) == folded(*right)) ++left, ++right;
-  return folded(*left) - folded(*right);
+  while (*left != '\0' && lower_case(*left) == lower_case(*right)) {
+    ++left;
+    ++right;
+  }
+  return lower_case(*left) - lower_case(*right);
 }
 
-// No byte of a multibyte character is a backslash in UTF-8.
+// In UTF-8 no multibyte character contains the byte of a backslash.
 const char* last_backslash(const char* text) { return std::strrchr(text, '\\'); }
 
 int count_characters(std::string_view text) {
@@ -31,18 +35,27 @@ int count_characters(std::string_view text) {
       std::count_if(text.begin(), text.end(), [](char c) { return !utf8::is_continuation(c); }));
 }
 
-std::size_t first_characters(std::string_view text, std::size_t most) {
-  const auto goes_beyond = [&most](char c) { return !utf8::is_continuation(c) && most-- == 0; };
-  return static_cast<std::size_t>(std::find_if(text.begin(), text.end(), goes_beyond) - text.begin());
+std::size_t prefix_size(std::string_view text, std::size_t characters) {
+  std::size_t size = 0;
+  std::size_t begun = 0;
+  for (; size < text.size(); ++size) {
+    if (utf8::is_continuation(text[size])) continue;
+    if (begun == characters) break;
+    ++begun;
+  }
+  return size;
 }
 
-std::size_t whole_characters(std::string_view text, std::size_t most) {
-  if (text.size() <= most) return text.size();
-  constexpr std::size_t kMostContinuations = 3;
-  std::size_t lead = most;
-  while (lead > 0 && most - lead < kMostContinuations && utf8::is_continuation(text[lead])) --lead;
+std::size_t truncated_size(std::string_view text, std::size_t capacity) {
+  if (text.size() <= capacity) return text.size();
+  // The cut is before text[capacity]. Look back for the lead byte of the character that has this byte.
+  std::size_t lead = capacity;
+  while (lead > 0 && capacity - lead < kMaxContinuations && utf8::is_continuation(text[lead])) --lead;
+  // The number of leading ones in a lead byte is the number of bytes of its character. It is 1 for a
+  // continuation, and more than 4 for a byte that is never part of a text.
   const auto length = static_cast<std::size_t>(std::countl_one(static_cast<unsigned char>(text[lead])));
-  return length > most - lead && length <= kMostContinuations + 1 ? lead : most;
+  const bool is_cut = length > capacity - lead && length <= kMaxCharacterBytes;
+  return is_cut ? lead : capacity;
 }
 
 BSTR widen(const char* text) { return utf8::to_wide(text != nullptr ? text : ""); }

@@ -15,17 +15,19 @@
 namespace orx::platform {
 namespace {
 
-// In one piece, so that the lines of several processes stay whole.
+// One system call, so that lines of several processes are not mixed. A pipe whose reader has gone fails
+// without a signal, and that failure is ignored.
 void write_line(int file, const char* text) {
-  const SignalBlock held;
+  const SignalBlock signal_block;
   char line_end = '\n';
   const iovec pieces[] = {{const_cast<char*>(text), std::strlen(text)}, {&line_end, 1}};
   [[maybe_unused]] const ssize_t ignored = writev(file, pieces, 2);
 }
 
+// "stderr", the name of a file, or empty. The text is never freed.
 const char* destination() {
   try {
-    return variable("ORX_DEBUG_OUTPUT").c_str();
+    return environment_variable("ORX_DEBUG_OUTPUT").c_str();
   } catch (const std::bad_alloc&) {
     return "";
   }
@@ -35,12 +37,12 @@ const char* destination() {
 
 void debug_output(const char* text) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   if (text == nullptr || *text == '\0') return;
   const char* const where = destination();
   if (*where == '\0') return;
   if (std::strcmp(where, "stderr") == 0) return write_line(STDERR_FILENO, text);
-  // Not blocking: a pipe that nobody reads must not stop the host.
+  // O_NONBLOCK: a pipe that nobody reads must not stop the host.
   constexpr int kFlags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
   const int file = open(where, kFlags, 0666);
   if (file < 0) return;

@@ -1,26 +1,21 @@
 #include <orx/platform/posix/drive_path.h>
 
+#include <orx/platform/posix/support/directory.h>
 #include <orx/platform/posix/support/utf8.h>
 
-#include <dirent.h>
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <memory>
 #include <string_view>
 
 namespace orx::platform {
 namespace {
 
-struct Close {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
-
-// Finds the one entry of a folder that has a name in any letter case.
+// Finds the only entry of a folder that has the name in any letter case. Returns 0, ENOENT or ENOTUNIQ.
 int find_entry(const std::string& folder, std::string_view name, std::string& entry_name) {
   std::string wanted, capitals;
   if (!utf8::to_upper(name, wanted)) return ENOENT;
-  const std::unique_ptr<DIR, Close> entries(opendir(folder.c_str()));
+  const Directory entries(opendir(folder.c_str()));
   if (entries == nullptr) return ENOENT;
   int found = 0;
   while (const dirent* entry = readdir(entries.get())) {
@@ -38,10 +33,12 @@ bool exists(const std::string& path) {
 
 }  // namespace
 
+// `found` grows by one separator and one part at a time; `rest` is what follows. Separators are copied as
+// they are, so that a name that exists as written comes back unchanged.
 int find_in_any_case(SystemPath& path) {
-  if (path.drive_folder == 0) return ENOENT;
-  std::string found = path.name.substr(0, path.drive_folder);
-  std::string_view rest = std::string_view(path.name).substr(path.drive_folder);
+  if (path.drive_folder_length == 0) return ENOENT;
+  std::string found = path.name.substr(0, path.drive_folder_length);
+  std::string_view rest = std::string_view(path.name).substr(path.drive_folder_length);
   while (!rest.empty()) {
     const std::size_t separators = std::min(rest.find_first_not_of('/'), rest.size());
     found += rest.substr(0, separators);

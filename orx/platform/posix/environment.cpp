@@ -31,7 +31,7 @@ constexpr std::string_view kNames[] = {
     "ORX_DRIVES", "ORX_USER_REGISTRY", "ORX_MACHINE_REGISTRY", "ORX_DEBUG_OUTPUT",
     "HOME",       "XDG_CONFIG_HOME",   "XDG_DATA_HOME"};
 
-// The value of a name that is not kept comes last, and is empty.
+// The last value is always empty. It is the value of a name that is not in kNames.
 using Values = std::array<std::string, std::size(kNames) + 1>;
 
 struct Snapshot {
@@ -39,15 +39,18 @@ struct Snapshot {
   const Snapshot* older;
 };
 
-// No snapshot is ever freed, since any thread may be reading it. One whose values come back is used again, so
-// that a host that switches between a few environments does not use up memory.
+// Readers take no lock: they load `current` and read the snapshot. Any thread may do that at any time, so a
+// snapshot is immutable and is never freed. All snapshots are in a list from the newest to the oldest. When
+// the environment gets values that it had before, the old snapshot becomes current again. So a host that
+// switches between a few environments uses a limited amount of memory.
 constinit const Snapshot* newest = nullptr;
 constinit std::atomic<const Snapshot*> current = nullptr;
-constinit std::mutex reading;
+constinit std::mutex snapshot_mutex;  // for new snapshots
 
-// A child must not find the lock held by a thread of its parent.
-[[maybe_unused]] const int forks =
-    pthread_atfork([] { reading.lock(); }, [] { reading.unlock(); }, [] { reading.unlock(); });
+// Without these handlers, a thread of the parent could hold the mutex during a fork, and no thread of the
+// child would ever release it.
+[[maybe_unused]] const int fork_handlers = pthread_atfork(
+    [] { snapshot_mutex.lock(); }, [] { snapshot_mutex.unlock(); }, [] { snapshot_mutex.unlock(); });
 
 Values read_values() {
   Values values;
@@ -58,33 +61,43 @@ Values read_values() {
   return values;
 }
 
-// The caller holds the lock.
+const Snapshot* find_snapshot(const Values& values) {
+  const Snapshot* snapshot = newest;
+  while (snapshot != nullptr && snapshot->values != values) snapshot = snapshot->older;
+  return snapshot;
+}
+
+// The caller holds the mutex.
 void read_all() {
-  // Other libraries read variables by themselves, on first use: the C library TZ, and LOCPATH to find a
-  // locale, SQLite the place of temporary files, libxml2 what its memory is to be searched for.
+  // Other libraries read variables at their first use: the C library reads TZ, and LOCPATH to find a locale;
+  // SQLite reads the folder of temporary files; libxml2 reads its options for debugging memory. They read
+  // them here, so that the host may change the environment afterwards.
   tzset();
   format_locale();
   sqlite3_initialize();
   dom::prepare_libxml2();
   std::unique_ptr<const Snapshot> fresh(new Snapshot{read_values(), newest});
-  const Snapshot* known = newest;
-  while (known != nullptr && known->values != fresh->values) known = known->older;
-  if (known == nullptr) newest = known = fresh.release();
-  current.store(known, std::memory_order_release);
+  const Snapshot* snapshot = find_snapshot(fresh->values);
+  if (snapshot == nullptr) {
+    snapshot = fresh.release();
+    newest = snapshot;
+  }
+  current.store(snapshot, std::memory_order_release);
 }
 
 const Values& current_values() {
   const Snapshot* snapshot = current.load(std::memory_order_acquire);
   if (snapshot != nullptr) return snapshot->values;
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
-  const std::lock_guard lock(reading);
+  const CancellationBlock cancellation_block;
+  const std::lock_guard lock(snapshot_mutex);
   if (current == nullptr) read_all();
   return current.load()->values;
 }
 
-std::string home_of_user() {
-  const CancellationBlock held;
+// The home folder in the password database, for a process without the variable HOME.
+std::string find_home_folder() {
+  const CancellationBlock cancellation_block;
   std::vector<char> buffer(1024);
   passwd entry;
   passwd* found = nullptr;
@@ -98,20 +111,20 @@ std::string home_of_user() {
 
 void read_environment() {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
-  const std::lock_guard lock(reading);
+  const CancellationBlock cancellation_block;
+  const std::lock_guard lock(snapshot_mutex);
   read_all();
 }
 
-const std::string& variable(const char* name) {
-  const auto place = std::ranges::find(kNames, std::string_view(name)) - std::begin(kNames);
-  return current_values()[static_cast<std::size_t>(place)];
+const std::string& environment_variable(const char* name) {
+  const auto index = std::ranges::find(kNames, std::string_view(name)) - std::begin(kNames);
+  return current_values()[static_cast<std::size_t>(index)];
 }
 
 std::string user_folder(const char* xdg_variable, const char* below_home) {
-  if (std::string folder = variable(xdg_variable); folder.starts_with('/')) return folder;
-  std::string home = variable("HOME");
-  if (home.empty()) home = home_of_user();
+  if (std::string folder = environment_variable(xdg_variable); folder.starts_with('/')) return folder;
+  std::string home = environment_variable("HOME");
+  if (home.empty()) home = find_home_folder();
   return home.empty() ? home : home + '/' + below_home;
 }
 

@@ -1,16 +1,17 @@
-// What the environment says about the user, as it was when it was last read.
+// The environment variables of the library, with the values that they had when they were last read.
 #pragma once
 
 #include <string>
 
 namespace orx::platform {
 
-// One of the variables that the library keeps. Empty when it is not set, and in a program that runs with more
-// rights than its user. The value is never freed. The first call reads them all and may raise std::bad_alloc.
-const std::string& variable(const char* name);
+// The value of one of the variables that the library keeps. Empty when the variable is not set, and in a
+// program that runs with more rights than its user. The reference is valid until the process ends. The first
+// call reads all variables and may raise std::bad_alloc.
+const std::string& environment_variable(const char* name);
 
-// The folder that an XDG variable names, otherwise the one below the user's home; relative names are ignored.
-// Empty when there is neither.
+// The folder that an XDG variable names if its value is absolute; otherwise the folder `below_home` in the
+// user's home folder. Empty when there is no home folder either. May raise std::bad_alloc.
 std::string user_folder(const char* xdg_variable, const char* below_home);
 
 }  // namespace orx::platform

@@ -4,9 +4,9 @@
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/support/descriptor.h>
+#include <orx/platform/posix/support/directory.h>
 #include <orx/platform/posix/support/error_text.h>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <sys/file.h>
@@ -26,19 +26,22 @@ namespace orx::platform {
 namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
-constexpr int kLinksFollowed = 40;  // as many as the system itself follows
-constexpr int kTemporaryNamesTried = 100;
-constexpr int kEntriesSearched = 10'000;  // for temporaries of killed processes: some milliseconds
+constexpr int kMaxLinks = 40;  // the limit of the system itself
+constexpr int kMaxTemporaryNames = 100;
+// The search for temporary files of killed processes ends after so many entries, that is some milliseconds.
+constexpr int kMaxEntriesSearched = 10'000;
 constexpr char kAccessControlList[] = "system.posix_acl_access";
 constexpr mode_t kPermissionBits = 0777;
+constexpr mode_t kNewFileMode = 0666;
 
-bool failed(std::string& reason, std::string text = error_text(errno)) {
+// Returns false, for `return fail(reason)`.
+bool fail(std::string& reason, std::string text = error_text(errno)) {
   reason = std::move(text);
   return false;
 }
 
-// The beginning of the names of all temporaries for a file. It does not hold the file's name, which may have
-// full length.
+// The beginning of the names of all temporary files for one file. It has a hash in place of the file's name,
+// because the name may already have the greatest length that the system allows.
 std::string temporary_prefix(std::string_view name) {
   std::uint32_t hash = 2166136261U;  // FNV-1a
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
@@ -47,7 +50,7 @@ std::string temporary_prefix(std::string_view name) {
   return prefix;
 }
 
-// Nobody can foretell the name, and so nobody can put a link in its place.
+// A random name, so that another user cannot put a link there beforehand.
 std::string temporary_name(std::string_view name) {
   std::uint64_t random = 0;
   if (getrandom(&random, sizeof random, 0) != sizeof random) random = reinterpret_cast<std::uintptr_t>(&name);
@@ -56,17 +59,17 @@ std::string temporary_name(std::string_view name) {
   return temporary_prefix(name) + end;
 }
 
-// What a new file may be at first, so that its content is never open to more people than the old one's: until
-// the owner has been set, its group may be another.
-mode_t safe_mode(mode_t old) {
+// The mode of the temporary file until its owner and group are those of the old file. Until then it may
+// belong to another group, which must not get rights that everybody does not have.
+mode_t initial_mode(mode_t old) {
   const mode_t of_group = old >> 3 & 07;
   const mode_t of_others = old & 07;
   return (of_group & ~of_others) == 0 ? old : old & 0700;
 }
 
-void keep_owner(int file, const struct stat& old) {
+void copy_owner(int file, const struct stat& old) {
   if (fchown(file, old.st_uid, old.st_gid) == 0) return;
-  // Only the administrator may give files away; a group of one's own is worth keeping all the same.
+  // Only the administrator may change the owner, but a user may set a group that he belongs to.
   [[maybe_unused]] const int ignored = fchown(file, static_cast<uid_t>(-1), old.st_gid);
 }
 
@@ -78,7 +81,8 @@ bool read_all(int file, std::string& bytes) {
   std::size_t size = 0;
   while (size < bytes.size()) {
     const auto at = static_cast<off_t>(size);
-    const ssize_t read = uninterrupted([&] { return pread(file, &bytes[size], bytes.size() - size, at); });
+    const ssize_t read =
+        retry_if_interrupted([&] { return pread(file, &bytes[size], bytes.size() - size, at); });
     if (read < 0) return false;
     if (read == 0) break;
     size += static_cast<std::size_t>(read);
@@ -88,14 +92,15 @@ bool read_all(int file, std::string& bytes) {
 }
 
 // Replaces the content of a file that is open.
-bool overwrite(int file, std::string_view bytes) {
+bool overwrite_file(int file, std::string_view bytes) {
   return lseek(file, 0, SEEK_SET) == 0 && write_all(file, bytes) &&
-         uninterrupted([&] { return ftruncate(file, static_cast<off_t>(bytes.size())); }) == 0 &&
-         uninterrupted([&] { return fsync(file); }) == 0;
+         retry_if_interrupted([&] { return ftruncate(file, static_cast<off_t>(bytes.size())); }) == 0 &&
+         retry_if_interrupted([&] { return fsync(file); }) == 0;
 }
 
-// The folder refuses, or the name is a mount point. The file itself may be writable all the same.
-bool is_refused_by_folder(int error) {
+// Whether the folder refused a new file or a rename, or the name is a mount point. The file itself may still
+// be writable.
+bool is_folder_error(int error) {
   return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
@@ -111,22 +116,25 @@ EntryKind entry_kind(const char* path) {
 
 std::optional<std::uint64_t> readable_size(const char* path) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   SystemPath where = parse_path(path);
   const std::string& name = where.name;
   struct stat status;
   if (on_path(where, [&](const char* candidate) { return stat(candidate, &status); }) != 0) return {};
   if (S_ISDIR(status.st_mode) || S_ISSOCK(status.st_mode)) return {};
-  // Opening a pipe waits for its other end, or sets that going; opening a device may do anything.
+  // Only regular files are opened. Opening a pipe waits for its other end or wakes it, and opening a device
+  // may have any effect.
   if (!S_ISREG(status.st_mode)) {
     if (faccessat(AT_FDCWD, name.c_str(), R_OK, AT_EACCESS) != 0) return {};
     return 0;
   }
   constexpr int kFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  const Descriptor file(uninterrupted([&] { return open(name.c_str(), kFlags); }));
-  // A file that another process has taken a lease on can be opened as well, once it has been asked for.
+  const Descriptor file(retry_if_interrupted([&] { return open(name.c_str(), kFlags); }));
+  // EWOULDBLOCK: another process has a lease on the file. It must give the lease up, so the file can be
+  // opened, but not without waiting.
   if (!file.is_open() && errno != EWOULDBLOCK) return {};
-  if (file.is_open() && fstat(file, &status) != 0) return {};  // what a server says now
+  // On a network file system, opening the file brings its size up to date.
+  if (file.is_open() && fstat(file, &status) != 0) return {};
   return static_cast<std::uint64_t>(status.st_size);
 }
 
@@ -134,73 +142,82 @@ std::uint64_t free_space(const char* folder) {
   const ErrnoGuard errno_guard;
   SystemPath where = parse_path(folder);
   if (where.name.empty()) return 0;
-  where.name += '/';  // refuses what is not a folder
+  where.name += '/';  // then only a folder is found
   struct statvfs volume;
-  const auto query = [&](const char* name) { return uninterrupted([&] { return statvfs(name, &volume); }); };
+  const auto query = [&](const char* name) {
+    return retry_if_interrupted([&] { return statvfs(name, &volume); });
+  };
   if (on_path(where, query) != 0 || volume.f_frsize == 0) return 0;
   const std::uint64_t blocks = std::min<std::uint64_t>(volume.f_bavail, UINT64_MAX / volume.f_frsize);
   return blocks * volume.f_frsize;
 }
 
-// All names are taken in the folder that was opened, wherever the process or the folder moves meanwhile.
+// A replacement in progress. Usually `file` is the temporary file and `buffer` the bytes that are not in it
+// yet. If the folder refuses a temporary file, the replacement is in place: `buffer` has all bytes, and
+// Commit writes them into the old file.
+//
+// All names are relative to the descriptor of the folder. So the replacement stays in that folder even if the
+// host changes its current directory or the folder is renamed.
 struct FileReplacement::State {
   Descriptor folder;
-  Descriptor file;
-  std::string name;
-  std::string temporary;  // empty: there is no temporary file
+  Descriptor file;        // the temporary file, which this process has locked
+  std::string name;       // of the file to replace, within the folder
+  std::string temporary;  // the name of the temporary file; empty: there is none to remove
   std::string buffer;
-  std::string refusal;       // why no temporary file could be made
-  bool is_in_place = false;  // the buffer keeps the whole content until Commit
+  std::string refusal;  // in place: why there is no temporary file
+  bool is_in_place = false;
 
   ~State() {
     if (!temporary.empty()) unlinkat(folder, temporary.c_str(), 0);
   }
 
-  // Finds the folder and the old file behind a path, through links that need not lead to anything yet. The
-  // links on the way to the name at its end are the system's business.
+  // Opens the folder of the file that a path leads to, and reads the status of that file. Links at the end of
+  // the path are followed here, one at a time, because the file that they lead to need not exist. Links in
+  // the middle of the path are followed by the system.
   bool Locate(std::string path, struct stat& old, bool& exists, std::string& reason) {
-    for (int followed = 0; followed <= kLinksFollowed; ++followed) {
+    for (int followed = 0; followed <= kMaxLinks; ++followed) {
       const std::size_t name_at = path.rfind('/') + 1;
       name = path.substr(name_at);
-      if (name.empty()) return failed(reason, error_text(path.empty() ? ENOENT : EISDIR));
+      if (name.empty()) return fail(reason, error_text(path.empty() ? ENOENT : EISDIR));
       if (!OpenFolder(name_at == 0 ? "." : path.substr(0, name_at).c_str(), reason)) return false;
       exists = fstatat(folder, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
-      if (!exists) return errno == ENOENT || failed(reason);
+      if (!exists) return errno == ENOENT || fail(reason);
       if (!S_ISLNK(old.st_mode)) return true;
       char target[PATH_MAX];
       const ssize_t size = readlinkat(folder, name.c_str(), target, sizeof target);
-      if (size < 0) return failed(reason);
+      if (size < 0) return fail(reason);
       path.replace(target[0] == '/' ? 0 : name_at, std::string::npos, target, static_cast<std::size_t>(size));
     }
-    return failed(reason, error_text(ELOOP));
+    return fail(reason, error_text(ELOOP));
   }
 
   bool OpenFolder(const char* path, std::string& reason) {
     folder = Descriptor(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // A folder that may be written but not read is good enough: only its flush fails.
+    // A folder that this user may write but not read is opened as a path. Only its flush fails then.
     if (!folder.is_open() && errno == EACCES)
       folder = Descriptor(open(path, O_PATH | O_DIRECTORY | O_CLOEXEC));
-    return folder.is_open() || failed(reason);
+    return folder.is_open() || fail(reason);
   }
 
-  // The old file is never opened: one that is a pipe would block.
+  // Refuses what is not a regular file, and a file that this user may not write: a rename would replace it
+  // all the same. The old file is not opened, because opening a pipe blocks.
   bool CheckOld(const struct stat& old, std::string& reason) const {
-    if (S_ISDIR(old.st_mode)) return failed(reason, error_text(EISDIR));
-    if (!S_ISREG(old.st_mode)) return failed(reason, "Not a regular file");
-    if (old.st_uid == geteuid() && (old.st_mode & S_IWUSR) != 0)
-      return true;  // by far the most, and at no cost
-    return faccessat(folder, name.c_str(), W_OK, AT_EACCESS) == 0 || failed(reason);
+    if (S_ISDIR(old.st_mode)) return fail(reason, error_text(EISDIR));
+    if (!S_ISREG(old.st_mode)) return fail(reason, "Not a regular file");
+    // The usual case, which costs no system call.
+    if (old.st_uid == geteuid() && (old.st_mode & S_IWUSR) != 0) return true;
+    return faccessat(folder, name.c_str(), W_OK, AT_EACCESS) == 0 || fail(reason);
   }
 
-  // A running save holds the lock of its temporary. Whoever finds one without a lock removes it, which may
-  // also happen between the creation and the lock here: such a file has no name any more, and the next
-  // attempt follows.
-  // Returns the error number, or 0.
+  // Creates and locks the temporary file. The lock says that its process is alive: other processes remove a
+  // temporary file that is not locked. That may happen here between the creation and the lock. The file then
+  // has no name any more (st_nlink is 0), and another name is tried. Returns 0 or the error number.
   int CreateTemporary(mode_t mode) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
-    for (int tried = 0; tried < kTemporaryNamesTried; ++tried) {
+    for (int tried = 0; tried < kMaxTemporaryNames; ++tried) {
       std::string candidate = temporary_name(name);
-      file = Descriptor(uninterrupted([&] { return openat(folder, candidate.c_str(), kFlags, mode); }));
+      file =
+          Descriptor(retry_if_interrupted([&] { return openat(folder, candidate.c_str(), kFlags, mode); }));
       if (!file.is_open() && errno == EEXIST) continue;
       if (!file.is_open()) return errno;
       const bool is_taken = flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
@@ -213,23 +230,22 @@ struct FileReplacement::State {
     return EEXIST;
   }
 
-  // Removes what killed saves of this file left. Where the file system has no locks, nothing can be removed
-  // safely.
+  // Removes the temporary files that killed replacements of this file have left. Where the file system has no
+  // locks, none is removed, since its process may be alive.
   void RemoveAbandoned() const {
     const int copy = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* entries = copy >= 0 ? fdopendir(copy) : nullptr;
+    const Directory entries(copy >= 0 ? fdopendir(copy) : nullptr);  // owns `copy`
     if (entries == nullptr) {
       if (copy >= 0) close(copy);
       return;
     }
     const std::string prefix = temporary_prefix(name);
-    const dirent* entry = readdir(entries);
-    for (int i = 0; entry != nullptr && i < kEntriesSearched; ++i, entry = readdir(entries)) {
-      if (std::string_view(entry->d_name).starts_with(prefix) && temporary != entry->d_name) {
-        RemoveIfAbandoned(entry->d_name);
-      }
+    for (int i = 0; i < kMaxEntriesSearched; ++i) {
+      const dirent* entry = readdir(entries.get());
+      if (entry == nullptr) return;
+      const bool is_for_file = std::string_view(entry->d_name).starts_with(prefix);
+      if (is_for_file && temporary != entry->d_name) RemoveIfAbandoned(entry->d_name);
     }
-    closedir(entries);
   }
 
   void RemoveIfAbandoned(const char* candidate) const {
@@ -237,19 +253,21 @@ struct FileReplacement::State {
     if (found.is_open() && flock(found, LOCK_EX | LOCK_NB) == 0) unlinkat(folder, candidate, 0);
   }
 
-  // The owner goes first: changing it can take permissions away.
-  bool TakeOver(const struct stat& old, std::string& reason) const {
+  // Gives the temporary file the owner, permissions and access control list of the old file. The owner is
+  // first, because the system may remove permission bits when the owner changes.
+  bool CopyAttributes(const struct stat& old, std::string& reason) const {
     struct stat status;
-    if (fstat(file, &status) != 0) return failed(reason);
-    const bool is_owners = status.st_uid == old.st_uid && status.st_gid == old.st_gid;
-    if (!is_owners) keep_owner(file, old);
+    if (fstat(file, &status) != 0) return fail(reason);
+    const bool has_owner = status.st_uid == old.st_uid && status.st_gid == old.st_gid;
+    if (!has_owner) copy_owner(file, old);
     mode_t mode = old.st_mode & kPermissionBits;
-    if (TakeOverAccessControlList(mode)) return true;
-    if (is_owners && (status.st_mode & kPermissionBits) == mode) return true;
-    return fchmod(file, mode) == 0 || failed(reason);
+    if (CopyAccessControlList(mode)) return true;
+    if (has_owner && (status.st_mode & kPermissionBits) == mode) return true;
+    return fchmod(file, mode) == 0 || fail(reason);
   }
 
-  // The size of the old file's list, or -1. The file is only opened where /proc is not there.
+  // Reads the old file's access control list. Returns its size, or -1 with errno set. The file is read
+  // through /proc, without opening it; it is opened only where /proc does not exist.
   ssize_t ReadAccessControlList(char* list, std::size_t size) const {
     const std::string path = "/proc/self/fd/" + std::to_string(folder) + '/' + name;
     const ssize_t read = lgetxattr(path.c_str(), kAccessControlList, list, size);
@@ -259,15 +277,15 @@ struct FileReplacement::State {
     return old.is_open() ? fgetxattr(old, kAccessControlList, list, size) : -1;
   }
 
-  // True when the file now has the old one's list, and with it all permissions. A list that cannot be read or
-  // set takes its part of `mode` with it: the bits of the group are those of the list's mask, and would open
-  // the file to the whole group.
-  bool TakeOverAccessControlList(mode_t& mode) const {
+  // Returns true when the temporary file now has the old file's list, which includes the permissions. In the
+  // mode of a file with a list, the bits of the group are the list's mask. Without the list, the same bits
+  // would open the file to the whole group. So they are removed from `mode` when the list cannot be copied.
+  bool CopyAccessControlList(mode_t& mode) const {
     std::array<char, 8192> list{};
     const ssize_t size = ReadAccessControlList(list.data(), list.size());
     if (size < 0) {
       if (errno != ENODATA && errno != ENOTSUP) mode &= ~static_cast<mode_t>(S_IRWXG);
-      fremovexattr(file, kAccessControlList);  // the folder may have given the new file one
+      fremovexattr(file, kAccessControlList);  // a default list of the folder may have given the file a list
       return false;
     }
     if (fsetxattr(file, kAccessControlList, list.data(), static_cast<std::size_t>(size), 0) == 0) return true;
@@ -275,52 +293,57 @@ struct FileReplacement::State {
     return false;
   }
 
-  // Writes into the old file itself, and restores it when that fails. `unless` is the reason when it cannot
-  // be opened.
-  bool WriteInPlace(std::string_view bytes, const std::string& unless, std::string& reason) const {
-    const Descriptor old(uninterrupted([&] {
+  // Writes into the old file itself, and restores its content when that fails. `open_failure` becomes the
+  // reason when the old file cannot be read.
+  bool WriteInPlace(std::string_view bytes, const std::string& open_failure, std::string& reason) const {
+    const Descriptor old(retry_if_interrupted([&] {
       return openat(folder, name.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     }));
     std::string old_bytes;
-    if (!old.is_open() || !read_all(old, old_bytes)) return failed(reason, unless);
-    if (overwrite(old, bytes)) return true;
+    if (!old.is_open() || !read_all(old, old_bytes)) return fail(reason, open_failure);
+    if (overwrite_file(old, bytes)) return true;
     const int error = errno;
-    const bool is_restored = overwrite(old, old_bytes);  // before the reason, for which memory may be missing
-    return failed(reason, error_text(error) + (is_restored ? "" : "; the old content could not be restored"));
+    // Restore first: memory may run out while the reason is made.
+    const bool is_restored = overwrite_file(old, old_bytes);
+    const char* const loss = is_restored ? "" : "; the old content could not be restored";
+    return fail(reason, error_text(error) + loss);
   }
 
-  bool WriteThrough(std::string_view bytes, std::string& reason) const {
-    return write_all(file, bytes) || failed(reason);
+  bool WriteUnbuffered(std::string_view bytes, std::string& reason) const {
+    return write_all(file, bytes) || fail(reason);
   }
 
   bool Flush(std::string& reason) {
-    const bool written = WriteThrough(buffer, reason);
+    const bool written = WriteUnbuffered(buffer, reason);
     buffer.clear();
     return written;
   }
 
+  // A path with a drive that leads to nothing is searched for in other letter case. If a file is found, that
+  // file is replaced; otherwise the new file goes to the folder that was found.
   bool Open(const char* path, std::string& reason) {
     struct stat old;
     bool exists = false;
     SystemPath where = parse_path(path);
     bool is_located = Locate(where.name, old, exists, reason);
-    if (where.drive_folder > 0 && !exists) {
+    if (where.drive_folder_length > 0 && !exists) {
       const int error = find_in_any_case(where);
-      if (error == ENOTUNIQ) return failed(reason, error_text(error));
+      if (error == ENOTUNIQ) return fail(reason, error_text(error));
       if (error == 0) is_located = Locate(where.name, old, exists, reason);
     }
     if (!is_located) return false;
     if (exists && !CheckOld(old, reason)) return false;
     buffer.reserve(kBufferSize);
-    // A file that is new is as the umask says.
-    const int error = CreateTemporary(exists ? safe_mode(old.st_mode & kPermissionBits) : 0666);
+    // The permissions of a new file are limited by the umask alone.
+    const mode_t mode = exists ? initial_mode(old.st_mode & kPermissionBits) : kNewFileMode;
+    const int error = CreateTemporary(mode);
     if (error != 0) {
       refusal = error_text(error);
-      is_in_place = exists && is_refused_by_folder(error);
-      return is_in_place || failed(reason, refusal);
+      is_in_place = exists && is_folder_error(error);
+      return is_in_place || fail(reason, refusal);
     }
     RemoveAbandoned();
-    return !exists || TakeOver(old, reason);
+    return !exists || CopyAttributes(old, reason);
   }
 
   bool Write(const char* bytes, std::size_t size, std::string& reason) {
@@ -329,7 +352,7 @@ struct FileReplacement::State {
       return true;
     }
     if (buffer.size() + size > kBufferSize && !Flush(reason)) return false;
-    if (size > kBufferSize) return WriteThrough({bytes, size}, reason);
+    if (size > kBufferSize) return WriteUnbuffered({bytes, size}, reason);  // the buffer is empty now
     buffer.append(bytes, size);
     return true;
   }
@@ -337,17 +360,20 @@ struct FileReplacement::State {
   bool Commit(std::string& reason) {
     if (is_in_place) return WriteInPlace(buffer, refusal, reason);
     if (!Flush(reason)) return false;
-    if (uninterrupted([&] { return fsync(file); }) != 0) return failed(reason);
+    if (retry_if_interrupted([&] { return fsync(file); }) != 0) return fail(reason);
     if (renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
-      const bool is_refused = is_refused_by_folder(errno);
-      failed(reason);
+      const bool is_folder_refusal = is_folder_error(errno);
+      const std::string rename_failure = error_text(errno);
+      reason = rename_failure;
       std::string bytes;
-      return is_refused && read_all(file, bytes) && WriteInPlace(bytes, std::exchange(reason, ""), reason);
+      if (!is_folder_refusal || !read_all(file, bytes)) return false;
+      reason.clear();
+      return WriteInPlace(bytes, rename_failure, reason);
     }
     temporary.clear();
-    // The new file is in place. Its name should be on disk too, but a failure to flush the folder is not
-    // reported.
-    uninterrupted([&] { return fsync(folder); });
+    // The new file has replaced the old one. The flush of the folder makes the rename safe against a power
+    // cut. Its failure is not reported, because the content is already in place.
+    retry_if_interrupted([&] { return fsync(folder); });
     return true;
   }
 };
@@ -356,13 +382,13 @@ FileReplacement::FileReplacement() = default;
 
 FileReplacement::~FileReplacement() {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   state_.reset();
 }
 
 bool FileReplacement::Open(const char* path, std::string& reason) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   state_.reset();
   auto state = std::make_unique<State>();
   if (!state->Open(path, reason)) return false;
@@ -370,11 +396,13 @@ bool FileReplacement::Open(const char* path, std::string& reason) {
   return true;
 }
 
+// The state is put back only after success, so that every failure, and an exception too, abandons the
+// replacement.
 bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& reason) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   std::unique_ptr<State> state = std::move(state_);
-  if (state == nullptr) return failed(reason, "No file is open");
+  if (state == nullptr) return fail(reason, "No file is open");
   if (!state->Write(static_cast<const char*>(bytes), size, reason)) return false;
   state_ = std::move(state);
   return true;
@@ -382,9 +410,9 @@ bool FileReplacement::Write(const void* bytes, std::size_t size, std::string& re
 
 bool FileReplacement::Commit(std::string& reason) {
   const ErrnoGuard errno_guard;
-  const CancellationBlock held;
+  const CancellationBlock cancellation_block;
   const std::unique_ptr<State> state = std::move(state_);
-  if (state == nullptr) return failed(reason, "No file is open");
+  if (state == nullptr) return fail(reason, "No file is open");
   return state->Commit(reason);
 }
 

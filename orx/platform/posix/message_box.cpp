@@ -6,6 +6,7 @@
 
 namespace orx::platform {
 
+// There is no window system to rely on, so the host's terminal gets the message.
 void show_error_box(const char* text, const char* caption) {
   const ErrnoGuard errno_guard;
   std::fprintf(stderr, "%s: %s\n", caption, text);

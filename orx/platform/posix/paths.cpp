@@ -1,6 +1,6 @@
-#include <orx/base/ascii.h>
 #include <orx/platform/paths.h>
 
+#include <orx/base/ascii.h>
 #include <orx/base/errno_guard.h>
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/environment.h>
@@ -25,14 +25,15 @@ bool names_server(const char* path) {
   return is_separator(path[0]) && is_separator(path[1]) && path[2] != '\0' && !is_separator(path[2]);
 }
 
-// Empty when there is none.
+// Empty when no variable names it and the user has no home folder.
 std::string drive_folder() {
-  if (std::string folder = variable("ORX_DRIVES"); !folder.empty()) return folder;
+  if (std::string folder = environment_variable("ORX_DRIVES"); !folder.empty()) return folder;
   const std::string data = user_folder("XDG_DATA_HOME", ".local/share");
   return data.empty() ? data : data + "/orx/drives";
 }
 
-SystemPath in_drive_folder(const std::string& folder, const char* rest) {
+// The path of `rest` in one folder of the drive folder. Empty when there is no drive folder.
+SystemPath make_drive_path(const std::string& folder, const char* rest) {
   std::string drives = drive_folder();
   if (drives.empty()) return {};
   const std::size_t length = drives.size();
@@ -41,18 +42,22 @@ SystemPath in_drive_folder(const std::string& folder, const char* rest) {
   return {std::move(drives), length};
 }
 
-// Two slashes are also how the system's own paths begin that were put together from parts.
+// Whether a path begins with a server. Two backslashes always mean a server. Two slashes do so only if the
+// drive folder has that server, because paths of the system that programs put together from parts often begin
+// with two slashes.
 bool has_server(const char* path) {
   if (!names_server(path)) return false;
   if (path[0] == '\\' && path[1] == '\\') return true;
   const std::string server(path + 2, std::strcspn(path + 2, "\\/"));
-  SystemPath folder = in_drive_folder("unc", ("/" + server).c_str());
+  SystemPath folder = make_drive_path("unc", ("/" + server).c_str());
   struct stat status;
-  return !folder.name.empty() && on_path(folder, [&](const char* name) { return stat(name, &status); }) == 0;
+  if (folder.name.empty()) return false;
+  return on_path(folder, [&](const char* name) { return stat(name, &status); }) == 0;
 }
 
-// The platform writes such a prefix before paths that it is not to change.
-const char* without_prefix(const char* path, bool& is_server) {
+// Returns the path after the prefix \\?\, which Windows programs write to keep Windows from changing a path.
+// The prefix before a server is \\?\UNC\. Its last backslash stays, since a server's path begins with it.
+const char* skip_prefix(const char* path, bool& is_server) {
   constexpr std::string_view kPrefix = "\\\\?\\";
   constexpr std::string_view kServer = "UNC\\";
   is_server = false;
@@ -62,9 +67,9 @@ const char* without_prefix(const char* path, bool& is_server) {
   return is_server ? path + kServer.size() - 1 : path;
 }
 
-// Without "." and "..": what stands before a ".." may be a link, so that only the system can tell where it
-// leads.
-std::filesystem::path plain(const std::filesystem::path& path) {
+// Removes "." and "..". If the part before a ".." is a link, the ".." is in the link's target, so the path is
+// resolved by the system; without a ".." links stay.
+std::filesystem::path remove_dots(const std::filesystem::path& path) {
   std::error_code error;
   if (std::find(path.begin(), path.end(), "..") != path.end()) {
     const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, error);
@@ -79,13 +84,13 @@ SystemPath parse_path(const char* path) {
   SystemPath result;
   if (path == nullptr) return result;
   bool is_server = false;
-  path = without_prefix(path, is_server);
+  path = skip_prefix(path, is_server);
   if (is_server) {
-    result = in_drive_folder("unc", path);
+    result = make_drive_path("unc", path);
   } else if (has_drive(path)) {
-    result = in_drive_folder({to_lower(path[0])}, path + 2);
+    result = make_drive_path({to_lower(path[0])}, path + 2);
   } else if (has_server(path)) {
-    result = in_drive_folder("unc", path + 1);
+    result = make_drive_path("unc", path + 1);
   } else {
     result.name = path;
   }
@@ -118,13 +123,14 @@ std::string suite_path(const char* native) {
   std::error_code error;
   const std::filesystem::path absolute = std::filesystem::absolute(native, error);
   if (error) return "";  // the current directory is gone
-  std::string result = plain(absolute).string();
+  std::string result = remove_dots(absolute).string();
   if (result.size() > 1 && result.ends_with('/')) result.pop_back();
   std::ranges::replace(result, '/', '\\');
   return result;
 }
 
-// Not kept: a host may set it until the application data folder is found.
+// Unlike the other variables, PUBLIC is read at every call: a host may set it before the application data
+// folder is found.
 std::string public_folder() {
   const char* folder = secure_getenv("PUBLIC");
   return folder != nullptr ? folder : "";

@@ -3,8 +3,6 @@
 #include <orx/platform/posix/registry/handles.h>
 #include <orx/platform/registry_key.h>
 
-#include <algorithm>
-#include <iterator>
 #include <mutex>
 #include <new>
 #include <string_view>
@@ -18,15 +16,16 @@ thread_local LSTATUS last_error = ERROR_SUCCESS;
 
 std::string_view text_or_empty(const char* text) { return text != nullptr ? text : ""; }
 
-// A transaction of its own for an operation that is not within one.
+// Runs an operation on a key, in a transaction of its own if its thread has none. An error of the transaction
+// is the result, because then nothing that the operation has done is stored.
 template <class Operation>
 LSTATUS in_transaction(const OpenKey& key, Intent intent, Operation operation) {
   RegistryDatabase& database = key.store->database();
   const bool is_own = !database.is_active();
   if (is_own) database.Begin(intent);
-  LSTATUS status = ERROR_KEY_DELETED;  // if the file in which it was is gone
+  LSTATUS status = ERROR_KEY_DELETED;  // the result if the file that had the key does not exist any more
   try {
-    if (key.id == kRootKey || database.readable() != ERROR_FILE_NOT_FOUND)
+    if (key.id == kRootKey || database.ReadStatus() != ERROR_FILE_NOT_FOUND)
       status = operation(*key.store, key.id);
   } catch (const std::bad_alloc&) {
     status = ERROR_NOT_ENOUGH_MEMORY;
@@ -35,7 +34,9 @@ LSTATUS in_transaction(const OpenKey& key, Intent intent, Operation operation) {
   return end != ERROR_SUCCESS ? end : status;
 }
 
-// Carries an operation out on the key behind a handle that has the rights for it.
+// Finds the key of a handle, checks that it was opened with the rights, and runs an operation on it. The lock
+// is recursive: the thread of a RegistryTransaction has it already. Every failure becomes the thread's last
+// error.
 template <class Operation>
 LSTATUS with_key(HKEY handle, REGSAM rights, Intent intent, Operation operation) {
   const ErrnoGuard errno_guard;
@@ -43,23 +44,25 @@ LSTATUS with_key(HKEY handle, REGSAM rights, Intent intent, Operation operation)
   const OpenKey* found = registry().Find(handle);
   LSTATUS status = ERROR_INVALID_HANDLE;
   if (found != nullptr) {
-    const OpenKey key = *found;  // the table moves when it grows
-    status = (key.access & rights) == rights ? in_transaction(key, intent, operation)
-                                             : LSTATUS{ERROR_ACCESS_DENIED};
+    const OpenKey key = *found;  // a copy, because an operation that opens a key may move the table
+    const bool is_allowed = (key.access & rights) == rights;
+    status = is_allowed ? in_transaction(key, intent, operation) : LSTATUS{ERROR_ACCESS_DENIED};
   }
   if (status != ERROR_SUCCESS) last_error = status;
   return status;
 }
 
-LSTATUS refused() {
+LSTATUS reject_parameter() {
   last_error = ERROR_INVALID_PARAMETER;
   return ERROR_INVALID_PARAMETER;
 }
 
-HKEY added(RegistryStore& store, KeyId id, REGSAM access) { return registry().Add({&store, id, access, 0}); }
+HKEY add_handle(RegistryStore& store, KeyId id, REGSAM access) {
+  return registry().Add({&store, id, access, 0});
+}
 
-// A key that was opened by a transaction that failed in the end is none.
-LSTATUS checked(LSTATUS status, HKEY* opened) {
+// Closes a key that was opened in a transaction which failed at its end.
+LSTATUS close_after_failure(LSTATUS status, HKEY* opened) {
   if (status == ERROR_SUCCESS || *opened == nullptr) return status;
   RegCloseKey(*opened);
   *opened = nullptr;
@@ -88,6 +91,8 @@ constexpr struct {
 
 }  // namespace
 
+// The thread of a transaction holds the lock until End, so that no other thread's call becomes a part of the
+// transaction.
 RegistryTransaction::RegistryTransaction(HKEY root, Intent intent) : root_(root) {
   const ErrnoGuard errno_guard;
   registry().mutex.lock();
@@ -118,49 +123,51 @@ std::string registry_file(HKEY root) {
 }
 
 std::string last_error_text() {
-  const auto* found = std::ranges::find(kErrorTexts, last_error, [](const auto& row) { return row.status; });
-  return found != std::end(kErrorTexts) ? std::string(found->text) + "\r\n" : "";
+  for (const auto& [status, text] : kErrorTexts) {
+    if (status == last_error) return std::string(text) + "\r\n";
+  }
+  return "";
 }
 
 }  // namespace orx::platform
 
-using orx::platform::added;
-using orx::platform::checked;
+using orx::platform::add_handle;
+using orx::platform::close_after_failure;
 using orx::platform::KeyId;
-using orx::platform::refused;
 using orx::platform::registry;
 using orx::platform::RegistryStore;
 using orx::platform::RegistryTransaction;
+using orx::platform::reject_parameter;
 using orx::platform::text_or_empty;
 using orx::platform::with_key;
 
 LSTATUS RegOpenKeyExA(HKEY key, const char* path, DWORD /*options*/, REGSAM access, HKEY* opened) {
-  if (opened == nullptr) return refused();
+  if (opened == nullptr) return reject_parameter();
   *opened = nullptr;
   const LSTATUS status = with_key(key, 0, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId from) {
     KeyId id = 0;
     const LSTATUS found = store.Find(from, text_or_empty(path), id);
-    if (found == ERROR_SUCCESS) *opened = added(store, id, access);
+    if (found == ERROR_SUCCESS) *opened = add_handle(store, id, access);
     return found;
   });
-  return checked(status, opened);
+  return close_after_failure(status, opened);
 }
 
 LSTATUS RegCreateKeyExA(HKEY key, const char* path, DWORD /*reserved*/, char* /*class_name*/,
                         DWORD /*options*/, REGSAM access, const void* /*security*/, HKEY* opened,
                         DWORD* disposition) {
-  if (opened == nullptr) return refused();
+  if (opened == nullptr) return reject_parameter();
   *opened = nullptr;
   const LSTATUS status = with_key(key, 0, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId from) {
     KeyId id = 0;
     bool is_new = false;
     const LSTATUS made = store.Make(from, text_or_empty(path), id, is_new);
     if (made != ERROR_SUCCESS) return made;
-    *opened = added(store, id, access);
+    *opened = add_handle(store, id, access);
     if (disposition != nullptr) *disposition = is_new ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
     return made;
   });
-  return checked(status, opened);
+  return close_after_failure(status, opened);
 }
 
 LSTATUS RegCloseKey(HKEY key) {
@@ -170,7 +177,7 @@ LSTATUS RegCloseKey(HKEY key) {
 
 LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* /*reserved*/, DWORD* type, BYTE* data,
                          DWORD* size) {
-  if (data != nullptr && size == nullptr) return refused();
+  if (data != nullptr && size == nullptr) return reject_parameter();
   return with_key(key, KEY_QUERY_VALUE, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId id) {
     return store.Query(id, text_or_empty(name), {type, data, size});
   });
@@ -190,7 +197,7 @@ LSTATUS RegDeleteValueA(HKEY key, const char* name) {
 }
 
 LSTATUS RegDeleteKeyA(HKEY key, const char* path) {
-  if (path == nullptr) return refused();
+  if (path == nullptr) return reject_parameter();
   return with_key(key, 0, RegistryTransaction::kRead,
                   [&](RegistryStore& store, KeyId id) { return store.Delete(id, path); });
 }
@@ -202,7 +209,7 @@ LSTATUS SHDeleteKeyA(HKEY key, const char* path) {
 
 LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* /*reserved*/,
                       char* /*class_name*/, DWORD* /*class_size*/, void* /*last_write_time*/) {
-  if (name == nullptr || name_size == nullptr) return refused();
+  if (name == nullptr || name_size == nullptr) return reject_parameter();
   return with_key(key, KEY_ENUMERATE_SUB_KEYS, RegistryTransaction::kRead,
                   [&](RegistryStore& store, KeyId id) {
                     return store.ListKey(id, index, {name, name_size});
@@ -211,7 +218,8 @@ LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD
 
 LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* /*reserved*/, DWORD* type,
                       BYTE* data, DWORD* size) {
-  if (name == nullptr || name_size == nullptr || (data != nullptr && size == nullptr)) return refused();
+  if (name == nullptr || name_size == nullptr || (data != nullptr && size == nullptr))
+    return reject_parameter();
   return with_key(key, KEY_QUERY_VALUE, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId id) {
     return store.ListValue(id, index, {name, name_size}, {type, data, size});
   });

@@ -37,7 +37,7 @@ class Source {
   // What Read ran into, or null.
   const char* problem() const { return problem_; }
   // Whether all was valid UTF-8; Read hands on what is not, since the parser can tell where it stands.
-  bool is_valid() const { return is_valid_ && validator_.Complete(); }
+  bool is_valid() const { return is_valid_ && validator_.IsComplete(); }
 
  private:
   enum class Form { kUtf8, kUtf16LE, kUtf16BE, kLatin1, kWindows1252, kConverted };

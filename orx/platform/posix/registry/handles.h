@@ -14,25 +14,31 @@ struct OpenKey {
   RegistryStore* store = nullptr;  // null: closed
   KeyId id = 0;
   REGSAM access = 0;
-  std::uintptr_t uses = 0;  // of this place in the table, so that a handle that was closed stays so
+  std::uintptr_t uses = 0;  // how often this row of the table was used
 };
 
-// Handles are numbers, never addresses. All is guarded by `mutex`, which the thread of a transaction holds.
+// The two stores and the table of open keys. `mutex` guards all of it; the thread of a transaction holds the
+// mutex until the transaction ends, and may lock it again.
+//
+// A handle is a number, not an address: the row of its key in the table and the row's `uses`. A closed row is
+// used again for another key, with a higher `uses`, so a handle that was closed stays invalid.
 struct Registry {
   std::recursive_mutex mutex;
   RegistryStore user{kUserRegistry};
   RegistryStore machine{kMachineRegistry};
   std::vector<OpenKey> keys;
-  std::vector<std::uint32_t> free_places;
+  std::vector<std::uint32_t> free_rows;
 
-  // Null when there is no such key.
+  // Null when the handle is neither a root nor open. The pointer is valid until the next Add.
   const OpenKey* Find(HKEY handle) const;
   RegistryStore& StoreOf(HKEY root);
+  // Raises std::bad_alloc, also when the table is full.
   HKEY Add(const OpenKey& key);
+  // False when the handle is not open. A root stays open. Needs no memory.
   bool Remove(HKEY handle);
 };
 
-// Made on first use, and never destroyed.
+// Created by the first call, and never destroyed.
 Registry& registry();
 
 }  // namespace orx::platform

@@ -5,10 +5,11 @@
 #include <algorithm>
 
 namespace orx::platform {
-bool fold_name(std::string_view name, std::size_t longest, std::string& folded) {
-  const auto length =
-      name.size() - static_cast<std::size_t>(std::ranges::count_if(name, utf8::is_continuation));
-  return length <= longest && utf8::to_upper(name, folded);
+
+bool fold_name(std::string_view name, std::size_t max_characters, std::string& folded) {
+  const auto continuations = static_cast<std::size_t>(std::ranges::count_if(name, utf8::is_continuation));
+  const std::size_t characters = name.size() - continuations;
+  return characters <= max_characters && utf8::to_upper(name, folded);
 }
 
 std::string_view take_level(std::string_view& path) {

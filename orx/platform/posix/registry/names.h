@@ -7,12 +7,13 @@
 
 namespace orx::platform {
 
-// The form in which names that differ in letter case alone are equal. False when the name is longer than that
-// many characters, or not valid in the encoding.
-bool fold_name(std::string_view name, std::size_t longest, std::string& folded);
+// Converts a name to capitals, the form by which it is found. Names that differ only in letter case have the
+// same form. Returns false and leaves `folded` unchanged if the name has more than `max_characters` or is not
+// valid UTF-8.
+bool fold_name(std::string_view name, std::size_t max_characters, std::string& folded);
 
-// Takes the first level off a path; empty when there is none left. One backslash or more stand between
-// levels.
+// Removes the first level from a path, with the backslashes after it, and returns it. Levels are separated by
+// one or more backslashes. The path is not empty.
 std::string_view take_level(std::string_view& path);
 
 }  // namespace orx::platform

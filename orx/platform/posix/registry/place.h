@@ -1,4 +1,4 @@
-// Where the two roots of the registry lie.
+// The files of the two roots of the registry.
 #pragma once
 
 #include <sys/types.h>
@@ -8,22 +8,23 @@
 namespace orx::platform {
 
 struct RegistryPlace {
-  const char* variable;  // names the file
-  const char* file;      // else this one, below the user's configuration if it is relative
-  mode_t file_mode;
+  const char* variable;  // the environment variable that names the file
+  const char* file;  // the file without that variable; a relative one is in the user's configuration folder
+  mode_t file_mode;  // of a file and of folders that the library creates
   mode_t folder_mode;
-  bool is_made_to_read;  // not only to write
+  bool is_created_to_read;  // false: only a write creates the file
 };
 
-// The user's is nobody else's business; the machine's can be read by all.
+// Only the user may read his own settings; everybody may read those of the machine.
 inline constexpr RegistryPlace kUserRegistry{"ORX_USER_REGISTRY", "orx/registry.db", 0600, 0700, true};
 inline constexpr RegistryPlace kMachineRegistry{"ORX_MACHINE_REGISTRY", "/etc/orx/registry.db", 0644, 0755,
                                                 false};
 
-// Empty when the user has no home.
+// The path of the file; empty when the user has no home folder.
 std::string registry_path(const RegistryPlace& place);
 
-// Makes an empty file, with the folders above it, if there is none; 0, or the system's error.
+// Creates an empty file, and the missing folders above it, unless the file exists. Returns 0 or the error
+// number.
 int make_registry_file(const RegistryPlace& place, const std::string& path);
 
 }  // namespace orx::platform

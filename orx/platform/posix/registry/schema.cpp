@@ -13,10 +13,11 @@ namespace {
 constexpr std::int64_t kApplicationId = 0x4F525852;  // "ORXR"
 constexpr std::int64_t kVersion = 2;
 
-// Names are kept as they were written, and found by a form without letter case. A value goes with its key, a
-// key with its parent. The number of a key is random, so that no other key ever gets it: not after it was
-// deleted, not after the transaction that made it was undone, and not in another store.
-constexpr char kMakeStore[] = R"(
+// `name` is a name as it was first written, `folded` the name in capitals, by which it is found. Deleting a
+// key also deletes its sub-keys and values. The id of a key is random, so that no other key ever gets it: not
+// after the key was deleted, not after the transaction that created it was undone, and not in another store.
+// An open key holds nothing but this id, and so never becomes a handle of another key.
+constexpr char kCreateStore[] = R"(
 CREATE TABLE key (
   id INTEGER PRIMARY KEY,
   parent INTEGER REFERENCES key ON DELETE CASCADE,
@@ -35,10 +36,17 @@ PRAGMA application_id = 0x4F525852;
 PRAGMA user_version = 2;
 )";
 
-// Keys whose paths are now the same become one: the key that was found by its folded path is kept and gets
-// the sub-keys and values of the others. A value that the kept key has already goes to the table `replaced`
-// if it differs. Parents are NULL in between, because no two rows may be equal at any time.
-constexpr char kFoldAnew[] = R"(
+// Brings a store of version 1 up to date. Keys whose paths fold to the same path are merged. The key that was
+// found by the folded path is kept, and gets the sub-keys and values of the other keys. If it already has a
+// value with that name, the other value goes to the table `replaced`, unless both are equal.
+//
+//   place   for each key: its parent, and the key with the same path that is kept
+//   lost    the keys that are merged into another key
+//   moved   the values that get another name or another key; those of kept keys come first
+//
+// Keys are changed in two steps, with the parent NULL in between: (parent, folded) is unique, and SQLite
+// checks that after each row and not only at the end.
+constexpr char kUpgradeStore[] = R"(
 CREATE TEMP TABLE place (id INTEGER PRIMARY KEY, parent INTEGER, kept INTEGER NOT NULL);
 INSERT INTO place
   WITH RECURSIVE old (id, parent, path, is_found) AS (
@@ -88,7 +96,7 @@ void fold(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
 
 }  // namespace
 
-const char kReadOutdated[] = R"(
+const char kOutdatedViews[] = R"(
 CREATE TEMP VIEW key AS SELECT id, parent, name, fold(name) AS folded FROM main.key;
 CREATE TEMP VIEW value AS SELECT key, fold(name) AS folded, name, type, data FROM main.value;
 )";
@@ -100,9 +108,9 @@ StoreKind kind_of_store(std::int64_t application_id, std::int64_t version, std::
   return version == kVersion ? StoreKind::kCurrent : StoreKind::kOutdated;
 }
 
-const char* steps_to_current(StoreKind kind) {
-  if (kind == StoreKind::kEmpty) return kMakeStore;
-  return kind == StoreKind::kOutdated ? kFoldAnew : nullptr;
+const char* upgrade_script(StoreKind kind) {
+  if (kind == StoreKind::kEmpty) return kCreateStore;
+  return kind == StoreKind::kOutdated ? kUpgradeStore : nullptr;
 }
 
 int add_fold_function(sqlite3* database) {

@@ -1,4 +1,4 @@
-// An SQLite database, as far as the registry needs it.
+// SQLite's connection and statements, as far as the registry needs them.
 #pragma once
 
 #include <sqlite3.h>
@@ -18,8 +18,9 @@ struct FinalizeStatement {
 using Database = std::unique_ptr<sqlite3, CloseDatabase>;
 using Statement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
-// One run of a prepared statement, which is ready for the next when this one's scope ends. Texts and blobs
-// that are bound must outlive it.
+// One run of a prepared statement. The destructor resets the statement for its next run. Parameters are bound
+// in their order. Texts and blobs are not copied, so they must live as long as the run. A null statement,
+// which Prepare returns after a failure, makes Step fail.
 class Run {
  public:
   explicit Run(sqlite3_stmt* statement) : statement_(statement) {}
@@ -36,7 +37,7 @@ class Run {
     return *this;
   }
   Run& Bind(const void* bytes, std::size_t size) {
-    // A null pointer would be a NULL.
+    // SQLite would bind a null pointer as NULL, not as an empty blob.
     sqlite3_bind_blob64(statement_, ++bound_, bytes != nullptr ? bytes : "", size, SQLITE_STATIC);
     return *this;
   }
@@ -45,8 +46,9 @@ class Run {
   int Step() { return sqlite3_step(statement_); }
 
   std::int64_t Integer(int column) const { return sqlite3_column_int64(statement_, column); }
+  // Valid until the next Step or the end of the run.
   std::string_view Bytes(int column) const {
-    const void* bytes = sqlite3_column_blob(statement_, column);  // null for none
+    const void* bytes = sqlite3_column_blob(statement_, column);  // null for an empty blob
     const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement_, column));
     return bytes != nullptr ? std::string_view(static_cast<const char*>(bytes), size) : "";
   }

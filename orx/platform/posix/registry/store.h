@@ -1,4 +1,4 @@
-// One root of the registry: a tree of keys with typed values.
+// The keys and values below one root of the registry.
 #pragma once
 
 #include <orx/platform/posix/registry/database.h>
@@ -10,9 +10,10 @@
 
 namespace orx::platform {
 
-using KeyId = std::int64_t;  // never given twice, so that a deleted key stays deleted
+using KeyId = std::int64_t;  // no two keys ever have the same, so a deleted key stays deleted
 
-// Where a name or a value goes; each pointer may be null, see RegQueryValueExA and RegEnumKeyExA.
+// The buffers of RegEnumKeyExA and RegQueryValueExA. `size` is the capacity before the call and the size of
+// the result after it. The pointers of a name are never null; those of a value may be, as compat/hkey.h says.
 struct NameOutput {
   char* name;
   DWORD* size;
@@ -23,8 +24,9 @@ struct ValueOutput {
   DWORD* size;
 };
 
-// Everything happens between the database's Begin and its End. Paths and names are those of callers, see
-// compat/hkey.h; the results, too.
+// A tree of keys with typed values, as rows of a database. Call the functions only between Begin and End of
+// database(). Arguments and results are those of the functions in compat/hkey.h; paths and names are
+// unchanged from the caller. The functions may raise std::bad_alloc.
 class RegistryStore {
  public:
   explicit RegistryStore(const RegistryPlace& place) : database_(place) {}
@@ -32,7 +34,7 @@ class RegistryStore {
   RegistryDatabase& database() { return database_; }
 
   LSTATUS Find(KeyId from, std::string_view path, KeyId& found);
-  // Finds it, or makes the levels that are missing.
+  // Finds a key, and creates the missing levels of its path.
   LSTATUS Make(KeyId from, std::string_view path, KeyId& made, bool& is_new);
   LSTATUS Delete(KeyId from, std::string_view path);
   LSTATUS DeleteTree(KeyId from, std::string_view path);
@@ -45,31 +47,33 @@ class RegistryStore {
   LSTATUS ListValue(KeyId key, DWORD index, const NameOutput& output, const ValueOutput& value);
 
  private:
-  // Where a listing stands, so that the next item need not be counted from the first.
+  // The last item that a listing has returned. The next item is searched for from there, so that listing all
+  // items of a key is not quadratic.
   struct Listing {
     KeyId key = 0;
     DWORD index = 0;
     std::string folded;
   };
 
-  // ERROR_KEY_DELETED for a key that is gone.
-  LSTATUS StartWriting(KeyId key);
-  LSTATUS Exists(KeyId key);
+  // These two return ERROR_KEY_DELETED for a key that does not exist any more.
+  LSTATUS BeginWriting(KeyId key);
+  LSTATUS CheckExists(KeyId key);
   LSTATUS FindLevel(KeyId parent, std::string_view level, std::string& folded, KeyId& found);
   LSTATUS AddLevel(KeyId parent, std::string_view level, std::string_view folded, KeyId& made);
   LSTATUS FindDeletable(KeyId from, std::string_view path, KeyId& found);
   LSTATUS Remove(Sql sql, KeyId key);
-  bool FindKnown(KeyId from, std::string_view path, KeyId& found);
-  void Know(KeyId from, std::string_view path, KeyId found);
+  bool FindCached(KeyId from, std::string_view path, KeyId& found);
+  void Cache(KeyId from, std::string_view path, KeyId found);
   template <class Deliver>
   LSTATUS ListItem(Sql sql, Listing& listing, KeyId key, DWORD index, Deliver deliver);
 
   RegistryDatabase database_;
-  // Keys found before, by where the search began and the path; good until a key is deleted or another process
-  // writes.
-  std::unordered_map<std::string, KeyId> known_;
-  std::string known_name_;
-  std::uint64_t known_epoch_ = 0;
+  // Keys that were found, by the id of the key where the search began and the path. The cache is cleared when
+  // a key is deleted, and when the epoch of the database has changed: then another process may have deleted
+  // one, or the creation of one was undone.
+  std::unordered_map<std::string, KeyId> cached_keys_;
+  std::string cache_key_;
+  std::uint64_t cached_epoch_ = 0;
   Listing keys_;
   Listing values_;
 };

@@ -1,12 +1,12 @@
-// Calls that pthread_cancel does not interrupt.
+// Protection against pthread_cancel.
 #pragma once
 
 #include <pthread.h>
 
 namespace orx::platform {
 
-// While it lives, a cancellation of the thread waits. A call that was cut short would keep its locks and
-// files, and could not unwind through the code of other libraries.
+// While an object lives, a cancellation of its thread is delayed. Without it, a cancelled system call would
+// unwind the thread through code that does not expect it, and leave locks and open files behind.
 class CancellationBlock {
  public:
   CancellationBlock() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state_); }

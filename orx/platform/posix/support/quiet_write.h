@@ -1,4 +1,4 @@
-// Writing without signals.
+// A write that raises no signal.
 #pragma once
 
 #include <sys/types.h>
@@ -7,7 +7,7 @@
 
 namespace orx::platform {
 
-// As write(2), with the signals held that it may send, see signals_held.h.
+// As write(2), but fails with EPIPE or EFBIG where write(2) would also raise a signal; see SignalBlock.
 ssize_t quiet_write(int file, const void* bytes, std::size_t size);
 
 }  // namespace orx::platform

@@ -1,13 +1,13 @@
-// Writing without signals.
+// Protection against the signals of failed writes.
 #pragma once
 
 #include <signal.h>
 
 namespace orx::platform {
 
-// While it lives, a write of this thread that the system would also answer with a signal, which would end the
-// host (the process's limit of file sizes, a pipe that nobody reads), only fails: EFBIG, EPIPE. Leaves errno
-// alone.
+// While an object lives, a write of its thread raises no signal, which would end the host: a write beyond the
+// process's limit for file sizes only fails with EFBIG, a write to a pipe without a reader only with EPIPE.
+// Signals that the host had blocked and that were pending before stay pending. errno is left alone.
 class SignalBlock {
  public:
   SignalBlock();
@@ -15,13 +15,13 @@ class SignalBlock {
   SignalBlock& operator=(const SignalBlock&) = delete;
   ~SignalBlock();
 
-  // The caller knows that no signal was sent, and spares the look for one.
-  void NoneSent() { may_wait_ = false; }
+  // For a caller that knows that its writes have raised no signal: the destructor need not look for one.
+  void SkipPendingCheck() { may_be_pending_ = false; }
 
  private:
-  sigset_t mask_;
-  sigset_t waiting_;
-  bool may_wait_ = true;
+  sigset_t host_mask_;
+  sigset_t pending_before_;
+  bool may_be_pending_ = true;
 };
 
 }  // namespace orx::platform

@@ -24,8 +24,8 @@ struct LeadRange {
   Continuation next;
 };
 
-// What follows a lead byte. The narrowed ranges shut out overlong forms (E0, F0), surrogates (ED) and what
-// lies above U+10FFFF (F4).
+// What may follow each lead byte. The narrower ranges exclude overlong forms (E0, F0), surrogates (ED) and
+// code points above U+10FFFF (F4). Bytes without a row are never a lead byte.
 constexpr LeadRange kLeadRanges[] = {
     {0x00, 0x7F, {0, 0, 0}},       {0xC2, 0xDF, {1, 0x80, 0xBF}}, {0xE0, 0xE0, {2, 0xA0, 0xBF}},
     {0xE1, 0xEC, {2, 0x80, 0xBF}}, {0xED, 0xED, {2, 0x80, 0x9F}}, {0xEE, 0xEF, {2, 0x80, 0xBF}},
@@ -41,6 +41,8 @@ constexpr std::array<Continuation, 256> kAfterLead = [] {
   return table;
 }();
 
+// Returns the first byte that is not ASCII, or `end`. Eight bytes are checked at once, because most text is
+// ASCII.
 const unsigned char* skip_ascii(const unsigned char* bytes, const unsigned char* end) {
   constexpr std::uint64_t kHighBits = 0x8080808080808080U;
   std::uint64_t eight;
@@ -71,7 +73,8 @@ bool Validator::Feed(const unsigned char* bytes, std::size_t size) {
     if (next.bytes_left == 0) {
       bytes = skip_ascii(bytes, end);
       if (bytes == end) break;
-      next = kAfterLead[*bytes++];
+      next = kAfterLead[*bytes];
+      ++bytes;
       continue;
     }
     if (*bytes < next.lowest || *bytes > next.highest) {
@@ -88,7 +91,7 @@ bool Validator::Feed(const unsigned char* bytes, std::size_t size) {
 bool is_valid(std::string_view text) {
   Validator validator;
   return validator.Feed(reinterpret_cast<const unsigned char*>(text.data()), text.size()) &&
-         validator.Complete();
+         validator.IsComplete();
 }
 
 char* encode(std::uint32_t code_point, char* out) {
@@ -112,10 +115,11 @@ char* encode(std::uint32_t code_point, char* out) {
   return out;
 }
 
-// As the names of files and registry keys on Windows have them: each letter has one capital, and only the
-// letter to which the capital leads back. So a dotless i does not become an I. The library gives the sharp s
-// a capital, which Unicode's simple mapping does not.
-static std::uint32_t capital(std::uint32_t c) {
+// The capital of a character by the rule of Windows for names of files and registry keys: a letter has a
+// capital only if that capital's small letter is the letter itself. So a dotless i does not become I. The
+// final sigma is an exception and becomes a sigma. utf8proc also gives the sharp s a capital, but Unicode's
+// simple mapping, which Windows uses, does not.
+static std::uint32_t to_capital(std::uint32_t c) {
   constexpr std::uint32_t kSharpS = 0xDF;
   constexpr std::uint32_t kFinalSigma = 0x3C2;
   const auto letter = static_cast<utf8proc_int32_t>(c);
@@ -135,7 +139,8 @@ bool to_upper(std::string_view text, std::string& upper) {
       text.remove_prefix(1);
     } else {
       char bytes[4];
-      capitals.append(bytes, encode(capital(static_cast<std::uint32_t>(take_first(text))), bytes));
+      const auto letter = static_cast<std::uint32_t>(take_first(text));
+      capitals.append(bytes, encode(to_capital(letter), bytes));
     }
   }
   upper = std::move(capitals);

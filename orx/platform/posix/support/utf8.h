@@ -1,5 +1,5 @@
-// UTF-8, the encoding of narrow text on this system: no overlong forms, no surrogates, nothing above
-// U+10FFFF.
+// UTF-8, the encoding of narrow text on this system. Overlong forms, surrogates and everything above U+10FFFF
+// are invalid.
 #pragma once
 
 #include <orx/compat/bstr.h>
@@ -11,21 +11,22 @@
 
 namespace orx::platform::utf8 {
 
-// The bytes that may come next within a character; an empty range refuses every byte.
+// What the rest of a character must be: the number of its bytes, and the range of the next one. An empty
+// range refuses every byte.
 struct Continuation {
   unsigned char bytes_left;
   unsigned char lowest;
   unsigned char highest;
 };
 
-// Checks a text that comes in pieces, which may cut characters.
+// Checks a text that comes in pieces. A piece may end within a character.
 class Validator {
  public:
-  // False once the text is known to be invalid, from then on always.
+  // Checks the next piece. Returns false once the text is known to be invalid, and for every later piece.
   bool Feed(const unsigned char* bytes, std::size_t size);
 
-  // Valid so far, and not in the middle of a character.
-  bool Complete() const { return next_.bytes_left == 0; }
+  // Whether the text is valid so far and does not end within a character.
+  bool IsComplete() const { return next_.bytes_left == 0; }
 
  private:
   Continuation next_{};
@@ -33,24 +34,25 @@ class Validator {
 
 bool is_valid(std::string_view text);
 
-// Whether a byte of a valid text belongs to the character before it.
+// Whether a byte of a valid text is not the first of its character.
 constexpr bool is_continuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
-// Takes the first character off a valid text that is not empty.
+// Removes the first character from a valid text that is not empty, and returns its code point.
 char32_t take_first(std::string_view& text);
 
-// In capitals, one for each letter, whatever the locale. False, with `upper` unchanged, for a text that is
-// not valid.
+// Converts a text to capitals, one character for each character, the same in every locale. `upper` may be the
+// string of `text`. Returns false and leaves `upper` unchanged if the text is invalid.
 bool to_upper(std::string_view text, std::string& upper);
 
-// Writes a code point, in at most four bytes; the result is behind them.
+// Writes a code point as one to four bytes and returns the position after them.
 char* encode(std::uint32_t code_point, char* out);
 
-// False, and `out` unchanged, when a wide character is no code point of text.
+// Converts wide text. Returns false and leaves `out` unchanged if a wide character is a surrogate or above
+// U+10FFFF.
 bool from_wide(const wchar_t* text, std::size_t length, std::string& out);
 
-// The caller owns the copy. Raises CAtlException: E_OUTOFMEMORY, or E_INVALIDARG for a text that is not
-// valid.
+// A wide copy, which the caller releases with SysFreeString. Raises CAtlException: E_OUTOFMEMORY, or
+// E_INVALIDARG for an invalid text.
 BSTR to_wide(std::string_view text);
 
 }  // namespace orx::platform::utf8
