@@ -109,8 +109,8 @@ bool accept_name(std::string_view name, std::string& reason) {
   const bool has_prefix = colon != std::string_view::npos;
   const std::string_view prefix = name.substr(0, colon);  // the whole name when there is no colon
   if (is_plain_name(prefix) && (!has_prefix || is_plain_name(name.substr(colon + 1)))) return true;
-  if (!is_text(name)) return refuse(reason, "the name is not a name of XML");
-  reason = "\"" + std::string(name) + "\" is not a name of XML";
+  if (!is_text(name)) return refuse(reason, "the name is not a valid XML name");
+  reason = "\"" + std::string(name) + "\" is not a valid XML name";
   return false;
 }
 
