@@ -98,9 +98,9 @@ class ORX_API CQPRFile : public CProjectFile {
   // Description keep their values when the file does not set them. The path of a JET database becomes a path
   // in the folder of the project file, whatever folder the file names, unless it would be too long.
   //
-  // When the file is not in a folder within a folder, so that there is no base path, the result is 0. The
-  // record then has the content of the file, and the base path keeps its value. After any other failure, for
-  // example a value that is longer than its field, the record is unchanged.
+  // When there is no base path, because the file is not in a folder within a folder or the base path is too
+  // long, the result is 0. The record then has the content of the file, and the base path keeps its value.
+  // After any other failure, for example a text that is longer than its limit, the record is unchanged.
   int Load() override;
 
   // Replaces the file by the record, without verifying the record. Fails for a text that is too long, which
