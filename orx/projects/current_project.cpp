@@ -18,24 +18,26 @@ orx::NeverDestroyed<CQPRFile> previous;
 CQPRFile& current_project = current.object;
 CQPRFile& previous_project = previous.object;
 
-// An item as the getters see it. An item that is missing has no text.
+// An item of the current project. An item that does not exist has the empty text.
 struct Item {
   std::string_view text;
-  bool is_there = true;
+  bool exists = true;
 };
 
-// A host may have filled a field without its NUL.
+// A host may have filled a field without a NUL, so the text ends at the last byte at the latest.
 template <std::size_t size>
 Item optional_item(const char (&field)[size]) {
   return {{field, strnlen(field, size - 1)}};
 }
 
+// An item for which the empty text means that there is no item.
 template <std::size_t size>
 Item required_item(const char (&field)[size]) {
   const std::string_view text = optional_item(field).text;
   return {text, !text.empty()};
 }
 
+// Copies the text and a NUL: 0, or -1 and the empty text when they do not fit.
 int copy_text(std::string_view text, char* buffer, std::size_t size) {
   if (size <= text.size()) {
     if (size > 0) *buffer = '\0';
@@ -47,21 +49,23 @@ int copy_text(std::string_view text, char* buffer, std::size_t size) {
 }
 
 int copy_item(const Item& item, char* buffer, std::size_t size) {
-  return item.is_there && buffer != nullptr ? copy_text(item.text, buffer, size) : -1;
+  if (!item.exists || buffer == nullptr) return -1;
+  return copy_text(item.text, buffer, size);
 }
 
 int copy_item(const Item& item, char* buffer, std::size_t size, std::size_t* needed) {
-  if (needed != nullptr) *needed = item.is_there ? item.text.size() + 1 : 0;
-  if (buffer == nullptr) return item.is_there && needed != nullptr ? 0 : -1;
+  if (needed != nullptr) *needed = item.exists ? item.text.size() + 1 : 0;
+  if (buffer == nullptr && needed != nullptr && item.exists) return 0;  // only the size was asked for
   return copy_item(item, buffer, size);
 }
 
-// The message may need memory that is not there.
+// May also raise an exception of memory, which the caller turns into a failure without a message.
 [[noreturn]] void fail_load(const std::string& message) {
   const std::string cut = message.substr(0, orx::platform::truncated_size(message, ORX_LOAD_MESSAGE_LENGTH));
   throw QprLoadFailedException(cut.c_str());
 }
 
+// Loads into a new object, and copies it only when nothing can fail any more.
 void load_current_project(const char* path) {
   const std::string file = path != nullptr ? path : "";
   CQPRFile fresh;
@@ -78,19 +82,19 @@ void load_current_project(const char* path) {
   current_project.CopyFrom(&fresh);
 }
 
-const QPRInfo& info() { return *current_project.GetQPRInfo(); }
+const QPRInfo& current_info() { return *current_project.GetQPRInfo(); }
 
-Item site_name() { return required_item(info().SiteName); }
-Item site_database() { return required_item(info().SiteDatabase); }
-Item project_name() { return required_item(info().ProjectName); }
-Item data_group_name() { return required_item(info().DataGroupName); }
-Item base_path() { return required_item(info().ProjectBasePath); }
-Item description() { return optional_item(info().Description); }
-Item coordinates() { return optional_item(info().Coordinates); }
+Item site_name() { return required_item(current_info().SiteName); }
+Item site_database() { return required_item(current_info().SiteDatabase); }
+Item project_name() { return required_item(current_info().ProjectName); }
+Item data_group_name() { return required_item(current_info().DataGroupName); }
+Item base_path() { return required_item(current_info().ProjectBasePath); }
+Item description() { return optional_item(current_info().Description); }
+Item coordinates() { return optional_item(current_info().Coordinates); }
 
 // A JET database has no server.
 Item server_name() {
-  const auto& name = info().SiteDatabaseServerName;
+  const auto& name = current_info().SiteDatabaseServerName;
   return current_project.IsJETPlatform() ? optional_item(name) : required_item(name);
 }
 
@@ -103,29 +107,31 @@ Item project_folder() {
   const Item file = project_file();
   const char* end = orx::platform::last_backslash(file.text.data());
   const std::size_t length = end != nullptr ? static_cast<std::size_t>(end - file.text.data()) : 0;
-  return {file.text.substr(0, length), file.is_there};
+  return {file.text.substr(0, length), file.exists};
 }
 
-// "\site\project\data group\", with a placeholder for a name that is empty.
+// The text "\site\project\data group\", with a placeholder for an empty name. The fields bound its length,
+// and their sizes count a NUL each, which leaves space for the backslashes. So it needs no memory that may
+// run out.
 class ComposedPath {
  public:
   ComposedPath() {
-    append("\\");
-    append_name(site_name(), "Unknown Site");
-    append_name(project_name(), "Unknown Project");
-    append_name(data_group_name(), "Unknown Datagroup");
+    Append("\\");
+    AppendName(site_name(), "Unknown Site");
+    AppendName(project_name(), "Unknown Project");
+    AppendName(data_group_name(), "Unknown Datagroup");
   }
 
   std::string_view text() const { return {text_, length_}; }
   bool is_complete() const { return is_complete_; }
 
  private:
-  void append(std::string_view part) { length_ += part.copy(text_ + length_, part.size()); }
+  void Append(std::string_view part) { length_ += part.copy(text_ + length_, part.size()); }
 
-  void append_name(const Item& name, std::string_view placeholder) {
-    append(name.is_there ? name.text : placeholder);
-    append("\\");
-    is_complete_ = is_complete_ && name.is_there;
+  void AppendName(const Item& name, std::string_view placeholder) {
+    Append(name.exists ? name.text : placeholder);
+    Append("\\");
+    is_complete_ = is_complete_ && name.exists;
   }
 
   char text_[sizeof(QPRInfo::SiteName) + sizeof(QPRInfo::ProjectName) + sizeof(QPRInfo::DataGroupName) + 1];
@@ -152,7 +158,7 @@ int ProjectSetting_SaveCurrentQPRInfo(const char*) {
     return current_project.Save();
   } catch (const CAtlException&) {
     return 0;
-  } catch (const std::exception&) {  // by name: a thread that is cancelled unwinds through here
+  } catch (const std::exception&) {  // not (...): with that a cancelled thread would end the process
     return 0;
   }
 }
@@ -217,7 +223,7 @@ int ProjectSetting_GetProjectCoordinatesN(char* buffer, size_t size, size_t* nee
 }
 
 int ProjectSetting_GetProjectNameEx(char* buffer, size_t* length) {
-  const std::string_view name = optional_item(info().ProjectName).text;
+  const std::string_view name = optional_item(current_info().ProjectName).text;
   if (buffer != nullptr) {
     const std::size_t size = length != nullptr ? std::min(*length, name.size()) + 1 : ORX_PROJECT_NAME_SIZE;
     return copy_item(project_name(), buffer, size);
@@ -229,14 +235,16 @@ int ProjectSetting_GetProjectNameEx(char* buffer, size_t* length) {
 
 int ProjectSetting_GetDatabasePlatform(int* platform) {
   if (platform == nullptr) return -1;
-  *platform = info().SiteDatabasePlatform;
+  *platform = current_info().SiteDatabasePlatform;
   return 0;
 }
 
+// Unlike copy_item, these two leave the buffer unchanged when the path does not fit.
 int ProjectSetting_GetCurrentQPRPath(char* buffer) {
   const Item path = project_file();
   const bool fits = path.text.size() < ORX_PROJECT_PATH_SIZE;
-  return fits && copy_item(path, buffer, ORX_PROJECT_PATH_SIZE) == 0 ? 1 : 0;
+  if (!fits) return 0;
+  return copy_item(path, buffer, ORX_PROJECT_PATH_SIZE) == 0 ? 1 : 0;
 }
 
 int ProjectSetting_GetCurrentQPRPathN(char* buffer, size_t size, size_t* needed) {
@@ -253,6 +261,7 @@ int ProjectSetting_GetCurrentProjectPathN(char* buffer, size_t size, size_t* nee
   return copy_item(project_folder(), buffer, size, needed);
 }
 
+// The text is copied even when a name is missing; then only the result is a failure.
 int ProjectSetting_GetSiteProjectDatagroup(char* out) {
   const ComposedPath path;
   const int result = copy_item({path.text()}, out, ORX_SITE_PROJECT_DATAGROUP_SIZE);

@@ -1,5 +1,7 @@
-// CLocalProjectSettings: three folders that the host sets for all its modules. The library never fills them
-// itself.
+// CLocalProjectSettings: three folders that a host sets once for all its modules.
+//
+// The library does not set, check or use the folders. They are empty at first. A getter replaces its output.
+// Out of memory raises CAtlException (E_OUTOFMEMORY). One object belongs to one thread at a time.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -12,10 +14,13 @@ class ORX_API CLocalProjectSettings {
   CLocalProjectSettings& operator=(const CLocalProjectSettings&);
   virtual ~CLocalProjectSettings();
 
+  // The folder of local projects.
   void GetLocalProjectsFolder(CStringA& folder) const;
   void SetLocalProjectsFolder(const CStringA& folder);
+  // The suite's folder of projects.
   void GetHalvarkProjectsFolder(CStringA& folder) const;
   void SetHalvarkProjectsFolder(const CStringA& folder);
+  // The folder of the suite's programs.
   void GetHalvarkProgFolder(CStringA& folder) const;
   void SetHalvarkProgFolder(const CStringA& folder);
 
@@ -25,5 +30,5 @@ class ORX_API CLocalProjectSettings {
   CStringA suite_program_folder_;
 };
 
-// The process-wide settings, valid for the life of the library.
+// The settings of the process. Never null, and valid as long as the library is loaded.
 extern "C" ORX_API CLocalProjectSettings* GetLocalProjectSettings();

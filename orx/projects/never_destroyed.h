@@ -1,10 +1,10 @@
-// Objects that live as long as the process. Internal to the library.
+// Objects that are never destroyed. Internal to the library.
 #pragma once
 
 namespace orx {
 
-// Made when the library is loaded, and never destroyed: the threads and the statics of a host may use it
-// while the process ends.
+// A static object that is constructed when the library is loaded, and never destroyed: threads and
+// destructors of the host may use it while the process ends. A member of a union has no automatic destructor.
 template <class Type>
 union NeverDestroyed {
   NeverDestroyed() : object() {}

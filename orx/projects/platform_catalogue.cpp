@@ -16,7 +16,7 @@ struct Platform {
   int creatable;
 };
 
-// The first match counts everywhere, so the order is part of the meaning.
+// Every search takes the first match, so the order matters.
 constexpr Platform kPlatforms[] = {
     {"Access 2016", "ACCESS 2016", enDbPlatformTypeJET, 8, 12, 1},
     {"SQL Server 2019", "SQL2019", enDbPlatformTypeSQL, 13, 2019, 1},
@@ -32,6 +32,7 @@ constexpr Platform kPlatforms[] = {
     {"Jet 4", "JET4", enDbPlatformTypeJET, 3, 4, 0},
 };
 
+// The first entry that matches, or null.
 template <class Predicate>
 const Platform* find(Predicate matches) {
   const Platform* found = std::ranges::find_if(kPlatforms, matches);
@@ -49,6 +50,7 @@ const Platform* find_id(int id) {
   return find([id](const Platform& platform) { return platform.id == id; });
 }
 
+// The first entry with the highest release of the type.
 const Platform* find_latest(int type) {
   const Platform* latest = nullptr;
   for (const Platform& platform : kPlatforms) {
@@ -58,12 +60,16 @@ const Platform* find_latest(int type) {
   return latest;
 }
 
-auto name_form(int long_name) { return long_name != 0 ? &Platform::long_name : &Platform::short_name; }
+// The member with the long or the short name.
+auto name_member(int use_long_name) {
+  return use_long_name != 0 ? &Platform::long_name : &Platform::short_name;
+}
 
+// Copies one member of an entry. 0, with the output unchanged, when there is no entry.
 template <class Value, class Output>
-int deliver(const Platform* platform, Value Platform::*field, Output* out) {
+int copy_member(const Platform* platform, Value Platform::*member, Output* out) {
   if (platform == nullptr) return 0;
-  *out = platform->*field;
+  *out = platform->*member;
   return 1;
 }
 
@@ -73,7 +79,7 @@ CDbPlatformUtil::~CDbPlatformUtil() = default;
 
 void CDbPlatformUtil::GetPlatformNameList(CAtlArray<CStringA>* list, int bLongNames) {
   if (list == nullptr) return;
-  for (const Platform& platform : kPlatforms) list->Add(platform.*name_form(bLongNames));
+  for (const Platform& platform : kPlatforms) list->Add(platform.*name_member(bLongNames));
 }
 
 int CDbPlatformUtil::IsNameValid(const CStringA& name) { return find_name(name) != nullptr ? 1 : 0; }
@@ -81,37 +87,37 @@ int CDbPlatformUtil::IsNameValid(const CStringA& name) { return find_name(name) 
 int CDbPlatformUtil::GetLongNamePlatformType(int type, CStringA& name) {
   name.Empty();
   const auto has_type = [type](const Platform& platform) { return platform.type == type; };
-  return deliver(find(has_type), &Platform::long_name, &name);
+  return copy_member(find(has_type), &Platform::long_name, &name);
 }
 
 int CDbPlatformUtil::GetLongNameFromID(int id, CStringA& name) {
   name.Empty();
-  return deliver(find_id(id), &Platform::long_name, &name);
+  return copy_member(find_id(id), &Platform::long_name, &name);
 }
 
 int CDbPlatformUtil::GetShortNameFromID(int id, CStringA& name) {
   name.Empty();
-  return deliver(find_id(id), &Platform::short_name, &name);
+  return copy_member(find_id(id), &Platform::short_name, &name);
 }
 
 int CDbPlatformUtil::GetIDFromName(const CStringA& name, int* id) {
-  return deliver(find_name(name), &Platform::id, id);
+  return copy_member(find_name(name), &Platform::id, id);
 }
 
 int CDbPlatformUtil::GetPlatformType(const CStringA& name, int* type) {
-  return deliver(find_name(name), &Platform::type, type);
+  return copy_member(find_name(name), &Platform::type, type);
 }
 
 int CDbPlatformUtil::GetPlatformType(int id, int* type) {
-  return deliver(find_id(id), &Platform::type, type);
+  return copy_member(find_id(id), &Platform::type, type);
 }
 
 int CDbPlatformUtil::GetLatestPlatform(int type, int bLongName, CStringA& name) {
-  return deliver(find_latest(type), name_form(bLongName), &name);
+  return copy_member(find_latest(type), name_member(bLongName), &name);
 }
 
 int CDbPlatformUtil::GetLatestPlatform(int type, int* id) {
-  return deliver(find_latest(type), &Platform::id, id);
+  return copy_member(find_latest(type), &Platform::id, id);
 }
 
 int CDbPlatformUtil::CanBeCreated(const CStringA& name) {

@@ -1,4 +1,4 @@
-// CProjectFile: what the project file and the project list have in common.
+// CProjectFile: the common base of the project file and the project list.
 #pragma once
 
 #include <orx/compat/atl_exception.h>
@@ -14,13 +14,14 @@ class ORX_API CProjectFile : public COrxXMLDoc {
   CProjectFile& operator=(const CProjectFile&);
   ~CProjectFile() override;
 
-  // Read from and write to the file named by the file name; 1, or 0 with the reason in GetLastFailure. These
-  // do nothing and answer 1.
+  // Reads or writes the file that SetFileName has set. 1, or 0 with the reason in GetLastFailure. In this
+  // class they do nothing and return 1.
   virtual int Load();
   virtual int Save();
 
  protected:
-  // Does the work of a load or save and closes the document. Exhausted memory is a failure like any other.
+  // Runs the work of a load or save, and closes the document. Out of memory is a failure with a reason, not
+  // an exception.
   template <class Work>
   int Complete(Work work) {
     int result = 0;
@@ -35,7 +36,7 @@ class ORX_API CProjectFile : public COrxXMLDoc {
     return result;
   }
 
-  // Saves the document that `write` builds, laid out in lines.
+  // Builds a document with `write`, lays it out with one element per line, and saves it.
   template <class Write>
   int SaveWritten(Write write) {
     return Complete([&] {

@@ -10,13 +10,15 @@
 
 using orx::XmlHandle;
 
+// The entries, the default project and the position of the iteration. A copy has no iteration: its cursor
+// would point into the other map.
 struct CQPLFile::List {
   using Projects = std::map<CStringA, CStringA>;  // name to path
 
   List() = default;
   List(const List& other) : projects(other.projects), default_project(other.default_project) {}
 
-  int Current(CStringA& name, CStringA& path) const {
+  int GetCurrent(CStringA& name, CStringA& path) const {
     if (cursor == projects.end()) return 0;
     name = cursor->first;
     path = cursor->second;
@@ -25,14 +27,14 @@ struct CQPLFile::List {
 
   Projects projects;
   CStringA default_project;
-  Projects::const_iterator cursor = projects.end();  // the end: no walk is under way
+  Projects::const_iterator cursor = projects.end();  // the entry that was returned last; end() for none
 };
 
 namespace {
 
-// Runs the work of a member; out of memory leaves it as CAtlException.
+// Runs work that allocates through the standard library, and raises CAtlException when memory runs out.
 template <class Work>
-auto with_one_exception(Work work) {
+auto translate_exceptions(Work work) {
   try {
     return work();
   } catch (const std::bad_alloc&) {
@@ -44,12 +46,13 @@ orx::NeverDestroyed<CQPLFile> project_list;
 
 }  // namespace
 
-CQPLFile::CQPLFile() : list_(with_one_exception([] { return std::make_unique<List>(); })) {}
+CQPLFile::CQPLFile() : list_(translate_exceptions([] { return std::make_unique<List>(); })) {}
 CQPLFile::CQPLFile(const CQPLFile& other)
-    : CProjectFile(other), list_(with_one_exception([&] { return std::make_unique<List>(*other.list_); })) {}
+    : CProjectFile(other),
+      list_(translate_exceptions([&] { return std::make_unique<List>(*other.list_); })) {}
 
 CQPLFile& CQPLFile::operator=(const CQPLFile& other) {
-  auto copy = with_one_exception([&] { return std::make_unique<List>(*other.list_); });
+  auto copy = translate_exceptions([&] { return std::make_unique<List>(*other.list_); });
   CProjectFile::operator=(other);
   list_ = std::move(copy);
   return *this;
@@ -67,7 +70,8 @@ int CQPLFile::ReadList() {
   XmlHandle<IXMLDOMElement> root;
   XmlHandle<IXMLDOMNode> projects, node;
   XmlHandle<IXMLDOMNodeList> nodes;
-  if (!LoadXMLDocument(root.Out()) || !SelectSingleXMLNode("//PROJECTS", projects.Out())) return 0;
+  if (!LoadXMLDocument(root.Out())) return 0;
+  if (!SelectSingleXMLNode("//PROJECTS", projects.Out())) return 0;
   if (projects == nullptr) return Fail("there is no PROJECTS element");
   if (!SelectXMLNodes(projects, "//PROJECT", nodes.Out())) return 0;
   Clear();
@@ -75,27 +79,29 @@ int CQPLFile::ReadList() {
   return 1;
 }
 
+// Adds the entry of a PROJECT element. An entry whose name is already in the list can still be the default.
 void CQPLFile::AddNode(IXMLDOMNode* node) {
   CStringA name, path, mark;
   if (!FindXMLAttribute(node, "NAME", name) || !FindXMLAttribute(node, "QPRPATH", path)) return;
   if (name.Trim().IsEmpty() || path.Trim().IsEmpty()) return;
-  list_->projects.emplace_hint(list_->projects.end(), name,
-                               path);  // files are in order; the first of a name stays
-  if (FindXMLAttribute(node, "DEFAULT", mark) && orx::platform::compare_no_case(mark.Trim(), "TRUE") == 0) {
-    list_->default_project = name;
-  }
+  // Keeps the first entry of a name. The hint saves the search, since files are in the order of the names.
+  list_->projects.emplace_hint(list_->projects.end(), name, path);
+  if (!FindXMLAttribute(node, "DEFAULT", mark)) return;
+  if (orx::platform::compare_no_case(mark.Trim(), "TRUE") == 0) list_->default_project = name;
 }
 
 int CQPLFile::Save() {
   return SaveWritten([this] { return WriteList(); });
 }
 
-// An entry or attribute that cannot be written is left out; the others are worth saving.
+// Leaves out an entry or attribute that cannot be written, and saves the rest.
 int CQPLFile::WriteList() {
   XmlHandle<IXMLDOMElement> root, projects, element;
-  if (!CreateXMLDocument(root.Out(), "QPL") || !CreateXMLElement(root, "PROJECTS", projects.Out())) return 0;
+  if (!CreateXMLDocument(root.Out(), "QPL")) return 0;
+  if (!CreateXMLElement(root, "PROJECTS", projects.Out())) return 0;
   for (const auto& [name, path] : list_->projects) {
-    if (name.IsEmpty() || path.IsEmpty() || !CreateXMLElement(projects, "PROJECT", element.Out())) continue;
+    if (name.IsEmpty() || path.IsEmpty()) continue;
+    if (!CreateXMLElement(projects, "PROJECT", element.Out())) continue;
     SetXMLAttributeText(element, "NAME", name);
     SetXMLAttributeText(element, "QPRPATH", path);
     if (name == list_->default_project) SetXMLAttributeText(element, "DEFAULT", "TRUE");
@@ -112,7 +118,7 @@ void CQPLFile::Clear() {
 }
 
 void CQPLFile::SetProject(const CStringA& name, const CStringA& path) {
-  with_one_exception([&] { list_->projects[name] = path; });
+  translate_exceptions([&] { list_->projects[name] = path; });
 }
 
 int CQPLFile::GetProject(const CStringA& name, CStringA& path) const {
@@ -136,12 +142,12 @@ void CQPLFile::SetDefaultProject(const CStringA& name) { list_->default_project 
 
 int CQPLFile::GetFirstProject(CStringA& name, CStringA& path) {
   list_->cursor = list_->projects.begin();
-  return list_->Current(name, path);
+  return list_->GetCurrent(name, path);
 }
 
 int CQPLFile::GetNextProject(CStringA& name, CStringA& path) {
   if (list_->cursor != list_->projects.end()) ++list_->cursor;
-  return list_->Current(name, path);
+  return list_->GetCurrent(name, path);
 }
 
 CQPLFile* GetQPLInfo() { return &project_list.object; }

@@ -1,9 +1,12 @@
-// CQPLFile: the list of the projects that a user knows, and which of them is the default.
+// CQPLFile: the list of the projects that a user works with, and their default project.
 //
-// Names are unique and compared with regard to letter case; entries come in ascending order of their bytes.
-// Results are 1, or 0 with the reason in GetLastFailure where something failed. Texts are taken as given;
-// outputs keep what they held when the result is 0. Out of memory raises CAtlException (E_OUTOFMEMORY) and
-// leaves the list as it was, except that Load and Save answer 0.
+// An entry is a name and the path of a project file. Names are unique, and upper and lower case differ. The
+// entries are in ascending order of the bytes of their names. The list takes every text as it is given; an
+// empty text is accepted.
+//
+// Results are 1 or 0. Outputs are unchanged when the result is 0. A failed Load or Save gives its reason in
+// GetLastFailure. Out of memory raises CAtlException (E_OUTOFMEMORY) and leaves the list as it was; in Load
+// and Save it is a failure. One object belongs to one thread at a time.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -15,34 +18,44 @@
 class ORX_API CQPLFile : public CProjectFile {
  public:
   CQPLFile();
-  // A copy has a list of its own, and no walk under way.
+  // A copy has its own list, and no iteration.
   CQPLFile(const CQPLFile& other);
   CQPLFile& operator=(const CQPLFile& other);
   ~CQPLFile() override;
 
-  // Replaces the list by the file; a load that fails leaves it empty. Entries without a name or a path are
-  // skipped; the first entry of a name and the last default mark win.
+  // Replaces the list by the content of the file. After a failure the list is empty. Entries without a name
+  // or a path are skipped. Of several entries with one name the first counts, of several default marks the
+  // last.
   int Load() override;
 
-  // Replaces the file by the list, without entries that have an empty name or path; of an entry that holds
-  // what XML does not allow only the rest is written, and GetLastFailure tells it. A default that is not in
-  // the list is not written.
+  // Replaces the file by the list. Entries with an empty name or path are left out, and so is a name or path
+  // that XML does not allow; GetLastFailure then gives the reason although the result is 1. A default project
+  // that is not in the list is not written.
   int Save() override;
 
+  // 1 when the list has no entries, whatever the default project is.
   int IsEmpty() const;
+
+  // Removes all entries and the default project.
   void Clear();
 
+  // Adds an entry, or replaces the path of the entry with this name.
   void SetProject(const CStringA& name, const CStringA& path);
+
+  // The path of the entry with this name. 0 when there is no such entry.
   int GetProject(const CStringA& name, CStringA& path) const;
 
-  // The default project cannot be removed.
+  // Removes an entry. 0 when there is no entry with this name, and for the default project, which stays.
   int RemoveProject(const CStringA& name);
 
-  // The default need not be in the list; empty: none.
+  // The name of the default project. It does not have to be in the list. Empty when there is no default
+  // project.
   void GetDefaultProject(CStringA& name) const;
   void SetDefaultProject(const CStringA& name);
 
-  // One walk at a time. Load, Clear and the removal of the entry that the walk stands on end it.
+  // Iterates over the entries: the first entry, and the entry after the last one that was returned. 0 at the
+  // end of the list. An object has one iteration at a time. Load, Clear and the removal of the entry that was
+  // returned last end it.
   int GetFirstProject(CStringA& name, CStringA& path);
   int GetNextProject(CStringA& name, CStringA& path);
 
@@ -55,5 +68,6 @@ class ORX_API CQPLFile : public CProjectFile {
   std::unique_ptr<List> list_;
 };
 
-// The process-wide list, empty at load. The host sets its file name.
+// The list of the process, empty at first. The host sets its file name and loads it. Never null, and valid as
+// long as the library is loaded.
 extern "C" ORX_API CQPLFile* GetQPLInfo();

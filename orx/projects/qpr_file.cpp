@@ -20,15 +20,16 @@ using orx::platform::last_backslash;
 
 constexpr int kUnknownPlatform = -1;
 
+// How the value of a property is written: as it is, as a name of the platform catalogue, as a number.
 enum class Kind { kText, kPlatform, kNumber };
 
 // A property of the file and its field in the record.
 struct Property {
   const char* name;
   Kind kind;
-  int length;  // of the longest text in characters
+  int length;  // the limit of a text in characters; 0 for other kinds
   std::size_t offset;
-  std::size_t size;  // of the field in bytes
+  std::size_t size;  // the size of the field in bytes
 
   char* Text(QPRInfo& info) const { return reinterpret_cast<char*>(&info) + offset; }
   int& Number(QPRInfo& info) const {
@@ -36,7 +37,7 @@ struct Property {
   }
 };
 
-// In the order in which they are written.
+// All properties, in the order in which they are written.
 constexpr Property kProperties[] = {
     {"SiteName", Kind::kText, ORX_SITE_NAME_LENGTH, offsetof(QPRInfo, SiteName), sizeof(QPRInfo::SiteName)},
     {"SiteDatabase", Kind::kText, ORX_SITE_DATABASE_LENGTH, offsetof(QPRInfo, SiteDatabase),
@@ -63,43 +64,47 @@ const Property* find_property(const char* name) {
   return found != std::end(kProperties) ? found : nullptr;
 }
 
-// As atoi, but a number too large for an int becomes the nearest one, and no locale plays a part.
+// Reads a number like atoi, but independent of the locale. A number out of range becomes the nearest int.
 int to_int(std::string_view text) {
+  constexpr long long kBeyondInt = 1LL << 40;  // bounds the number while its digits are read
   while (!text.empty() && orx::is_space(text.front())) text.remove_prefix(1);
   const bool is_negative = text.starts_with('-');
   if (is_negative || text.starts_with('+')) text.remove_prefix(1);
   long long number = 0;
   for (const char c : text) {
     if (c < '0' || c > '9') break;
-    number = std::min(number * 10 + (c - '0'), 1LL << 40);
+    number = std::min(number * 10 + (c - '0'), kBeyondInt);
   }
   if (is_negative) number = -number;
   return static_cast<int>(std::clamp<long long>(number, INT_MIN, INT_MAX));
 }
 
-// Fills the field, whose array has space for any text of that length, but not for every one that is not
-// valid.
+// Fills a field with a text of at most `length` characters. False, with the field unchanged, for a longer
+// text. The bytes are checked too: invalid bytes may count as no character.
 template <std::size_t size>
-bool store(char (&field)[size], int length, std::string_view text) {
+bool store_text(char (&field)[size], int length, std::string_view text) {
   if (text.size() >= size || orx::platform::count_characters(text) > length) return false;
   std::memset(field, 0, size);
   text.copy(field, text.size());
   return true;
 }
 
-bool is_platform_of(const QPRInfo& info, int type) {
-  int its_type = 0;
-  return CDbPlatformUtil::GetPlatformType(info.SiteDatabasePlatform, &its_type) && its_type == type;
+// Whether the platform of the record is in the catalogue and of the type.
+bool has_platform_type(const QPRInfo& info, int type) {
+  int type_of_id = 0;
+  return CDbPlatformUtil::GetPlatformType(info.SiteDatabasePlatform, &type_of_id) && type_of_id == type;
 }
 
+// Whether a text is within the limit of its property. The message is for the user.
 bool check_length(const Property& property, std::string_view text, CStringA& reason) {
   const int length = orx::platform::count_characters(text);
   if (length <= property.length) return true;
-  reason.Format("%s has %d characters, it may have %d", property.name, length, property.length);
+  reason.Format("%s has %d characters; the limit is %d", property.name, length, property.length);
   return false;
 }
 
-// A value that its field cannot hold is refused, rather than opening a project with a name cut short.
+// Sets the field of a property. Refuses a text that is too long: a project whose names were cut could be
+// taken for another project.
 bool read_value(QPRInfo& info, const Property& property, const CStringA& value, CStringA& reason) {
   switch (property.kind) {
     case Kind::kPlatform:
@@ -118,16 +123,18 @@ bool read_value(QPRInfo& info, const Property& property, const CStringA& value, 
   return true;
 }
 
-// Hosts write the record directly, so its texts may be anything.
+// Checks a text before it is written. Hosts change the record directly, so it may be too long or without a
+// NUL.
 bool check_text(QPRInfo& info, const Property& property, CStringA& reason) {
   const char* text = property.Text(info);
   const std::size_t size = strnlen(text, property.size);
   if (size < property.size) return check_length(property, {text, size}, reason);
-  reason = CStringA(property.name) + ": the text has no end";
+  reason = CStringA(property.name) + ": the text has no NUL";
   return false;
 }
 
-CStringA written_value(QPRInfo& info, const Property& property) {
+// The value of a property as it is written. Empty for a platform that the catalogue does not know.
+CStringA value_text(QPRInfo& info, const Property& property) {
   CStringA value;
   switch (property.kind) {
     case Kind::kPlatform:
@@ -148,7 +155,8 @@ CStringA invalid_platform_message() {
   CDbPlatformUtil::GetPlatformNameList(&names, 0);
   CStringA message = "The database platform is invalid, it must be ";
   for (const CStringA& name : names) message += "'" + name + "', ";
-  return message.Left(message.GetLength() - 2) + ".";
+  const int last_separator = message.GetLength() - 2;
+  return message.Left(last_separator) + ".";
 }
 
 }  // namespace
@@ -168,8 +176,7 @@ CQPRFile::~CQPRFile() = default;
 
 int CQPRFile::Load() {
   return Complete([this] {
-    // A copy, which becomes the record only when nothing can fail any more for a lack of memory.
-    QPRInfo info{};
+    QPRInfo info{};  // replaces the record at the end, when nothing can run out of memory any more
     if (!ReadProperties(info)) return 0;
     const int result = DerivePaths(info);
     info_ = info;
@@ -181,10 +188,12 @@ int CQPRFile::ReadProperties(QPRInfo& info) {
   XmlHandle<IXMLDOMElement> root;
   XmlHandle<IXMLDOMNode> project;
   XmlHandle<IXMLDOMNodeList> properties;
-  if (!LoadXMLDocument(root.Out()) || !SelectSingleXMLNode("//PROJECT", project.Out())) return 0;
+  if (!LoadXMLDocument(root.Out())) return 0;
+  if (!SelectSingleXMLNode("//PROJECT", project.Out())) return 0;
   if (project == nullptr) return Fail("there is no PROJECT element");
   if (!SelectXMLNodes(project, "//PROPERTY", properties.Out())) return 0;
 
+  // These keep the values of the record when the file does not set them. All other fields start empty.
   info.SiteDatabasePlatform = kUnknownPlatform;
   std::memcpy(info.ProjectBasePath, info_.ProjectBasePath, sizeof info.ProjectBasePath);
   std::memcpy(info.Coordinates, info_.Coordinates, sizeof info.Coordinates);
@@ -201,27 +210,30 @@ int CQPRFile::ReadProperties(QPRInfo& info) {
   return 1;
 }
 
-// A project lies in a folder of its own below the base path, and a JET database beside the project file.
+// Each project has its own folder below the base path, and the file of a JET database is in that folder. Sets
+// both paths. A failure concerns only the base path: the database path is set in any case, and stays as it
+// was when the new path does not fit.
 int CQPRFile::DerivePaths(QPRInfo& info) {
   const char* file = GetFileName();
   const char* file_end = last_backslash(file);
-  const CStringA folder(file,
-                        file_end != nullptr && file_end > file + 1 ? static_cast<int>(file_end - file) : 0);
+  const bool has_folder = file_end != nullptr && file_end > file + 1;
+  const CStringA folder(file, has_folder ? static_cast<int>(file_end - file) : 0);
   const char* base_end = last_backslash(folder);
-  const std::ptrdiff_t base_length = base_end != nullptr ? base_end - folder.GetString() : 0;
+  const auto base_length = static_cast<std::size_t>(base_end != nullptr ? base_end - folder.GetString() : 0);
+  const std::string_view base(folder.GetString(), base_length);
   int result = 1;
-  if (base_length <= 1) {
+  if (base.size() <= 1) {
     result = Fail("the path is too shallow to hold a project folder");
-  } else if (!store(info.ProjectBasePath, ORX_BASE_PATH_LENGTH,
-                    {folder.GetString(), static_cast<std::size_t>(base_length)})) {
+  } else if (!store_text(info.ProjectBasePath, ORX_BASE_PATH_LENGTH, base)) {
     result = Fail("the path is too long to hold a project folder");
   }
 
-  if (is_platform_of(info, enDbPlatformTypeJET)) {
+  if (has_platform_type(info, enDbPlatformTypeJET)) {
     const char* separator = last_backslash(info.SiteDatabase);
-    const bool has_folder = separator != nullptr && separator > info.SiteDatabase;
-    const CStringA database = folder + '\\' + (has_folder ? separator + 1 : info.SiteDatabase);
-    store(info.SiteDatabase, ORX_SITE_DATABASE_LENGTH, database.GetString());
+    const bool names_folder = separator != nullptr && separator > info.SiteDatabase;
+    const char* name = names_folder ? separator + 1 : info.SiteDatabase;
+    const CStringA database = folder + '\\' + name;
+    store_text(info.SiteDatabase, ORX_SITE_DATABASE_LENGTH, database.GetString());
   }
   return result;
 }
@@ -232,15 +244,14 @@ int CQPRFile::Save() {
 
 int CQPRFile::WriteProperties() {
   XmlHandle<IXMLDOMElement> root, project, element;
-  if (!CreateXMLDocument(root.Out(), "QPR") || !CreateXMLElement(root, "PROJECT", project.Out())) return 0;
+  if (!CreateXMLDocument(root.Out(), "QPR")) return 0;
+  if (!CreateXMLElement(root, "PROJECT", project.Out())) return 0;
   for (const Property& property : kProperties) {
     CStringA reason;
     if (property.kind == Kind::kText && !check_text(info_, property, reason)) return Fail(reason);
-    if (!CreateXMLElement(project, "PROPERTY", element.Out()) ||
-        !SetXMLAttributeText(element, "NAME", property.name)) {
-      return 0;
-    }
-    if (!SetXMLAttributeText(element, "VALUE", written_value(info_, property))) {
+    if (!CreateXMLElement(project, "PROPERTY", element.Out())) return 0;
+    if (!SetXMLAttributeText(element, "NAME", property.name)) return 0;
+    if (!SetXMLAttributeText(element, "VALUE", value_text(info_, property))) {
       GetLastFailure(reason);
       return Fail(CStringA(property.name) + ": " + reason);
     }
@@ -302,5 +313,5 @@ int CQPRFile::GetPlatformString(CStringA& name, int bShortName) {
                     : CDbPlatformUtil::GetLongNameFromID(info_.SiteDatabasePlatform, name);
 }
 
-int CQPRFile::IsSQLPlatform() { return is_platform_of(info_, enDbPlatformTypeSQL); }
-int CQPRFile::IsJETPlatform() { return is_platform_of(info_, enDbPlatformTypeJET); }
+int CQPRFile::IsSQLPlatform() { return has_platform_type(info_, enDbPlatformTypeSQL); }
+int CQPRFile::IsJETPlatform() { return has_platform_type(info_, enDbPlatformTypeJET); }

@@ -1,16 +1,20 @@
 // CQPRFile: the project file.
 //
-// A small XML file names the site, its database and the platform that the database lives on, the project and
-// its data group. Load reads it into a plain record, which callers read and change in place; Verify checks
-// the record; Save writes it back. Results are 1, or 0 with the reason in GetLastFailure.
+// A project file is a small XML file. It has the names of the site, the project and the data group, and the
+// database of the site with its platform. Load reads the file into a record, which callers may read and
+// change in place. Verify checks the record, and Save writes it to the file.
+//
+// Results are 1, or 0 with the reason in GetLastFailure, unless a comment says otherwise. Out of memory
+// raises CAtlException (E_OUTOFMEMORY); in Load and Save it is a failure. One object belongs to one thread at
+// a time.
 #pragma once
 
 #include <orx/compat/export.h>
 
 #include <stddef.h>
 
-// The longest texts of a project in characters: code points where narrow text is UTF-8, otherwise characters
-// of the ANSI code page.
+// The longest texts of a project, in characters without the NUL. A character is a code point where narrow
+// text is UTF-8, otherwise a character of the ANSI code page.
 #define ORX_SITE_NAME_LENGTH 50
 #define ORX_SITE_DATABASE_LENGTH 255
 #define ORX_SERVER_NAME_LENGTH 80
@@ -20,20 +24,21 @@
 #define ORX_COORDINATES_LENGTH 19
 #define ORX_DESCRIPTION_LENGTH 128
 
-// The bytes of a field for `length` characters: a character has at most four bytes, and a NUL follows the
-// text.
+// The bytes of a field for a text of `length` characters: four bytes for each character, and a NUL.
 #define ORX_FIELD_SIZE(length) (4 * (length) + 1)
 
-// One project. Texts are NUL-terminated. Copying the bytes copies the project.
+// The record of a project. Texts end with a NUL. A copy of the bytes is a copy of the project.
 typedef struct QPRInfo {
   char SiteName[ORX_FIELD_SIZE(ORX_SITE_NAME_LENGTH)];
-  // JET: the path of the database file. SQL: the name of the database on the server.
+  // On a JET platform the path of the database file, on an SQL platform the name of the database on its
+  // server.
   char SiteDatabase[ORX_FIELD_SIZE(ORX_SITE_DATABASE_LENGTH)];
-  int SiteDatabasePlatform;  // an identifier of the platform catalogue; -1: unknown; 0: cleared
+  int SiteDatabasePlatform;  // an identifier of the platform catalogue; -1 when unknown, 0 in a cleared
+                             // record
   char SiteDatabaseServerName[ORX_FIELD_SIZE(ORX_SERVER_NAME_LENGTH)];
   char ProjectName[ORX_FIELD_SIZE(ORX_PROJECT_NAME_LENGTH)];
   char DataGroupName[ORX_FIELD_SIZE(ORX_DATA_GROUP_NAME_LENGTH)];
-  // Derived on load: the folder that contains the folder of the project file.
+  // Not in the file: Load sets it to the folder that contains the folder of the project file.
   char ProjectBasePath[ORX_FIELD_SIZE(ORX_BASE_PATH_LENGTH)];
   char Coordinates[ORX_FIELD_SIZE(ORX_COORDINATES_LENGTH)];
   char Description[ORX_FIELD_SIZE(ORX_DESCRIPTION_LENGTH)];
@@ -47,10 +52,11 @@ typedef struct QPRInfo {
 #define ORX_PROJECT_FORMAT_MINOR 7
 #define ORX_PROJECT_FORMAT_RELEASE 0
 
+// The version of a project compared with the version of the format.
 typedef enum enProjectVersionT {
   enProjectVersionCurrent = 0,
-  enProjectVersionOlder = 2,  // it needs converting
-  enProjectVersionNewer = 4
+  enProjectVersionOlder = 2,  // the host must convert the project
+  enProjectVersionNewer = 4   // the project was made by a newer suite
 } enProjectVersionT;
 
 #if defined(__cplusplus)
@@ -66,11 +72,11 @@ static_assert(offsetof(QPRInfo, SiteDatabasePlatform) == 1224 &&
               offsetof(QPRInfo, ProjectBasePath) == 1951 && offsetof(QPRInfo, MajorVersion) == 3584 &&
               sizeof(QPRInfo) == 3596);
 
-// Why the current project could not be loaded.
+// The reason why the current project could not be loaded, for the user.
 class ORX_API QprLoadFailedException : public std::exception {
  public:
   QprLoadFailedException();
-  explicit QprLoadFailedException(const char* const& message);  // null: the empty text
+  explicit QprLoadFailedException(const char* const& message);  // null is the empty text
   QprLoadFailedException(const QprLoadFailedException&) noexcept;
   QprLoadFailedException& operator=(const QprLoadFailedException&) noexcept;
   ~QprLoadFailedException() override;
@@ -88,39 +94,45 @@ class ORX_API CQPRFile : public CProjectFile {
   CQPRFile& operator=(const CQPRFile& other);
   ~CQPRFile() override;
 
-  // Reads the file into the record. Coordinates and Description keep their values when the file does not set
-  // them. A JET database is looked for beside the project file, whatever folder the file names. When the
-  // file's path has no base path, the result is 0 although the record holds the content of the file, and the
-  // base path keeps its value. After any other failure, for example a value that is longer than its field,
-  // the record is unchanged.
+  // Reads the file into the record, and derives the base path. Does not verify the record. Coordinates and
+  // Description keep their values when the file does not set them. The path of a JET database becomes a path
+  // in the folder of the project file, whatever folder the file names, unless it would be too long.
+  //
+  // When there is no base path, because the file is not in a folder within a folder or the base path is too
+  // long, the result is 0. The record then has the content of the file, and the base path keeps its value.
+  // After any other failure, for example a text that is longer than its limit, the record is unchanged.
   int Load() override;
 
-  // Replaces the file by the record, without verifying it. A text that Load would refuse as too long is
-  // refused.
+  // Replaces the file by the record, without verifying the record. Fails for a text that is too long, which
+  // Load would refuse; the file is then unchanged.
   int Save() override;
 
-  // 1 and the message unchanged, or 0 and the first rule that is broken.
+  // Checks the rules of a complete record. 1 with the message unchanged, or 0 with a message for the user
+  // about the first broken rule.
   int Verify(CStringA& message);
 
-  // Compares the record's major and minor version with ORX_PROJECT_FORMAT_MAJOR and _MINOR, and ignores the
-  // release.
+  // Compares the major and the minor version of the record with ORX_PROJECT_FORMAT_MAJOR and
+  // ORX_PROJECT_FORMAT_MINOR. The release is ignored.
   enProjectVersionT VerifyProjectVersion();
 
-  // Both set the record's version to the one of the format, and save nothing.
+  // These set the version of the record to the version of the format. They do not save the file.
   void InitProjectVersion();
   void ProjectConversionUpgradeCompleted();
 
-  // The object's own record, valid as long as the object.
+  // The record of this object, which may be changed in place. Never null, and valid as long as the object.
   QPRInfo* GetQPRInfo();
 
-  // Copies record and file name; null is ignored.
+  // Copies the record and the file name of another object. Never raises an exception. Null is ignored.
   void CopyFrom(CQPRFile* source);
 
   // Zeroes the record and empties the file name.
   void Clear();
 
-  // 0 with the name empty when the catalogue does not know the platform.
+  // The long name of the record's platform, or the short name when `bShortName` is not 0. 0 with an empty
+  // name when the catalogue does not know the platform; no reason is set.
   int GetPlatformString(CStringA& name, int bShortName);
+
+  // Whether the record's platform is of this type. 0 when the catalogue does not know the platform.
   int IsSQLPlatform();
   int IsJETPlatform();
 

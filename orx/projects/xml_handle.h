@@ -1,8 +1,9 @@
-// A reference to a node or list of the XML wrapper that gives itself back. Internal to the library.
+// An owned reference to a node or list of the XML wrapper. Internal to the library.
 #pragma once
 
 namespace orx {
 
+// Holds a pointer from an output of COrxXMLDoc, and releases it at the end of its scope.
 template <class Interface>
 class XmlHandle {
  public:
@@ -13,7 +14,7 @@ class XmlHandle {
 
   operator Interface*() const { return pointer_; }
 
-  // For an out-parameter: gives back what was held.
+  // For an output: releases the pointer that is held, and receives the new one.
   Interface** Out() {
     Reset();
     return &pointer_;

@@ -15,58 +15,61 @@ namespace dom = orx::platform::dom;
 
 namespace {
 
+// A null text is the empty text.
 const char* text_of(const char* text) { return text != nullptr ? text : ""; }
 
-// The types that automation passes by address or that are objects; the others the DOM judges.
+// False for references, objects and arrays, which are never the text of an attribute. The DOM checks all
+// other types.
 bool is_value(VARTYPE type) {
   return (type & VT_BYREF) == 0 && type != VT_DISPATCH && type != VT_UNKNOWN && type != VT_RECORD &&
          type != VT_ARRAY;
 }
 
-// Runs work that allocates through the standard library. Out of memory raises the same exception as in
-// CStringA.
+// Runs work that allocates through the standard library. Turns its exceptions into the exception of CStringA:
+// std::bad_alloc, and std::length_error of a text that no memory can hold.
 template <class Work>
-auto with_one_exception(Work work) {
+auto translate_exceptions(Work work) {
   try {
     return work();
-  } catch (const std::exception&) {  // std::bad_alloc, or std::length_error of a text that is too long for
-                                     // any memory
+  } catch (const std::exception&) {
     AtlThrow(E_OUTOFMEMORY);
   }
 }
 
-// Runs one operation: 1, or 0 with its reason in `failure`.
+// Runs one operation of the DOM. Returns 1, or 0 with the reason in `failure`.
 template <class Operation>
 int attempt(CStringA& failure, Operation operation) {
   const orx::ErrnoGuard errno_guard;
   std::string reason;
-  if (with_one_exception([&] { return operation(reason); })) return 1;
+  if (translate_exceptions([&] { return operation(reason); })) return 1;
   failure = reason.c_str();
   return 0;
 }
 
-// Serves a std::string output by an operation that fills a CStringA or leaves it as it was.
+// Fills a std::string by an operation on a CStringA. The CStringA starts with the same text, so that an
+// operation that leaves its output unchanged leaves `text` unchanged.
 template <class Operation>
-int through_narrow(std::string& text, Operation operation) {
+int through_cstring(std::string& text, Operation operation) {
   CStringA narrow(text.data(), static_cast<int>(text.size()));
   const int result = operation(narrow);
-  with_one_exception([&] { return &text.assign(narrow, static_cast<std::size_t>(narrow.GetLength())); });
+  translate_exceptions([&] { return &text.assign(narrow, static_cast<std::size_t>(narrow.GetLength())); });
   return result;
 }
 
-void set_null(VARIANT* value) {
+// Overwrites the variant without clearing it.
+void set_variant_null(VARIANT* value) {
   VariantInit(value);
   value->vt = VT_NULL;
 }
 
 template <class Interface>
-void clear(Interface** output) {
+void clear_output(Interface** output) {
   if (output != nullptr) *output = nullptr;
 }
 
 constexpr const char* kNoDocument = "no document is open";
 constexpr const char* kNoFileName = "no file name is set";
-constexpr const char* kNullArgument = "a null argument";
+constexpr const char* kNullArgument = "an argument is null";
 
 }  // namespace
 
@@ -80,8 +83,8 @@ COrxXMLDoc::COrxXMLDoc(const COrxXMLDoc& other)
 COrxXMLDoc& COrxXMLDoc::operator=(const COrxXMLDoc& other) {
   file_name_ = other.file_name_;
   last_failure_ = other.last_failure_;
-  IXMLDOMDocument* document = other.document_;  // which may be this one
-  if (document != nullptr) document->AddRef();
+  IXMLDOMDocument* document = other.document_;
+  if (document != nullptr) document->AddRef();  // before the release: both objects may have the same document
   CloseXMLDocument();
   document_ = document;
   return *this;
@@ -104,12 +107,13 @@ int COrxXMLDoc::Fail(const char* reason) {
   try {
     last_failure_ = reason;
   } catch (const CAtlException&) {
-    last_failure_.Empty();  // no memory even for the reason
+    last_failure_.Empty();  // there is no memory for the reason
   }
   return 0;
 }
 
-// Makes a new document and fills it by `load`, which stores the root.
+// Makes a new document. `load` fills it and stores the document element in *root. The new document is kept
+// when `load` fails; it is empty then.
 template <class Load>
 int COrxXMLDoc::Open(IXMLDOMElement** root, Load load) {
   if (root == nullptr) return Fail(kNullArgument);
@@ -118,6 +122,7 @@ int COrxXMLDoc::Open(IXMLDOMElement** root, Load load) {
     CloseXMLDocument();
     document_ = dom::create_document();
     if (document_ != nullptr) return load(reason);
+    // The system has no DOM, so that no document can be opened. This is for the user.
     orx::platform::show_error_box("MS XML Parser is not registered.", "ORX");
     reason = kNoDocument;
     return false;
@@ -132,8 +137,9 @@ int COrxXMLDoc::CreateXMLDocument(IXMLDOMElement** root, const char* rootName) {
 
 int COrxXMLDoc::LoadXMLDocument(IXMLDOMElement** root) {
   return Open(root, [&](std::string& reason) {
+    if (!file_name_.IsEmpty()) return dom::load_file(*document_, file_name_, root, reason);
     reason = kNoFileName;
-    return !file_name_.IsEmpty() && dom::load_file(*document_, file_name_, root, reason);
+    return false;
   });
 }
 
@@ -153,7 +159,10 @@ int COrxXMLDoc::GetXMLText(std::string& text) {
   if (document_ == nullptr) return Fail(kNoDocument);
   return attempt(last_failure_, [&](std::string& reason) {
     std::string all;
-    const auto sink = [&all](const char* bytes, std::size_t size) { return all.append(bytes, size), true; };
+    const auto sink = [&all](const char* bytes, std::size_t size) {
+      all.append(bytes, size);
+      return true;
+    };
     if (!dom::write_text(*document_, sink, reason)) return false;
     text = std::move(all);
     return true;
@@ -181,7 +190,7 @@ int COrxXMLDoc::CloseXMLDocument() {
 }
 
 int COrxXMLDoc::CreateXMLElement(IXMLDOMElement* parent, const char* name, IXMLDOMElement** child) {
-  clear(child);
+  clear_output(child);
   if (document_ == nullptr) return Fail(kNoDocument);
   if (parent == nullptr || child == nullptr) return Fail(kNullArgument);
   return attempt(last_failure_, [&](std::string& reason) {
@@ -203,7 +212,7 @@ int COrxXMLDoc::GetXMLName(IXMLDOMNode* node, CStringA& name) {
 }
 
 int COrxXMLDoc::GetXMLName(IXMLDOMNode* node, std::string& name) {
-  return through_narrow(name, [&](CStringA& narrow) { return GetXMLName(node, narrow); });
+  return through_cstring(name, [&](CStringA& narrow) { return GetXMLName(node, narrow); });
 }
 
 int COrxXMLDoc::GetXMLValue(IXMLDOMElement* element, CStringA& text) {
@@ -212,12 +221,12 @@ int COrxXMLDoc::GetXMLValue(IXMLDOMElement* element, CStringA& text) {
 }
 
 int COrxXMLDoc::GetXMLValue(IXMLDOMElement* element, std::string& text) {
-  return through_narrow(text, [&](CStringA& narrow) { return GetXMLValue(element, narrow); });
+  return through_cstring(text, [&](CStringA& narrow) { return GetXMLValue(element, narrow); });
 }
 
 int COrxXMLDoc::GetXMLValue(IXMLDOMElement* element, VARIANT* value) {
   if (element == nullptr || value == nullptr) return Fail(kNullArgument);
-  set_null(value);
+  set_variant_null(value);
   return 1;
 }
 
@@ -247,16 +256,17 @@ int COrxXMLDoc::GetXMLAttribute(IXMLDOMElement* element, const char* name, CStri
   const int done = attempt(last_failure_, [&](std::string& reason) {
     return dom::get_attribute(*element, text_of(name), exists, text, reason);
   });
-  return done && !exists ? Fail("the element has no such attribute") : done;
+  if (done && !exists) return Fail("the element has no such attribute");
+  return done;
 }
 
 int COrxXMLDoc::GetXMLAttribute(IXMLDOMElement* element, const char* name, std::string& text) {
-  return through_narrow(text, [&](CStringA& narrow) { return GetXMLAttribute(element, name, narrow); });
+  return through_cstring(text, [&](CStringA& narrow) { return GetXMLAttribute(element, name, narrow); });
 }
 
 int COrxXMLDoc::GetXMLAttribute(IXMLDOMElement* element, const char* name, VARIANT* value) {
   if (element == nullptr || value == nullptr) return Fail(kNullArgument);
-  set_null(value);
+  set_variant_null(value);
   return attempt(last_failure_, [&](std::string& reason) {
     return dom::get_attribute(*element, text_of(name), value, reason);
   });
@@ -306,7 +316,7 @@ int COrxXMLDoc::SetXMLAttributeText(IXMLDOMElement* element, const char* name, c
 }
 
 int COrxXMLDoc::SelectSingleXMLNode(const char* query, IXMLDOMNode** node) {
-  clear(node);
+  clear_output(node);
   if (document_ == nullptr) return Fail(kNoDocument);
   if (node == nullptr) return Fail(kNullArgument);
   return attempt(last_failure_, [&](std::string& reason) {
@@ -315,7 +325,7 @@ int COrxXMLDoc::SelectSingleXMLNode(const char* query, IXMLDOMNode** node) {
 }
 
 int COrxXMLDoc::SelectSingleXMLNode(IXMLDOMNode* context, const char* query, IXMLDOMNode** node) {
-  clear(node);
+  clear_output(node);
   if (context == nullptr || node == nullptr) return Fail(kNullArgument);
   return attempt(last_failure_, [&](std::string& reason) {
     return dom::select_single(*context, text_of(query), node, reason);
@@ -323,23 +333,26 @@ int COrxXMLDoc::SelectSingleXMLNode(IXMLDOMNode* context, const char* query, IXM
 }
 
 int COrxXMLDoc::SelectXMLNodes(IXMLDOMNode* context, const char* query, IXMLDOMNodeList** list) {
-  clear(list);
+  clear_output(list);
   if (context == nullptr || list == nullptr) return Fail(kNullArgument);
   return attempt(last_failure_,
                  [&](std::string& reason) { return dom::select(*context, text_of(query), list, reason); });
 }
 
 int COrxXMLDoc::GetXMLChildNodes(IXMLDOMNode* node, IXMLDOMNodeList** list) {
-  clear(list);
+  clear_output(list);
   if (node == nullptr || list == nullptr) return Fail(kNullArgument);
   return attempt(last_failure_, [&](std::string& reason) { return dom::child_nodes(*node, list, reason); });
 }
 
 int COrxXMLDoc::NextXMLNode(IXMLDOMNodeList* list, IXMLDOMNode** node) {
-  clear(node);
+  clear_output(node);
   if (list == nullptr || node == nullptr) return Fail(kNullArgument);
-  const int done = attempt(last_failure_, [&](std::string&) { return *node = dom::next_node(*list), true; });
-  return done && *node != nullptr;
+  attempt(last_failure_, [&](std::string&) {
+    *node = dom::next_node(*list);
+    return true;
+  });
+  return *node != nullptr;
 }
 
 int COrxXMLDoc::HasChildNodes(IXMLDOMNode* node) {

@@ -1,24 +1,34 @@
 // COrxXMLDoc: one XML document and the name of its file.
 //
-// Operations return 1, or 0 for failure; after a failure GetLastFailure tells why. Names, queries and texts
-// are narrow text in the encoding of the process; a null name, query or text is the empty one. A null node,
-// element, list or output pointer, and an operation on the document when none is held, is a failure.
+// Results: an operation returns 1, or 0 for failure; GetLastFailure then gives the reason. It is a failure
+// when a pointer to a node, element, list or output is null, and when an operation needs a document but the
+// object has none. Operations with other results say so.
 //
-// Every node, element or list that comes back through a pointer carries a reference that the caller owns and
-// gives back with Release; it outlives the document. The outputs are null after a failure. Nodes passed in
-// are borrowed for the call. A VARIANT output is overwritten: initialise it before and clear it after.
+// Text: names, queries and texts are narrow text in the encoding of the process. A null name, query or text
+// is the empty text.
 //
-// Documents are taken as untrusted: nothing they say opens another file or the network, and one that declares
-// entities is refused. A document has at most 128 MiB, 10,000,000 elements and attributes, 256 elements
-// within one another, 1,000 attributes of an element and 250 namespace declarations in scope; a name has at
-// most 50,000 bytes, a value, a text or a start tag 9,900,000 as it is written. What exceeds a limit, and
-// text that XML does not allow or that is not valid in its encoding, is refused when it is loaded, set or
-// saved: a document that was saved can be loaded. A query has at most 64 KiB, and must not need more stack
-// than the thread has.
+// Ownership: every node, element or list that an operation stores carries a reference that the caller owns
+// and gives back with Release. It stays valid after the document is closed. After a failure the pointer is
+// null. An output pointer is overwritten, so release what it held first. Nodes that are passed in are
+// borrowed for the call. A VARIANT output is overwritten too: initialise it before the call and clear it
+// after.
 //
-// Copies share one document and see each other's changes. A document and its nodes belong to one thread at a
-// time. Out of memory raises CAtlException (E_OUTOFMEMORY) and changes nothing, except that a document to be
-// created or loaded is empty.
+// Limits: a document from any source is safe to load. It cannot open another file or use the network, and a
+// document that declares entities is refused. A document has at most
+//   - 128 MiB, and 10,000,000 elements and attributes,
+//   - 256 nested elements,
+//   - 1,000 attributes on one element, and 250 namespace declarations in scope,
+//   - 50,000 bytes in a name, and 9,900,000 bytes in a value, a text or a start tag, counted as they are
+//     written.
+// A query has at most 64 KiB. A query that needs more stack than the thread has left fails. What exceeds a
+// limit, what XML does not allow and what is not valid in its encoding is refused when it is set, loaded or
+// saved. So every document that was saved can be loaded.
+//
+// Threads: a document and its nodes belong to one thread at a time. Copies of a COrxXMLDoc share one document
+// and see each other's changes.
+//
+// Memory: out of memory raises CAtlException (E_OUTOFMEMORY) and changes nothing, except that an object that
+// was about to create or load a document then has an empty document or none.
 #pragma once
 
 #include <orx/compat/dom.h>
@@ -35,45 +45,52 @@ class ORX_API COrxXMLDoc {
   COrxXMLDoc& operator=(const COrxXMLDoc& other);
   virtual ~COrxXMLDoc();
 
-  // The file that LoadXMLDocument reads and SaveXMLFile writes, as a path of the suite. White space around it
-  // is removed. The name stays when documents come and go; the pointer is valid until it is next set.
+  // The path of the file that LoadXMLDocument reads and SaveXMLFile writes, in the suite's form
+  // (backslashes). White space at both ends is removed. The name does not change when a document is loaded or
+  // closed. The pointer is valid until the name is set again.
   void SetFileName(const char* name);
   const char* GetFileName() const;
 
-  // What the last operation that failed ran into; empty when none has.
+  // The reason of the last failure, a short phrase without the file's name. Empty before the first failure; a
+  // success does not clear it.
   void GetLastFailure(CStringA& reason) const;
 
-  // Each of the three drops the document held before. *root receives the document element. A document that
-  // could not be parsed is held, empty.
+  // These close the document that the object has and replace it: by a new one with a document element
+  // `rootName`, by the content of the file, or by the content of a text. *root receives the document element.
+  // When the content cannot be parsed, the object has an empty document.
   int CreateXMLDocument(IXMLDOMElement** root, const char* rootName);
   int LoadXMLDocument(IXMLDOMElement** root);
   int SetXMLText(IXMLDOMElement** root, const char* text);
 
+  // The whole document as text. An empty document gives the empty text. The text is unchanged after a
+  // failure.
   int GetXMLText(CStringA& text);
   int GetXMLText(std::string& text);
 
-  // Replaces the file as a whole, in UTF-8; when that fails the old file is untouched. The empty document and
-  // one that exceeds a limit are refused.
+  // Writes the document to its file in UTF-8. The file is replaced as a whole; after a failure the old file
+  // is unchanged. An empty document, and a document that exceeds a limit, are refused.
   int SaveXMLFile();
 
-  // Lays the document out one element a line, indented by tabs. Nodes handed out before stay with the old
-  // content.
+  // Lays the document out with one element per line, indented by tabs. Elements with text keep their content.
+  // Nodes and lists from before the call belong to the old content, and no longer to the document.
   int IndentXMLDocument();
 
-  // Always 1.
+  // Gives up the document, which is not saved. The file name stays. Always 1.
   int CloseXMLDocument();
 
-  // Appends a new element to `parent`.
+  // Appends a new element to the children of `parent`.
   int CreateXMLElement(IXMLDOMElement* parent, const char* name, IXMLDOMElement** child);
 
-  // The qualified name; of nodes that are not elements "#text", "#comment" and the like.
+  // The qualified name ("prefix:name") of an element or attribute. Other nodes have names like "#text",
+  // "#cdata-section" and "#comment".
   int GetXMLName(IXMLDOMElement* element, CStringA& name);
   int GetXMLName(IXMLDOMElement* element, std::string& name);
   int GetXMLName(IXMLDOMNode* node, CStringA& name);
   int GetXMLName(IXMLDOMNode* node, std::string& name);
 
-  // The text of the element and all its descendants, without white space at its ends. As a VARIANT the value
-  // of an element is always VT_NULL. A node that is not an element fails.
+  // The text of the element and all its descendants, without white space at both ends. A VARIANT always
+  // becomes VT_NULL, which is the value of an element in the DOM. Fails for a node that is not an element;
+  // the output is then unchanged.
   int GetXMLValue(IXMLDOMElement* element, CStringA& text);
   int GetXMLValue(IXMLDOMElement* element, std::string& text);
   int GetXMLValue(IXMLDOMElement* element, VARIANT* value);
@@ -81,11 +98,13 @@ class ORX_API COrxXMLDoc {
   int GetXMLValue(IXMLDOMNode* node, std::string& text);
   int GetXMLValue(IXMLDOMNode* node, VARIANT* value);
 
-  // Replaces all children by one text.
+  // Sets the text of a node. In an element, one text replaces all children. Fails for a text that the kind of
+  // node cannot hold, for example "--" in a comment.
   int SetXMLValue(IXMLDOMNode* node, wchar_t* text);
 
-  // A missing attribute gives 0 and the empty text, but 1 and VT_NULL as a VARIANT. Any other failure leaves
-  // the output as it was. A node that is not an element fails.
+  // The value of an attribute. A missing attribute gives 0 and the empty text, but 1 and VT_NULL in a
+  // VARIANT. A value in a VARIANT is a VT_BSTR. Fails for a node that is not an element. After any other
+  // failure a text is unchanged.
   int GetXMLAttribute(IXMLDOMElement* element, const char* name, CStringA& text);
   int GetXMLAttribute(IXMLDOMElement* element, const char* name, std::string& text);
   int GetXMLAttribute(IXMLDOMElement* element, const char* name, VARIANT* value);
@@ -93,42 +112,45 @@ class ORX_API COrxXMLDoc {
   int GetXMLAttribute(IXMLDOMNode* node, const char* name, std::string& text);
   int GetXMLAttribute(IXMLDOMNode* node, const char* name, VARIANT* value);
 
-  // Texts, numbers, dates and truth values are written as text; VT_NULL, by-reference values, objects and
-  // arrays are refused. The value stays the caller's. A node that is not an element fails.
+  // Sets an attribute, or adds it. Texts, numbers, dates and Booleans are written as text. VT_NULL, values by
+  // reference, objects and arrays are refused. The caller keeps the value and clears it. Fails for a node
+  // that is not an element.
   int SetXMLAttribute(IXMLDOMElement* element, const char* name, VARIANT value);
   int SetXMLAttribute(IXMLDOMNode* node, const char* name, VARIANT value);
 
-  // "//NAME" finds elements anywhere in the document, "NAME" children of the context; other queries are
-  // XPath 1.0. No match is no failure: the node is null, the list empty. A list does not follow later
-  // changes.
+  // "//NAME" finds elements anywhere in the document, and "NAME" finds children of the context. Both also
+  // find elements of a default namespace. Other queries are XPath 1.0. No match is a success with a null node
+  // or an empty list. The list is in document order, and does not follow later changes.
   int SelectSingleXMLNode(const char* query, IXMLDOMNode** node);
   int SelectSingleXMLNode(IXMLDOMNode* context, const char* query, IXMLDOMNode** node);
   int SelectXMLNodes(IXMLDOMNode* context, const char* query, IXMLDOMNodeList** list);
 
-  // This list does follow later changes.
+  // The children of a node. This list follows later changes of the children.
   int GetXMLChildNodes(IXMLDOMNode* node, IXMLDOMNodeList** list);
 
-  // 0 with a null node at the end of the list, which is no failure.
+  // The next node of a list. At the end of the list 0 with a null node, which sets no reason.
   int NextXMLNode(IXMLDOMNodeList* list, IXMLDOMNode** node);
 
+  // 1 when the node has children, otherwise 0.
   int HasChildNodes(IXMLDOMNode* node);
 
  protected:
-  // Keeps the reason for GetLastFailure and answers 0.
+  // Stores the reason for GetLastFailure. Always 0.
   int Fail(const char* reason);
 
-  // Cannot fail.
+  // Takes over the file name of another object without allocating, so that it cannot fail.
   void ShareFileName(const COrxXMLDoc& other) noexcept { file_name_ = other.file_name_; }
 
-  // As their namesakes above, for texts, and without taking a missing attribute for a failure: then the text
-  // is empty and the result 0.
+  // GetXMLAttribute and SetXMLAttribute for narrow texts. A missing attribute gives 0 and the empty text, but
+  // sets no reason. The name and the text must not be null.
   int FindXMLAttribute(IXMLDOMNode* node, const char* name, CStringA& text);
   int SetXMLAttributeText(IXMLDOMElement* element, const char* name, const char* text);
 
  private:
   template <class Load>
   int Open(IXMLDOMElement** root, Load load);
-  IXMLDOMElement* Narrow(IXMLDOMNode* node);  // keeps the reason when it is none
+  // The node as an element. Null, with the reason, when it is not an element.
+  IXMLDOMElement* Narrow(IXMLDOMNode* node);
 
   CStringA file_name_;
   CStringA last_failure_;

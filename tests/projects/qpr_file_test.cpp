@@ -69,7 +69,7 @@ TEST_F(QprFile, IsSavedAsItsPropertiesInOrder) {
   EXPECT_EQ(failure_of(file).find("SiteName: "), 0u) << failure_of(file);
   std::memset(info.SiteName, 'x', sizeof info.SiteName);
   EXPECT_EQ(file.Save(), 0);
-  EXPECT_EQ(failure_of(file), "SiteName: the text has no end");
+  EXPECT_EQ(failure_of(file), "SiteName: the text has no NUL");
   EXPECT_EQ(read_file(path), expected);
   ASSERT_EQ(file.Load(), 1) << failure_of(file);
   EXPECT_EQ(fields_of(info), "A & \u00FC|" + base + "\\Pit 1\\s.mdb|8||||" + base + "|||0.-7.0")
@@ -109,7 +109,7 @@ TEST_F(QprFile, LimitsCountCharacters) {
       EXPECT_EQ(field, value);
       const std::string before = fields_of(info);
       const std::string reason = std::string(name) + " has " + std::to_string(length + 1) +
-                                 " characters, it may have " + std::to_string(length);
+                                 " characters; the limit is " + std::to_string(length);
       EXPECT_EQ(Load(property("MajorVersion", "9") + property(name, value + "y")), 0);
       EXPECT_EQ(failure_of(file), reason);
       EXPECT_EQ(fields_of(info), before) << "the record is unchanged";

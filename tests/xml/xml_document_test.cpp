@@ -239,7 +239,7 @@ TEST_F(XmlDocument, WhatIsMissingIsAFailureWithAReason) {
         document.CreateXMLDocument(&element, nullptr), document.CreateXMLDocument(&element, "1")})
     EXPECT_EQ(result, 0);
   EXPECT_EQ(errno, 42);
-  EXPECT_EQ(failure_of(document), "\"1\" is not a name of XML");
+  EXPECT_EQ(failure_of(document), "\"1\" is not a valid XML name");
 }
 
 void close_document(void* document) { delete static_cast<COrxXMLDoc*>(document); }

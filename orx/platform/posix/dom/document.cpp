@@ -11,20 +11,20 @@
 namespace orx::platform::dom {
 namespace {
 
-constexpr const char* kEmpty = "the document is empty";
+constexpr const char* kEmptyDocument = "the document is empty";
 
 Tree& tree_of(IXMLDOMDocument& document) { return static_cast<Document&>(document).tree(); }
 
 bool is_empty(const Tree& tree) { return xmlDocGetRootElement(tree.doc()) == nullptr; }
 
-// Replaces the content of the document by a tree that was parsed, null after a failure. The root's handle is
-// made first, since that may fail: then the document keeps its old content.
+// Replaces the content of the document by a parsed tree, which is null after a failure. The handle of the
+// root is made first: when that runs out of memory, the document keeps its old content.
 bool replace_content(Document& document, Tree* parsed, IXMLDOMElement** root) {
   *root = nullptr;
   if (parsed == nullptr) return false;
   TreePointer tree(parsed);
   *root = tree->HandleOf(xmlDocGetRootElement(tree->doc()));
-  document.Hold(tree.release());
+  document.ReplaceTree(tree.release());
   return true;
 }
 
@@ -36,8 +36,8 @@ bool write_to(std::string& text, const Tree& tree, Reason& reason) {
   return write_tree(tree, append, reason);
 }
 
-// A DOCTYPE may declare attributes and their defaults for the whole document. So the text is parsed before it
-// is written, to make sure that it can be loaded again.
+// For documents with a DOCTYPE, which may declare attributes and defaults for all elements. The limits of the
+// writer do not cover the defaults, so the text is parsed before it is written.
 bool write_checked(const Tree& tree, const Sink& sink, Reason& reason) {
   std::string text;
   if (!write_to(text, tree, reason)) return false;
@@ -45,13 +45,13 @@ bool write_checked(const Tree& tree, const Sink& sink, Reason& reason) {
   return parsed != nullptr && sink(text.data(), text.size());
 }
 
-// Hosts may hold nodes of the tree. They keep the old tree, and the document gets a copy.
-bool leave_handles_behind(Document& document, Reason& reason) {
+// Hosts that hold nodes of the tree keep the old tree. The document gets a copy.
+bool replace_by_copy(Document& document, Reason& reason) {
   std::string text;
   if (!write_to(text, document.tree(), reason)) return false;
   Tree* copy = parse_text(text, reason);
   if (copy == nullptr) return false;
-  document.Hold(copy);
+  document.ReplaceTree(copy);
   return true;
 }
 
@@ -84,20 +84,20 @@ bool write_text(IXMLDOMDocument& document, const Sink& sink, Reason& reason) {
 
 bool write_file(IXMLDOMDocument& document, const Sink& sink, Reason& reason) {
   const Tree& tree = tree_of(document);
-  if (is_empty(tree)) return refuse(reason, kEmpty);
+  if (is_empty(tree)) return refuse(reason, kEmptyDocument);
   const bool has_doctype = tree.doc()->intSubset != nullptr;
   return has_doctype ? write_checked(tree, sink, reason) : write_tree(tree, sink, reason);
 }
 
 bool indent(IXMLDOMDocument& document, Reason& reason) {
   auto& target = static_cast<Document&>(document);
-  if (is_empty(target.tree())) return refuse(reason, kEmpty);
-  if (target.tree().HasHandles() && !leave_handles_behind(target, reason)) return false;
+  if (is_empty(target.tree())) return refuse(reason, kEmptyDocument);
+  if (target.tree().HasHandles() && !replace_by_copy(target, reason)) return false;
   Tree& tree = target.tree();
-  tree.declared = true;
-  tree.laid_out = true;
+  tree.has_declaration = true;
+  tree.is_indented = true;
   xmlFree(const_cast<xmlChar*>(tree.doc()->version));
-  tree.doc()->version = nullptr;  // is written as 1.0
+  tree.doc()->version = nullptr;  // written as 1.0
   return true;
 }
 

@@ -13,26 +13,28 @@
 namespace orx::platform::dom {
 namespace {
 
-// libxml2 makes a state for every thread but its first. Without the memory for it libxml2 prints a message
-// and calls itself without end, so the library makes the state for it, under the key that libxml2 uses.
-constexpr int kUnknown = -1;
-std::atomic<int> state_key = kUnknown;
+// libxml2 makes a state for every thread except its first. When it has no memory for the state, it prints a
+// message and recurses without end. So this file makes the state itself, and stores it under the key of
+// pthread_setspecific that libxml2 uses.
+constexpr int kUnknownKey = -1;
+std::atomic<int> state_key = kUnknownKey;
 
-// Before the key is known, libxml2 is only asked when the memory is there: a block that was just freed is the
-// one that the same thread gets next.
+// Used while the key is unknown. Calls libxml2 only when there is enough memory: the allocator gives a block
+// that was just freed to the next request of that size in the same thread.
 xmlGlobalState* let_libxml2_make_state() {
-  void* volatile block =
-      std::malloc(sizeof(xmlGlobalState));  // volatile, or the compiler would leave out the pair
+  // Without volatile the compiler would remove both malloc and free.
+  void* volatile block = std::malloc(sizeof(xmlGlobalState));
   const bool has_memory = block != nullptr;
   std::free(block);
   return has_memory ? xmlGetGlobalState() : nullptr;
 }
 
-bool make_thread_state() {
+// False when memory runs out.
+bool ensure_thread_state() {
   if (xmlIsMainThread() != 0) return true;
-  const int known = state_key.load(std::memory_order_relaxed);
-  if (known == kUnknown) return let_libxml2_make_state() != nullptr;
-  const auto key = static_cast<pthread_key_t>(known);
+  const int known_key = state_key.load(std::memory_order_relaxed);
+  if (known_key == kUnknownKey) return let_libxml2_make_state() != nullptr;
+  const auto key = static_cast<pthread_key_t>(known_key);
   if (pthread_getspecific(key) != nullptr) return true;
   void* state = std::calloc(1, sizeof(xmlGlobalState));
   if (state == nullptr) return false;
@@ -42,7 +44,7 @@ bool make_thread_state() {
   return false;
 }
 
-// The key is the one that holds the state of this thread.
+// libxml2 does not publish the key. It is the key under which this thread's state is stored.
 void find_state_key() {
   const xmlGlobalState* state = let_libxml2_make_state();
   if (state == nullptr) throw std::bad_alloc();
@@ -57,7 +59,7 @@ void ignore_message(void*, const char*, ...) {}
 
 void prepare_libxml2() {
   static const bool prepared = [] {
-    const HostAside host;
+    const HostSettingsGuard host;
     xmlInitParser();
     host.CheckMemory();
     find_state_key();
@@ -66,26 +68,27 @@ void prepare_libxml2() {
   static_cast<void>(prepared);
 }
 
-CallbackAside::CallbackAside() noexcept
-    : on_free_(make_thread_state() ? &xmlDeregisterNodeDefaultValue : nullptr) {
+FreeCallbackGuard::FreeCallbackGuard() noexcept
+    : on_free_(ensure_thread_state() ? &xmlDeregisterNodeDefaultValue : nullptr) {
   if (on_free_ != nullptr) old_on_free_ = std::exchange(*on_free_, nullptr);
 }
 
-CallbackAside::~CallbackAside() {
+FreeCallbackGuard::~FreeCallbackGuard() {
   if (on_free_ != nullptr) *on_free_ = old_on_free_;
 }
 
-HostAside::HostAside() {
-  if (!callback_.has_thread_state()) throw std::bad_alloc();
+HostSettingsGuard::HostSettingsGuard() {
+  if (!free_callback_.has_thread_state()) throw std::bad_alloc();
   on_new_ = std::exchange(xmlRegisterNodeDefaultValue, nullptr);
-  on_error_ = std::exchange(xmlStructuredError, &HostAside::OnError);
+  on_error_ = std::exchange(xmlStructuredError, &HostSettingsGuard::OnError);
   error_context_ = std::exchange(xmlStructuredErrorContext, this);
   on_message_ = std::exchange(xmlGenericError, ignore_message);
-  keep_blanks_ = std::exchange(xmlKeepBlanksDefaultValue, 1);
-  last_error_ = std::exchange(xmlLastError, xmlError{});
+  keep_blanks_ = std::exchange(xmlKeepBlanksDefaultValue, 1);  // the parse drops white space by its own rule
+  last_error_ =
+      std::exchange(xmlLastError, xmlError{});  // or libxml2 would free the texts of the host's error
 }
 
-HostAside::~HostAside() {
+HostSettingsGuard::~HostSettingsGuard() {
   xmlResetLastError();
   xmlLastError = last_error_;
   xmlKeepBlanksDefaultValue = keep_blanks_;
@@ -95,12 +98,12 @@ HostAside::~HostAside() {
   xmlRegisterNodeDefaultValue = on_new_;
 }
 
-void HostAside::CheckMemory() const {
+void HostSettingsGuard::CheckMemory() const {
   if (ran_out_of_memory_) throw std::bad_alloc();
 }
 
-void HostAside::OnError(void* self, xmlError* error) {
-  if (error->code == XML_ERR_NO_MEMORY) static_cast<HostAside*>(self)->ran_out_of_memory_ = true;
+void HostSettingsGuard::OnError(void* self, xmlError* error) {
+  if (error->code == XML_ERR_NO_MEMORY) static_cast<HostSettingsGuard*>(self)->ran_out_of_memory_ = true;
 }
 
 }  // namespace orx::platform::dom

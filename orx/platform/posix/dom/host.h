@@ -1,8 +1,10 @@
-// libxml2 keeps settings, callbacks and error handlers for each thread, and the host may use libxml2 too.
-// What the host has set is put aside while the library calls libxml2, so that neither disturbs the other.
+// Guards for the state that libxml2 keeps for each thread: settings, callbacks and error handlers.
 //
-// Nothing is kept between two calls: libxml2 frees the state of a thread when the thread ends, and handlers
-// of the host that run after that may still close documents.
+// The host may use libxml2 too. A guard saves the host's state, gives libxml2 the state that this library
+// needs, and restores the host's state at the end of its scope.
+//
+// The guards keep nothing between two calls. libxml2 frees the state of a thread when the thread ends, and
+// destructors of the host that run after that may still close documents.
 #pragma once
 
 #include <libxml/globals.h>
@@ -10,45 +12,45 @@
 
 namespace orx::platform::dom {
 
-// Initializes libxml2 at first use, silently. To be called before anything of libxml2, since its own
-// initialization of some parts is not safe when several threads come first. Raises std::bad_alloc.
+// Initialises libxml2 at the first call, without messages. Call it before any other function of libxml2: some
+// parts that libxml2 initialises itself are not safe when several threads start at once. Raises
+// std::bad_alloc.
 void prepare_libxml2();
 
-// Around whatever frees nodes. A host that is called for each node may take `_private` for its own. Never
-// throws, so that documents can be closed when memory runs out.
-class CallbackAside {
+// Use around code that frees nodes: switches off the host's callback for freed nodes. The callback might take
+// `_private` of our nodes for its own. Never throws, so that documents can be closed when memory runs out.
+class FreeCallbackGuard {
  public:
-  CallbackAside() noexcept;
-  ~CallbackAside();
-  CallbackAside(const CallbackAside&) = delete;
-  CallbackAside& operator=(const CallbackAside&) = delete;
+  FreeCallbackGuard() noexcept;
+  ~FreeCallbackGuard();
+  FreeCallbackGuard(const FreeCallbackGuard&) = delete;
+  FreeCallbackGuard& operator=(const FreeCallbackGuard&) = delete;
 
-  // False when libxml2 has no memory for the state of this thread. It must not be asked for any part of it
-  // then.
+  // False when there is no memory for libxml2's state of this thread. No part of the state may be used then.
   bool has_thread_state() const { return on_free_ != nullptr; }
 
  private:
-  xmlDeregisterNodeFunc* on_free_;  // null without a state
+  xmlDeregisterNodeFunc* on_free_;  // null without a thread state
   xmlDeregisterNodeFunc old_on_free_ = nullptr;
 };
 
-// Around every other call that may allocate or report something. Raises std::bad_alloc.
-class HostAside {
+// Use around every other call that may allocate or report an error. Raises std::bad_alloc.
+class HostSettingsGuard {
  public:
-  HostAside();
-  ~HostAside();
-  HostAside(const HostAside&) = delete;
-  HostAside& operator=(const HostAside&) = delete;
+  HostSettingsGuard();
+  ~HostSettingsGuard();
+  HostSettingsGuard(const HostSettingsGuard&) = delete;
+  HostSettingsGuard& operator=(const HostSettingsGuard&) = delete;
 
-  // libxml2 goes on without a name or text for which it had no memory, and reports it only to the error
-  // handler. Raises std::bad_alloc if that has happened.
+  // Raises std::bad_alloc if libxml2 has run out of memory since the guard was made. libxml2 leaves out a
+  // name or text for which it has no memory, and reports that only to the error handler.
   void CheckMemory() const;
 
-  // For the handlers of a parser or a query: notes a lack of memory. `self` is a HostAside.
+  // An error handler for parsers and queries. Records that memory ran out. `self` is a HostSettingsGuard.
   static void OnError(void* self, xmlError* error);
 
  private:
-  const CallbackAside callback_;
+  const FreeCallbackGuard free_callback_;
   xmlRegisterNodeFunc on_new_;
   xmlStructuredErrorFunc on_error_;
   void* error_context_;

@@ -2,6 +2,7 @@
 
 #include <orx/platform/posix/dom/host.h>
 #include <orx/platform/posix/dom/rules.h>
+#include <orx/platform/posix/dom/tree.h>
 
 #include <libxml/parserInternals.h>
 
@@ -14,14 +15,11 @@ namespace {
 
 constexpr std::string_view kXmlPrefix = "xml:";
 
-// An attribute begins with the same members as every other node.
+// libxml2 passes attributes as nodes. xmlAttr begins with the same members as xmlNode, down to `ns`.
 xmlNode* as_node(xmlAttr* attribute) { return reinterpret_cast<xmlNode*>(attribute); }
 xmlAttr* as_attribute(xmlNode* node) { return reinterpret_cast<xmlAttr*>(node); }
 
-const char* as_text(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
-std::string_view view(const xmlChar* text) { return as_text(text); }
-
-// Zeroed, for libxml2 to free.
+// A zeroed object that libxml2 frees.
 template <class T>
 T* allocate() {
   static_assert(std::is_trivial_v<T>);
@@ -38,8 +36,8 @@ T* allocate_node(xmlElementType type, xmlDoc& doc) {
   return node;
 }
 
-// Where libxml2 keeps the namespace of the prefix "xml"; when it makes that itself it may leave out the
-// prefix.
+// The namespace of the prefix "xml", which libxml2 keeps in `oldNs`. It is made here, since libxml2 leaves
+// out the prefix when memory runs out.
 xmlNs* xml_namespace(xmlDoc& doc) {
   if (doc.oldNs != nullptr) return doc.oldNs;
   XmlText href(duplicate(as_text(XML_XML_NAMESPACE)), xmlFree);
@@ -54,6 +52,7 @@ xmlNs* xml_namespace(xmlDoc& doc) {
 
 bool is_named(const xmlAttr& attribute, std::string_view name) {
   if (attribute.ns == nullptr || attribute.ns->prefix == nullptr) {
+    // Most attributes differ in the first characters, so their length is not determined first.
     const char* own = as_text(attribute.name);
     return std::strncmp(own, name.data(), name.size()) == 0 && own[name.size()] == '\0';
   }
@@ -65,7 +64,7 @@ bool is_named(const xmlAttr& attribute, std::string_view name) {
 }  // namespace
 
 void NodeDeleter::operator()(xmlNode* node) const noexcept {
-  const CallbackAside host;
+  const FreeCallbackGuard host;
   xmlFreeNode(node);
 }
 
@@ -103,7 +102,11 @@ void append_attribute(xmlNode& element, xmlAttr* last, NodePointer attribute) {
   xmlAttr* added = as_attribute(attribute.release());
   added->parent = &element;
   added->prev = last;
-  (last != nullptr ? last->next : element.properties) = added;
+  if (last != nullptr) {
+    last->next = added;
+  } else {
+    element.properties = added;
+  }
 }
 
 std::string qualified_name(const xmlChar* name, const xmlNs* ns) {
@@ -123,7 +126,7 @@ const xmlNs* find_namespace(const xmlNode& element, std::string_view name) {
   const std::size_t colon = name.find(':');
   const std::string_view prefix = colon == std::string_view::npos ? "" : name.substr(colon + 1);
   for (const xmlNs* ns = element.nsDef; ns != nullptr; ns = ns->next) {
-    if (prefix == (ns->prefix != nullptr ? view(ns->prefix) : "")) return ns;
+    if (prefix == view(ns->prefix)) return ns;
   }
   return nullptr;
 }

@@ -1,7 +1,8 @@
 // Makes single nodes, and finds attributes by their qualified names.
 //
-// libxml2's own constructors call the host's callbacks, and go on without a name or text for which they have
-// no memory. These return whole nodes or raise std::bad_alloc. libxml2 frees them like its own.
+// The functions return complete nodes or raise std::bad_alloc, and do not call the host's callbacks.
+// libxml2's own constructors call them, and return a node without its name or text when memory runs out.
+// libxml2 frees these nodes like its own.
 #pragma once
 
 #include <libxml/globals.h>
@@ -18,25 +19,28 @@ struct NodeDeleter {
 };
 using NodePointer = std::unique_ptr<xmlNode, NodeDeleter>;
 
+// A text of libxml2, released with xmlFree.
 using XmlText = std::unique_ptr<xmlChar, decltype(xmlFree)>;
 
-// A copy that is freed with xmlFree.
+// A copy that the caller releases with xmlFree.
 xmlChar* duplicate(std::string_view text);
 
 NodePointer new_element(xmlDoc& doc, const char* name);
 NodePointer new_text(xmlDoc& doc, std::string_view text);
 
-// Makes an attribute without a value, not yet part of the element. A name with the prefix "xml" gets its
-// namespace.
+// An attribute without a value that can be appended to the element. A name with the prefix "xml" gets the
+// namespace of that prefix; any other prefix stays a part of the name.
 NodePointer new_attribute(xmlNode& element, std::string_view name);
-// Appends it. `last` is the element's last attribute, null for none.
+// Appends an attribute. `last` is the last attribute of the element, null when it has no attributes.
 void append_attribute(xmlNode& element, xmlAttr* last, NodePointer attribute);
 
+// "prefix:name", or the name alone without a prefix. `ns` may be null.
 std::string qualified_name(const xmlChar* name, const xmlNs* ns);
 
-// Null when there is none.
+// The attribute with a qualified name. Null when the element does not have it.
 xmlAttr* find_attribute(const xmlNode& element, std::string_view name);
-// A declaration "xmlns" or "xmlns:prefix" of the element, which libxml2 keeps apart from its attributes.
+// The declaration "xmlns" or "xmlns:prefix" of the element, which libxml2 does not keep as an attribute. Null
+// for any other name, and when the element does not declare that prefix.
 const xmlNs* find_namespace(const xmlNode& element, std::string_view name);
 
 }  // namespace orx::platform::dom

@@ -23,16 +23,16 @@ constexpr const char* kBlanks = " \t\r\n";
 Node& handle_of(IXMLDOMNode& node) { return static_cast<Node&>(node); }
 xmlNode& node_of(IXMLDOMNode& node) { return *handle_of(node).node; }
 
+// Whether a child of `parent` stays within the limit of nested elements.
 bool accept_depth(const xmlNode& parent, Reason& reason) {
   int depth = 1;
   for (const xmlNode* node = &parent; node != nullptr && depth <= kMaxDepth; node = node->parent) {
     if (node->type == XML_ELEMENT_NODE) ++depth;
   }
-  if (depth <= kMaxDepth) return true;
-  reason = kTooDeep;
-  return false;
+  return depth <= kMaxDepth || refuse(reason, kTooDeep);
 }
 
+// The value of an attribute or of a namespace declaration. False, with an empty text, when it is missing.
 bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
   const xmlAttr* attribute = find_attribute(element, name);
   if (attribute == nullptr) {
@@ -44,9 +44,9 @@ bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
   if (child == nullptr) {
     text.Empty();
   } else if (child->next == nullptr && child->type == XML_TEXT_NODE) {
-    text = as_text(child->content);
+    text = as_text(child->content);  // almost every attribute, without a copy by libxml2
   } else {
-    const HostAside host;
+    const HostSettingsGuard host;
     const XmlText value(xmlNodeListGetString(element.doc, child, 1), xmlFree);
     host.CheckMemory();
     text = as_text(value.get());
@@ -54,6 +54,7 @@ bool read_attribute(const xmlNode& element, const char* name, CStringA& text) {
   return true;
 }
 
+// Appends an attribute. One pass over the attributes finds the last one and checks the limit.
 bool add_attribute(Tree& tree, xmlNode& element, const char* name, const char* text, Reason& reason) {
   xmlAttr* last = element.properties;
   for (int count = 1; last != nullptr && last->next != nullptr; last = last->next) {
@@ -65,8 +66,10 @@ bool add_attribute(Tree& tree, xmlNode& element, const char* name, const char* t
   return true;
 }
 
-// What its kind of node cannot hold: what would end it, and what a parser would drop or change there.
-bool fits_kind(xmlElementType type, std::string_view text) {
+// Whether a node of this type can be written with the text and read again. The text must not end the node,
+// and a parser must not change it: parsers turn carriage returns into line feeds, and drop white space at the
+// beginning of a processing instruction.
+bool can_hold(xmlElementType type, std::string_view text) {
   const bool has_return = text.find('\r') != text.npos;
   switch (type) {
     case XML_COMMENT_NODE:
@@ -80,12 +83,15 @@ bool fits_kind(xmlElementType type, std::string_view text) {
   }
 }
 
+// The attribute whose value the node is or holds. Null for other nodes.
 const xmlNode* attribute_of(const xmlNode& node) {
   const xmlNode* owner = node.type == XML_TEXT_NODE ? node.parent : &node;
-  return owner != nullptr && owner->type == XML_ATTRIBUTE_NODE ? owner : nullptr;
+  const bool is_attribute = owner != nullptr && owner->type == XML_ATTRIBUTE_NODE;
+  return is_attribute ? owner : nullptr;
 }
 
-// Replaces the content of a node that has no children.
+// Replaces the content of a node that has no children. The copy is made first, so that the old content stays
+// when memory runs out.
 void replace_content(xmlNode& node, const std::string& text) {
   XmlText content(duplicate(text), xmlFree);
   if (node.type == XML_TEXT_NODE && node.parent != nullptr) forget_ids(*node.parent);
@@ -93,12 +99,13 @@ void replace_content(xmlNode& node, const std::string& text) {
   node.content = content.release();
 }
 
-bool put_text(const Node& handle, const std::string& text, Reason& reason) {
+// Replaces the text of a node of any type.
+bool replace_text(const Node& handle, const std::string& text, Reason& reason) {
   xmlNode& node = *handle.node;
   const xmlNode* attribute = attribute_of(node);
   const std::string name = attribute != nullptr ? qualified_name(attribute->name, attribute->ns) : "";
   if (!accept_value(name, text, reason)) return false;
-  if (!fits_kind(node.type, text)) return refuse(reason, "a node of this kind cannot hold this text");
+  if (!can_hold(node.type, text)) return refuse(reason, "a node of this kind cannot hold this text");
   switch (node.type) {
     case XML_ELEMENT_NODE:
     case XML_ATTRIBUTE_NODE:
@@ -123,8 +130,8 @@ bool append_element(IXMLDOMDocument&, IXMLDOMElement& parent, const char* name, 
   const Node& owner = handle_of(parent);
   if (!accept_name(name, reason) || !accept_depth(*owner.node, reason)) return false;
   NodePointer element = new_element(*owner.node->doc, name);
-  *child = owner.tree.HandleOf(
-      element.get());  // first, so that an element without a handle is not in the document
+  // Makes the handle first: when that runs out of memory, the document stays as it was.
+  *child = owner.tree.HandleOf(element.get());
   xmlAddChild(owner.node, element.release());
   return true;
 }
@@ -149,7 +156,7 @@ bool get_name(IXMLDOMNode& node, CStringA& name, Reason&) {
       name = "#document";
       break;
     case XML_ELEMENT_NODE:
-    case XML_ATTRIBUTE_NODE:  // both begin alike, down to the namespace
+    case XML_ATTRIBUTE_NODE:  // the members of both types are the same down to `ns`
       name = qualified_name(target.name, target.ns).c_str();
       break;
     default:  // processing instructions, entity references, the document type
@@ -158,19 +165,22 @@ bool get_name(IXMLDOMNode& node, CStringA& name, Reason&) {
   return true;
 }
 
+// Joins the text below the element, and removes white space at both ends. White space stays in CDATA sections
+// and where xml:space preserves it: nothing from `first_kept` to `last_kept` is removed.
 bool get_text(IXMLDOMElement& element, CStringA& text, Reason&) {
   xmlNode& top = node_of(element);
+  const bool keeps_all = keeps_space(top);
   std::string all;
-  std::size_t first_kept = keeps_space(top) ? 0 : std::string::npos;  // CDATA sections keep their white space
+  std::size_t first_kept = keeps_all ? 0 : std::string::npos;
   std::size_t last_kept = 0;
-  for (xmlNode* node = following(&top, &top); node != nullptr; node = following(node, &top)) {
+  for (xmlNode* node = next_below(&top, &top); node != nullptr; node = next_below(node, &top)) {
     const bool is_cdata = node->type == XML_CDATA_SECTION_NODE;
     if ((!is_cdata && node->type != XML_TEXT_NODE) || node->content == nullptr) continue;
     if (is_cdata) first_kept = std::min(first_kept, all.size());
     all += as_text(node->content);
     if (is_cdata) last_kept = all.size();
   }
-  if (keeps_space(top)) last_kept = all.size();
+  if (keeps_all) last_kept = all.size();
   const std::size_t begin = std::min(all.find_first_not_of(kBlanks), first_kept);
   const std::size_t end = std::max(all.find_last_not_of(kBlanks) + 1, last_kept);
   text = begin < end ? CStringA(all.data() + begin, static_cast<int>(end - begin)) : CStringA();
@@ -180,16 +190,15 @@ bool get_text(IXMLDOMElement& element, CStringA& text, Reason&) {
 bool set_text(IXMLDOMNode& node, const wchar_t* text, Reason& reason) {
   std::string narrow;
   if (text != nullptr && !utf8::from_wide(text, std::wcslen(text), narrow)) {
-    reason = "the text holds what is not a character";
-    return false;
+    return refuse(reason, "the text has a code that is not a character");
   }
-  return put_text(handle_of(node), narrow, reason);
+  return replace_text(handle_of(node), narrow, reason);
 }
 
 bool get_attribute(IXMLDOMElement& element, const char* name, bool& exists, CStringA& text, Reason& reason) {
   CStringA value;
   exists = read_attribute(node_of(element), name, value);
-  if (!exists && !accept_name(name, reason)) return false;  // there is none of a name that is none
+  if (!exists && !accept_name(name, reason)) return false;  // an invalid name is a failure
   text = std::move(value);
   return true;
 }

@@ -21,26 +21,36 @@
 namespace orx::platform::dom {
 namespace {
 
-// A few bytes of attribute defaults in a DOCTYPE can stand for a value in each of millions of elements.
+// The bytes that attribute defaults may take in a whole document. A few bytes of defaults in a DOCTYPE can
+// add a value to each of millions of elements.
 constexpr std::size_t kMaxDefaultedBytes = std::size_t{64} << 20;
 
-// libxml2 walks the list of an element's declared attributes for each of them, and frees the list of an
-// attribute's values recursively, which may happen in a thread with a small stack.
+// Bounds the declarations of a DOCTYPE. For each declared attribute, libxml2 walks the list of the element's
+// declared attributes. It frees the list of an attribute's values recursively, and the thread may have a
+// small stack.
 constexpr std::size_t kMaxDoctypeBytes = std::size_t{16} << 10;
 
-// libxml2 compares the attributes and namespaces of a start tag before it reports them, but asks for more
-// bytes before that. What it has by then shows that there are too many: of an attribute it keeps five
-// pointers, in an array that grows to twice what it needs at a time, of a namespace two.
-constexpr int kAttributePointers = 2 * 5 * (kMaxAttributes + 1);
-constexpr int kNamespacePointers = 2 * kMaxNamespaces;
+// The pointers that libxml2 passes for an attribute and for a namespace declaration.
+constexpr int kPointersPerAttribute = 5;
+constexpr int kPointersPerNamespace = 2;
 
-// libxml2 refuses a tag when that and what it has kept of the tags before take 10 MB, and lets go of those
-// only where its reads happen to end right behind a tag.
-constexpr std::ptrdiff_t kMostKeptBytes = std::ptrdiff_t{32} << 10;
+// Sizes of libxml2's arrays above which a start tag has too many attributes or namespaces. libxml2 compares
+// all attributes of a start tag with one another before it reports the tag, which takes too long for a
+// million attributes. But it reads more bytes before that, and read_more checks the arrays. The array of
+// attributes may have twice the size that is needed, since libxml2 doubles it.
+constexpr int kMaxAttributePointers = 2 * kPointersPerAttribute * (kMaxAttributes + 1);
+constexpr int kMaxNamespacePointers = kPointersPerNamespace * kMaxNamespaces;
+
+// The parsed bytes that may stay in libxml2's buffer. libxml2 refuses a tag when the buffer exceeds 10 MB. It
+// removes parsed bytes only when a read happens to end exactly after a tag, so drop_parsed removes them.
+constexpr std::ptrdiff_t kMaxParsedBytes = std::ptrdiff_t{32} << 10;
+
+// xmlParserCtxt::standalone of a document without an XML declaration.
+constexpr int kNoDeclaration = -1;
 
 constexpr const char* kUnsupportedDefault = "it declares an attribute default that is not supported";
 
-// The document of a context that is freed belongs to nobody.
+// libxml2 does not free the document of a context with the context.
 struct ContextDeleter {
   void operator()(xmlParserCtxt* context) const noexcept {
     const DocPointer doc(context->myDoc);
@@ -49,19 +59,22 @@ struct ContextDeleter {
 };
 using ContextPointer = std::unique_ptr<xmlParserCtxt, ContextDeleter>;
 
-// What the parse of one document knows beside libxml2: what it read, and what it found wrong first. Nothing
-// in here allocates during the parse, since no exception may pass through libxml2.
+// The state of one parse that libxml2 does not keep. Nothing in it allocates during the parse, since no
+// exception may pass through libxml2.
 struct Parse {
   Source source;
   const xmlParserCtxt* context = nullptr;
-  HostAside* host = nullptr;
+  HostSettingsGuard* host = nullptr;
 
-  std::array<bool, kMaxDepth + 1> keeps_space{};  // below the elements that are open, by their number
-  bool has_lines = false;                         // white space that was dropped ended a line
-  const char* refusal = nullptr;
-  std::size_t defaulted_bytes = 0;
-  int text_bytes = 0;  // of the text so far that the parser has come to
-  std::size_t nodes = 0;
+  std::array<bool, kMaxDepth + 1> keeps_space{};  // for each level of open elements; 0 is the document
+  bool has_lines = false;                         // white space with a line feed was dropped
+  std::size_t defaulted_bytes = 0;                // of attribute defaults
+  int text_bytes = 0;                             // of the current text
+  std::size_t nodes = 0;                          // elements and attributes
+
+  const char* refusal = nullptr;  // the limit or rule that stopped the parse
+
+  // The first error of the highest level that libxml2 reported.
   xmlErrorLevel level = XML_ERR_NONE;
   int line = 0;
   int column = 0;
@@ -72,6 +85,7 @@ Parse& parse_of(void* context) {
   return *static_cast<Parse*>(static_cast<xmlParserCtxt*>(context)->_private);
 }
 
+// Stops the parse, with the reason.
 void refuse(void* context, const char* why) {
   parse_of(context).refusal = why;
   xmlStopParser(static_cast<xmlParserCtxt*>(context));
@@ -79,7 +93,7 @@ void refuse(void* context, const char* why) {
 
 void on_error(void* context, xmlError* error) {
   Parse& parse = parse_of(context);
-  HostAside::OnError(parse.host, error);
+  HostSettingsGuard::OnError(parse.host, error);
   if (error->level <= parse.level || error->level < XML_ERR_ERROR) return;
   parse.level = error->level;
   parse.line = error->line;
@@ -96,8 +110,8 @@ void on_unparsed_entity(void* context, const xmlChar*, const xmlChar*, const xml
   refuse(context, "it declares entities");
 }
 
-// Defaults that declare namespaces would do so in each of millions of elements, and some values are not
-// written as they were read.
+// Refuses two kinds of defaults: a namespace declaration, which would be in scope in each of millions of
+// elements, and a value that libxml2 would not write as it was read.
 void on_attribute_declaration(void* context, const xmlChar* element, const xmlChar* name, int type, int kind,
                               const xmlChar* value, xmlEnumeration* values) {
   const bool is_namespace = std::strncmp(as_text(name), "xmlns", 5) == 0;
@@ -106,15 +120,16 @@ void on_attribute_declaration(void* context, const xmlChar* element, const xmlCh
     return refuse(context, kUnsupportedDefault);
   }
   xmlSAX2AttributeDecl(context, element, name, type, kind, value, values);
-  // libxml2 has dropped the default, and would write a declaration without one.
+  // The value is not valid for its type. libxml2 has dropped it, and would write a declaration without it.
   if (static_cast<xmlParserCtxt*>(context)->vctxt.valid == 0) refuse(context, kUnsupportedDefault);
 }
 
+// The number of open elements.
 std::size_t level_of(const void* context) {
   return static_cast<std::size_t>(static_cast<const xmlParserCtxt*>(context)->nodeNr);
 }
 
-// libxml2 would report a text that it finds too long as a lack of memory.
+// libxml2 calls this for each piece of a text. It would report a text that is too long as out of memory.
 void on_text(void* context, const xmlChar* text, int size) {
   int& bytes = parse_of(context).text_bytes;
   if (size > XML_MAX_TEXT_LENGTH - bytes) return refuse(context, "a text is larger than 10 MB");
@@ -122,15 +137,15 @@ void on_text(void* context, const xmlChar* text, int size) {
   xmlSAX2Characters(context, text, size);
 }
 
-// Drops white space that only separates nodes, as soon as the node behind it shows that it is complete: its
-// memory then serves that node, and a second walk of the whole tree is spared.
+// Drops the last node if it is only white space between nodes. Each handler calls this before it adds the
+// next node, which shows that the text is complete. That way the next node reuses the memory, and no second
+// pass over the tree is needed.
 void drop_blank(void* context) {
   parse_of(context).text_bytes = 0;
   xmlNode* parent = static_cast<xmlParserCtxt*>(context)->node;
   xmlNode* node = parent != nullptr ? parent->last : nullptr;
-  if (node == nullptr || node->type != XML_TEXT_NODE || !is_blank(as_text(node->content)) ||
-      parse_of(context).keeps_space[level_of(context)])
-    return;
+  if (node == nullptr || node->type != XML_TEXT_NODE) return;
+  if (!is_blank(as_text(node->content)) || parse_of(context).keeps_space[level_of(context)]) return;
   parse_of(context).has_lines |= std::strchr(as_text(node->content), '\n') != nullptr;
   xmlUnlinkNode(node);
   xmlFreeNode(node);
@@ -138,24 +153,27 @@ void drop_blank(void* context) {
 
 void drop_parsed(void* context) {
   xmlParserInput* input = static_cast<xmlParserCtxt*>(context)->input;
-  if (input->cur - input->base > kMostKeptBytes) xmlParserInputShrink(input);
+  if (input->cur - input->base > kMaxParsedBytes) xmlParserInputShrink(input);
 }
 
-// An attribute as libxml2 hands it on: five pointers, of which the last two enclose the value.
+// An attribute of a start tag. libxml2 passes it as five pointers; the value is between the last two.
 struct Attribute {
+  explicit Attribute(const xmlChar* const* pointers)
+      : name(pointers[0]), prefix(pointers[1]), begin(pointers[3]), end(pointers[4]) {}
+
   const xmlChar* name;
   const xmlChar* prefix;
-  const xmlChar* uri;
   const xmlChar* begin;
   const xmlChar* end;
 
   std::string_view value() const { return {as_text(begin), static_cast<std::size_t>(end - begin)}; }
-  bool says_space(std::string_view what) const {
-    return prefix != nullptr && xmlStrEqual(prefix, as_xml("xml")) && xmlStrEqual(name, as_xml("space")) &&
-           value() == what;
+  bool IsXmlSpace(std::string_view setting) const {
+    if (prefix == nullptr || !xmlStrEqual(prefix, as_xml("xml"))) return false;
+    return xmlStrEqual(name, as_xml("space")) && value() == setting;
   }
 };
 
+// Checks the limits before libxml2 makes the nodes. The last `defaulted` attributes come from the DOCTYPE.
 void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                       int namespaces, const xmlChar** namespace_table, int attributes, int defaulted,
                       const xmlChar** attribute_table) {
@@ -164,19 +182,18 @@ void on_start_element(void* context, const xmlChar* name, const xmlChar* prefix,
   const std::size_t level = level_of(context) + 1;
   if (level > kMaxDepth) return refuse(context, kTooDeep);
   if (attributes > kMaxAttributes) return refuse(context, kTooManyAttributes);
-  if (parse.context->nsNr > kNamespacePointers) return refuse(context, kTooManyNamespaces);
+  if (parse.context->nsNr > kMaxNamespacePointers) return refuse(context, kTooManyNamespaces);
   parse.nodes += 1 + static_cast<std::size_t>(attributes);
   if (parse.nodes > kMaxNodes) return refuse(context, kTooManyNodes);
   parse.keeps_space[level] = parse.keeps_space[level - 1];
-  for (int i = 0; i < namespaces; ++i) {  // a prefix and a name each
-    if (!is_supported_namespace(as_text(namespace_table[2 * i + 1])))
-      return refuse(context, kUnsupportedNamespace);
+  for (int i = 0; i < namespaces; ++i) {
+    const xmlChar* namespace_name = namespace_table[kPointersPerNamespace * i + 1];  // after its prefix
+    if (!is_supported_namespace(as_text(namespace_name))) return refuse(context, kUnsupportedNamespace);
   }
   for (int i = 0; i < attributes; ++i) {
-    const xmlChar** at = attribute_table + 5 * i;
-    const Attribute attribute{at[0], at[1], at[2], at[3], at[4]};
-    if (attribute.says_space("preserve")) parse.keeps_space[level] = true;
-    if (attribute.says_space("default")) parse.keeps_space[level] = false;
+    const Attribute attribute(attribute_table + kPointersPerAttribute * i);
+    if (attribute.IsXmlSpace("preserve")) parse.keeps_space[level] = true;
+    if (attribute.IsXmlSpace("default")) parse.keeps_space[level] = false;
     if (i >= attributes - defaulted) parse.defaulted_bytes += attribute.value().size() + sizeof(xmlAttr);
   }
   if (parse.defaulted_bytes > kMaxDefaultedBytes)
@@ -203,8 +220,8 @@ void on_instruction(void* context, const xmlChar* target, const xmlChar* data) {
   drop_parsed(context);
 }
 
-// Not by libxml2, which would join it to a section right before it: "]]>" is written as the end of one and
-// the beginning of the next.
+// Makes the section itself. libxml2 would join it with a section directly before it. But two sections in a
+// row are how "]]>" is written, and a section that contains "]]>" could not be written again.
 void on_cdata(void* context, const xmlChar* text, int size) {
   drop_blank(context);
   auto* parser = static_cast<xmlParserCtxt*>(context);
@@ -217,11 +234,12 @@ void on_reference(void* context, const xmlChar* name) {
   xmlSAX2Reference(context, name);
 }
 
+// libxml2 calls this when it needs more bytes, also within a start tag or a DOCTYPE.
 int read_more(void* context, char* buffer, int size) {
   Parse& parse = *static_cast<Parse*>(context);
-  if (parse.context->maxatts > kAttributePointers) {
+  if (parse.context->maxatts > kMaxAttributePointers) {
     parse.refusal = kTooManyAttributes;
-  } else if (parse.context->nsNr > kNamespacePointers) {
+  } else if (parse.context->nsNr > kMaxNamespacePointers) {
     parse.refusal = kTooManyNamespaces;
   } else if (parse.context->inSubset != 0 && parse.source.bytes_read() > kMaxDoctypeBytes) {
     parse.refusal = "its DOCTYPE is too large";
@@ -229,9 +247,9 @@ int read_more(void* context, char* buffer, int size) {
   return parse.refusal == nullptr ? parse.source.Read(buffer, size) : -1;
 }
 
-std::string parser_complaint(const Parse& parse) {
+std::string parser_reason(const Parse& parse) {
   std::string message(parse.message.data());
-  while (!utf8::is_valid(message)) message.pop_back();  // it may be cut, or show what is not valid
+  while (!utf8::is_valid(message)) message.pop_back();  // it may be cut, or quote invalid bytes
   message.erase(message.find_last_not_of(" \n") + 1);
   std::replace(message.begin(), message.end(), '\n', ' ');
   return "not well-formed at line " + std::to_string(parse.line) + ", column " +
@@ -244,7 +262,7 @@ bool is_accepted(const xmlParserCtxt& context, const Parse& parse, std::string& 
   } else if (parse.source.problem() != nullptr) {
     reason = parse.source.problem();
   } else if (!context.wellFormed || context.disableSAX != 0 || context.myDoc == nullptr) {
-    reason = parser_complaint(parse);
+    reason = parser_reason(parse);
   } else if (!parse.source.is_valid()) {
     reason = "not valid UTF-8";
   } else {
@@ -253,13 +271,13 @@ bool is_accepted(const xmlParserCtxt& context, const Parse& parse, std::string& 
   return false;
 }
 
-// What the source hands on is UTF-8, whatever the declaration says.
+// Connects the source with the parser. The bytes are always UTF-8, whatever the declaration says.
 void attach_source(xmlParserCtxt& context, Parse& parse) {
   xmlParserInputBuffer* buffer =
-      allocated(xmlParserInputBufferCreateIO(read_more, nullptr, &parse, XML_CHAR_ENCODING_NONE));
+      throw_if_null(xmlParserInputBufferCreateIO(read_more, nullptr, &parse, XML_CHAR_ENCODING_NONE));
   xmlParserInput* input = xmlNewIOInputStream(&context, buffer, XML_CHAR_ENCODING_NONE);
   if (input == nullptr) xmlFreeParserInputBuffer(buffer);
-  if (inputPush(&context, allocated(input)) >= 0) return;
+  if (inputPush(&context, throw_if_null(input)) >= 0) return;
   xmlFreeInputStream(input);
   throw std::bad_alloc();
 }
@@ -271,18 +289,19 @@ void set_handlers(xmlSAXHandler& handler) {
   handler.attributeDecl = on_attribute_declaration;
   handler.startElementNs = on_start_element;
   handler.endElementNs = on_end_element;
-  handler.characters = handler.ignorableWhitespace = on_text;
+  handler.characters = on_text;
+  handler.ignorableWhitespace = on_text;
   handler.comment = on_comment;
   handler.processingInstruction = on_instruction;
   handler.cdataBlock = on_cdata;
   handler.reference = on_reference;
 }
 
-Tree* run(Parse& parse, std::string& reason) {
-  HostAside host;
-  const ContextPointer context(allocated(xmlNewParserCtxt()));
+Tree* parse_source(Parse& parse, std::string& reason) {
+  HostSettingsGuard host;
+  const ContextPointer context(throw_if_null(xmlNewParserCtxt()));
   xmlCtxtUseOptions(context.get(), XML_PARSE_NONET | XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC);
-  xmlDictSetLimit(context->dict, 0);  // the limit of the document bounds its names
+  xmlDictSetLimit(context->dict, 0);  // no limit: the size of the document bounds its names
   context->_private = &parse;
   parse.context = context.get();
   parse.host = &host;
@@ -293,8 +312,8 @@ Tree* run(Parse& parse, std::string& reason) {
   host.CheckMemory();
   if (!is_accepted(*context, parse, reason)) return nullptr;
   Tree* tree = new Tree(DocPointer(std::exchange(context->myDoc, nullptr)));
-  tree->declared = context->standalone != -1;
-  tree->laid_out = parse.has_lines;
+  tree->has_declaration = context->standalone != kNoDeclaration;
+  tree->is_indented = parse.has_lines;
   return tree;
 }
 
@@ -302,12 +321,12 @@ Tree* run(Parse& parse, std::string& reason) {
 
 Tree* parse_file(const char* path, std::string& reason) {
   Parse parse;
-  return parse.source.OpenFile(path, reason) ? run(parse, reason) : nullptr;
+  return parse.source.OpenFile(path, reason) ? parse_source(parse, reason) : nullptr;
 }
 
 Tree* parse_text(std::string_view text, std::string& reason) {
   Parse parse;
-  return parse.source.OpenText(text, reason) ? run(parse, reason) : nullptr;
+  return parse.source.OpenText(text, reason) ? parse_source(parse, reason) : nullptr;
 }
 
 }  // namespace orx::platform::dom

@@ -1,4 +1,4 @@
-// From bytes to a tree.
+// Parses documents.
 #pragma once
 
 #include <orx/platform/posix/dom/tree.h>
@@ -8,8 +8,9 @@
 
 namespace orx::platform::dom {
 
-// The tree of a file of the system, or of a text of the process's encoding, whatever encoding its declaration
-// says; with a reference of the caller, or null with the reason.
+// The tree of a file or of a text, with a reference for the caller. Null with the reason after a failure. The
+// encoding of a file is that of its byte order mark or declaration. A text is in the encoding of the process,
+// whatever its declaration says.
 Tree* parse_file(const char* path, std::string& reason);
 Tree* parse_text(std::string_view text, std::string& reason);
 

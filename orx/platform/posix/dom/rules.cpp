@@ -10,13 +10,17 @@ namespace {
 
 constexpr std::string_view kXmlns = "xmlns";
 
+// The two characters of the basic plane, besides controls and surrogates, that XML does not allow.
+constexpr std::string_view kUtf8FFFE = "\xEF\xBF\xBE";
+constexpr std::string_view kUtf8FFFF = "\xEF\xBF\xBF";
+
 struct CharacterRange {
   char32_t first;
   char32_t last;
 };
 
-// The characters of names in XML 1.0, without the colon that separates a prefix: those that a name may begin
-// with, and those that it may not.
+// The characters of names in XML 1.0, except the colon, which separates a prefix. A name begins with a
+// character of the first table. The rest may be of both tables.
 constexpr CharacterRange kNameStart[] = {
     {'A', 'Z'},       {'_', '_'},       {'a', 'z'},       {0xC0, 0xD6},     {0xD8, 0xF6},
     {0xF8, 0x2FF},    {0x370, 0x37D},   {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F},
@@ -26,34 +30,35 @@ constexpr CharacterRange kNameRest[] = {
     {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
 };
 
-enum class NamePlace : unsigned char { kNone, kRest, kStart };
+enum class NameRole : unsigned char { kNone, kRest, kStart };
 
-constexpr NamePlace place_of(char32_t c) {
+constexpr NameRole role_of(char32_t c) {
   const auto holds = [c](const CharacterRange& range) { return range.first <= c && c <= range.last; };
-  if (std::ranges::any_of(kNameStart, holds)) return NamePlace::kStart;
-  return std::ranges::any_of(kNameRest, holds) ? NamePlace::kRest : NamePlace::kNone;
+  if (std::ranges::any_of(kNameStart, holds)) return NameRole::kStart;
+  return std::ranges::any_of(kNameRest, holds) ? NameRole::kRest : NameRole::kNone;
 }
 
-// Most names are ASCII.
-constexpr auto kAsciiPlaces = [] {
-  std::array<NamePlace, 128> places{};
-  for (char32_t c = 0; c < places.size(); ++c) places[c] = place_of(c);
+// The roles of ASCII characters as a table, since most names are ASCII.
+constexpr auto kAsciiRoles = [] {
+  std::array<NameRole, 128> places{};
+  for (char32_t c = 0; c < places.size(); ++c) places[c] = role_of(c);
   return places;
 }();
 
-NamePlace take_place(std::string_view& text) {
+// Removes the first character of a valid text that is not empty, and returns its role.
+NameRole take_role(std::string_view& text) {
   const auto byte = static_cast<unsigned char>(text.front());
-  if (byte >= kAsciiPlaces.size()) return place_of(utf8::take_first(text));
+  if (byte >= kAsciiRoles.size()) return role_of(utf8::take_first(text));
   text.remove_prefix(1);
-  return kAsciiPlaces[byte];
+  return kAsciiRoles[byte];
 }
 
 bool is_forbidden(char c) {
   return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
 }
 
-// Whether a document that holds the text can be read again. The first loop has no early end, so that the
-// compiler takes many characters at a time; most texts need no other.
+// Whether XML allows all characters of the text, so that it can be read again. The first loop has no branch:
+// the compiler turns it into vector instructions. Most texts need no other check.
 bool is_text(std::string_view text) {
   bool has_low = false;
   bool has_high = false;
@@ -62,11 +67,15 @@ bool is_text(std::string_view text) {
     has_high |= static_cast<unsigned char>(c) >= 0x80;
   }
   if (has_low && std::ranges::any_of(text, is_forbidden)) return false;
-  return !has_high || (utf8::is_valid(text) && text.find("\xEF\xBF\xBE") == text.npos &&
-                       text.find("\xEF\xBF\xBF") == text.npos);
+  if (!has_high) return true;
+  const bool has_noncharacter = text.find(kUtf8FFFE) != text.npos || text.find(kUtf8FFFF) != text.npos;
+  return utf8::is_valid(text) && !has_noncharacter;
 }
 
-std::size_t written_size(std::string_view text) {
+// The size of the text when it is written, for a comparison with kMaxTextBytes. Each character that may be
+// escaped counts as the longest escape. A text that cannot exceed the limit is not searched, and gives its
+// own size.
+std::size_t size_when_written(std::string_view text) {
   constexpr std::size_t kLongestEscape = 6;
   if (text.size() <= kMaxTextBytes / kLongestEscape) return text.size();
   const auto escaped = std::ranges::count_if(
@@ -87,9 +96,9 @@ bool refuse(std::string& reason, const char* why) {
 
 bool is_plain_name(std::string_view text) {
   if (text.empty() || !utf8::is_valid(text)) return false;
-  if (take_place(text) != NamePlace::kStart) return false;
+  if (take_role(text) != NameRole::kStart) return false;
   while (!text.empty()) {
-    if (take_place(text) == NamePlace::kNone) return false;
+    if (take_role(text) == NameRole::kNone) return false;
   }
   return true;
 }
@@ -98,15 +107,15 @@ bool accept_name(std::string_view name, std::string& reason) {
   if (name.size() > kMaxNameBytes) return refuse(reason, "the name is too long");
   const std::size_t colon = name.find(':');
   const bool has_prefix = colon != std::string_view::npos;
-  if (is_plain_name(name.substr(0, colon)) && (!has_prefix || is_plain_name(name.substr(colon + 1))))
-    return true;
-  if (!is_text(name)) return refuse(reason, "the name is not a name of XML");
-  reason = "\"" + std::string(name) + "\" is not a name of XML";
+  const std::string_view prefix = name.substr(0, colon);  // the whole name when there is no colon
+  if (is_plain_name(prefix) && (!has_prefix || is_plain_name(name.substr(colon + 1)))) return true;
+  if (!is_text(name)) return refuse(reason, "the name is not a valid XML name");
+  reason = "\"" + std::string(name) + "\" is not a valid XML name";
   return false;
 }
 
 bool accept_text(std::string_view text, std::string& reason) {
-  if (written_size(text) > kMaxTextBytes)
+  if (size_when_written(text) > kMaxTextBytes)
     return refuse(reason, "the text is larger than 9.9 MB when it is written");
   if (is_text(text)) return true;
   return refuse(reason, "the text holds characters that XML does not allow, or is not valid UTF-8");
@@ -123,8 +132,9 @@ bool accept_value(std::string_view attribute, std::string_view value, std::strin
   if (!declares_namespace(attribute)) return true;
   const bool has_prefix = attribute != kXmlns;
   const std::string_view prefix = has_prefix ? attribute.substr(kXmlns.size() + 1) : "";
-  const bool is_own = prefix == "xml" || prefix == kXmlns || is_reserved_namespace(value);
-  if (is_own || (has_prefix && value.empty()))
+  const bool is_reserved = prefix == "xml" || prefix == kXmlns || is_reserved_namespace(value);
+  const bool undeclares_prefix = has_prefix && value.empty();
+  if (is_reserved || undeclares_prefix)
     return refuse(reason, "XML does not allow this declaration of a namespace");
   return is_supported_namespace(value) || refuse(reason, kUnsupportedNamespace);
 }

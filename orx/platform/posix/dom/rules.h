@@ -1,7 +1,7 @@
-// What a document may hold. The loads and the operations that build or write a document keep to the same
-// limits and names, so that a document that was saved can be loaded.
+// The limits and rules for the content of a document. Loads, changes and saves use the same rules, so that a
+// document that was saved can be loaded.
 //
-// The limits of a parse bound the time and memory that an untrusted file can cost.
+// The limits bound the time and memory that an untrusted file can cost.
 #pragma once
 
 #include <cstddef>
@@ -10,30 +10,30 @@
 
 namespace orx::platform::dom {
 
-// A list of 200,000 projects with the longest paths has 80 MB; a larger document does not come from the
-// suite.
+// The size of a document. A list of 200,000 projects with the longest paths has 80 MB; the suite does not
+// write larger documents.
 inline constexpr std::size_t kMaxDocumentBytes = std::size_t{128} << 20;
 
-// One value, text or start tag, as it is written. libxml2 reads none of 10,000,000 bytes.
+// The size of one value, text or start tag when it is written. libxml2 refuses 10,000,000 bytes.
 inline constexpr std::size_t kMaxTextBytes = 9'900'000;
 
-// libxml2 reads no longer name.
+// The size of a name. libxml2 refuses longer names.
 inline constexpr std::size_t kMaxNameBytes = 50'000;
 
-// Elements within one another. libxml2 reads no deeper document.
+// The number of nested elements. libxml2 refuses deeper documents.
 inline constexpr int kMaxDepth = 256;
 
-// Of one element. libxml2 compares each with all the others.
+// The number of attributes of one element. libxml2 compares all of them with one another.
 inline constexpr int kMaxAttributes = 1000;
 
-// Declarations in scope at one element. libxml2 searches them for each declaration and each name with a
-// prefix.
+// The number of namespace declarations in scope at one element. libxml2 searches them for each declaration
+// and for each name with a prefix.
 inline constexpr int kMaxNamespaces = 250;
 
-// Elements and attributes. Ten million take more than a gigabyte.
+// The number of elements and attributes of a document. Ten million take more than a gigabyte.
 inline constexpr std::size_t kMaxNodes = 10'000'000;
 
-// Long enough for every name.
+// The size of a query. Every name fits.
 inline constexpr std::size_t kMaxQueryBytes = std::size_t{64} << 10;
 
 inline constexpr const char* kTooLarge = "it is larger than 128 MiB";
@@ -43,18 +43,18 @@ inline constexpr const char* kTooManyNamespaces = "it declares too many namespac
 inline constexpr const char* kUnsupportedNamespace = "the name of a namespace holds an ampersand";
 inline constexpr const char* kTooManyNodes = "it has too many elements";
 
-// Sets the reason of a failure, and returns false.
+// Sets the reason of a failure. Always false.
 bool refuse(std::string& reason, const char* why);
 
-// Each is false with the reason when the argument is refused.
+// These return false with the reason when the argument is refused.
 bool accept_name(std::string_view name, std::string& reason);
 bool accept_text(std::string_view text, std::string& reason);
 bool accept_query(std::string_view query, std::string& reason);
-// The value of an attribute that may be the declaration of a namespace. A load drops some declarations of the
-// namespaces of XML itself.
+// Checks the value of an attribute, which may declare a namespace. Declarations that XML reserves for itself
+// are refused, because a load drops some of them.
 bool accept_value(std::string_view attribute, std::string_view value, std::string& reason);
 
-// False for a name with an ampersand, which libxml2 leaves escaped when it reads a namespace.
+// False for a namespace name with an ampersand. libxml2 does not resolve the escape when it reads one.
 bool is_supported_namespace(std::string_view uri);
 
 // A valid name without a colon.

@@ -1,8 +1,8 @@
-// The bytes of a document, as UTF-8 whatever the document is encoded in.
+// Reads the bytes of a document and converts them to UTF-8.
 //
-// The encoding is that of a byte order mark, else that of the declaration, else UTF-8. UTF-8, UTF-16,
-// ISO-8859-1 and windows-1252 need nothing of the system; other encodings are read where it has a conversion
-// for them.
+// The encoding of a file is that of its byte order mark, otherwise that of its declaration, otherwise UTF-8.
+// UTF-8, UTF-16, ISO-8859-1 and windows-1252 are decoded here. Other encodings are read if the system has a
+// converter for them.
 #pragma once
 
 #include <orx/platform/posix/dom/rules.h>
@@ -18,7 +18,8 @@
 
 namespace orx::platform::dom {
 
-// While it lives, a cancellation of the thread waits: it could not unwind through the parser that reads.
+// While a source lives, a cancellation of the thread is delayed: it could not unwind through the parser that
+// calls Read.
 class Source {
  public:
   Source() = default;
@@ -26,31 +27,38 @@ class Source {
   Source(const Source&) = delete;
   Source& operator=(const Source&) = delete;
 
-  // False with the reason. The text outlives the source.
+  // Call one of these first. False with the reason when the source cannot be read. The text must outlive the
+  // source; it is UTF-8, but a declaration with an unknown encoding is refused.
   bool OpenFile(const char* path, std::string& reason);
   bool OpenText(std::string_view text, std::string& reason);
 
-  // The next bytes, at most `size` (at least 4); 0 at the end, -1 after a problem. Never throws.
+  // Stores the next bytes, at most `size`, which is at least 4. Returns their number, 0 at the end, or -1
+  // after a failure. Never throws.
   int Read(char* out, int size) noexcept;
 
   std::size_t bytes_read() const { return bytes_read_; }
-  // What Read ran into, or null.
+
+  // The reason why Read failed, or null.
   const char* problem() const { return problem_; }
-  // Whether all was valid UTF-8; Read hands on what is not, since the parser can tell where it stands.
+
+  // Whether all bytes so far were valid UTF-8. Read also returns invalid bytes, because the parser reports
+  // the line in which they are.
   bool is_valid() const { return is_valid_ && validator_.IsComplete(); }
 
  private:
   enum class Form { kUtf8, kUtf16LE, kUtf16BE, kLatin1, kWindows1252, kConverted };
 
-  bool ChooseBySight(std::string_view head, std::string& reason);
-  bool Choose(const std::string& encoding, std::string& reason);
+  bool DetectEncoding(std::string_view head, std::string& reason);
+  bool SetEncoding(const std::string& encoding, std::string& reason);
   int ReadRaw(char* out, std::size_t size) noexcept;
   int Decode(char* out, std::size_t size) noexcept;
+  bool FillRaw() noexcept;
+  std::size_t DecodeRaw(char* out, std::size_t size) noexcept;
   std::size_t DecodeBytes(char* out, std::size_t size) noexcept;
   std::size_t DecodeUtf16(char* out, std::size_t size) noexcept;
   unsigned UnitAt(std::size_t position) const noexcept;
   std::size_t Convert(char* out, std::size_t size) noexcept;
-  int Stop(const char* problem) noexcept;
+  int Fail(const char* problem) noexcept;  // always -1
 
   static iconv_t no_converter() { return reinterpret_cast<iconv_t>(-1); }
 
@@ -64,7 +72,7 @@ class Source {
 
   Form form_ = Form::kUtf8;
   iconv_t converter_ = no_converter();
-  std::array<char, 8192> raw_;  // read, and from raw_begin_ to raw_end_ not decoded yet
+  std::array<char, 8192> raw_;  // from raw_begin_ to raw_end_: read, but not decoded yet
   std::size_t raw_begin_ = 0;
   std::size_t raw_end_ = 0;
   bool at_end_ = false;

@@ -11,16 +11,16 @@
 namespace orx::platform::dom {
 namespace {
 
-// Whether a host can still see the node or one below it. An element that declares namespaces counts as well:
-// nodes that were cut out of it before may be of those namespaces. Only a parse makes such elements, so few
-// are kept.
-bool is_needed(xmlNode& top) {
-  for (xmlNode* node = &top; node != nullptr; node = following(node, &top)) {
+// Whether a removed subtree must be kept: a host holds a handle of a node in it, or an element in it declares
+// a namespace. A node that was removed from that element earlier may still use the namespace. Only a parse
+// makes elements with declarations, so few are kept for that reason.
+bool is_in_use(xmlNode& top) {
+  for (xmlNode* node = &top; node != nullptr; node = next_below(node, &top)) {
     if (node->_private != nullptr) return true;
     if (node->type != XML_ELEMENT_NODE) continue;
     if (node->nsDef != nullptr) return true;
     for (xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next) {
-      if (is_needed(*reinterpret_cast<xmlNode*>(attribute))) return true;
+      if (is_in_use(*reinterpret_cast<xmlNode*>(attribute))) return true;
     }
   }
   return false;
@@ -29,12 +29,12 @@ bool is_needed(xmlNode& top) {
 }  // namespace
 
 void DocDeleter::operator()(xmlDoc* doc) const noexcept {
-  const CallbackAside host;
+  const FreeCallbackGuard host;
   xmlFreeDoc(doc);
 }
 
 Tree::~Tree() {
-  const CallbackAside host;
+  const FreeCallbackGuard host;
   for (xmlNode* node : removed_) xmlFreeNode(node);
 }
 
@@ -52,42 +52,45 @@ Node* Tree::HandleOf(xmlNode* node) {
 void Tree::SetText(xmlNode& parent, std::string_view text) {
   NodePointer added = text.empty() ? nullptr : new_text(*parent.doc, text);
   if (first_child(parent) != nullptr) RemoveChildren(parent);
-  if (added != nullptr) xmlAddChild(&parent, added.release());
+  if (added != nullptr) xmlAddChild(&parent, added.release());  // allocates nothing without other children
 }
 
 void Tree::RemoveChildren(xmlNode& parent) {
   if (removed_.size() >= sweep_at_) Sweep();
   std::size_t children = 0;
   for (const xmlNode* child = first_child(parent); child != nullptr; child = child->next) ++children;
+  // Reserves the space first, so that nothing throws once children are removed. Doubles the capacity, because
+  // reserve alone would grow it by a few nodes at each call.
   if (children > removed_.capacity() - removed_.size())
     removed_.reserve(std::max(2 * removed_.size(), removed_.size() + children));
   forget_ids(parent);
-  const CallbackAside host;  // from here on nothing throws
+  const FreeCallbackGuard host;
   while (xmlNode* child = first_child(parent)) {
-    const bool seen = lists_ > 0 || is_needed(*child);
-    if (seen) removed_.push_back(child);
+    const bool keep = lists_ > 0 || is_in_use(*child);  // a list may refer to any node
+    if (keep) removed_.push_back(child);
     xmlUnlinkNode(child);
-    if (!seen) xmlFreeNode(child);
+    if (!keep) xmlFreeNode(child);
   }
 }
 
-// Runs when the number of removed nodes has doubled, so that it costs next to nothing a node.
+// Frees the removed nodes that nothing needs any more. Runs each time the number of removed nodes has
+// doubled, so that the cost per node is constant.
 void Tree::Sweep() {
   if (lists_ == 0) {
-    const CallbackAside host;
+    const FreeCallbackGuard host;
     std::erase_if(removed_, [](xmlNode* node) {
-      if (is_needed(*node)) return false;
+      if (is_in_use(*node)) return false;
       xmlFreeNode(node);
       return true;
     });
   }
-  sweep_at_ = std::max<std::size_t>(16, 2 * removed_.size());
+  sweep_at_ = std::max(kFirstSweep, 2 * removed_.size());
 }
 
 unsigned long Node::Release() noexcept {
   const unsigned long left = --references_;
   if (left == 0) {
-    Tree& owner = tree;
+    Tree& owner = tree;  // outlives this handle
     node->_private = nullptr;
     delete this;
     owner.Release();
@@ -111,7 +114,7 @@ Node* List::Next() {
     if (position_ < nodes_.size()) next = nodes_[position_];
   } else if (last_ == nullptr) {
     next = first_child(*parent_);
-  } else if (last_->parent == parent_) {  // it may have been removed since
+  } else if (last_->parent == parent_) {  // the list ends when its last child has been removed
     next = last_->next;
   }
   if (next == nullptr) return nullptr;
@@ -129,17 +132,17 @@ unsigned long Document::Release() noexcept {
 
 Document::Document() {
   prepare_libxml2();
-  const HostAside host;
-  DocPointer doc(allocated(xmlNewDoc(as_xml("1.0"))));
+  const HostSettingsGuard host;
+  DocPointer doc(throw_if_null(xmlNewDoc(as_xml("1.0"))));
   host.CheckMemory();
   tree_ = new Tree(std::move(doc));
 }
 
-void Document::Hold(Tree* tree) noexcept { std::exchange(tree_, tree)->Release(); }
+void Document::ReplaceTree(Tree* tree) noexcept { std::exchange(tree_, tree)->Release(); }
 
 void forget_ids(xmlNode& top) {
   if (top.doc->ids == nullptr) return;
-  const HostAside host;
+  const HostSettingsGuard host;
   const auto forget = [&host](xmlAttr* attribute) {
     if (attribute->atype != XML_ATTRIBUTE_ID) return;
     xmlRemoveID(attribute->doc, attribute);
@@ -147,7 +150,7 @@ void forget_ids(xmlNode& top) {
     attribute->atype = {};
   };
   if (top.type == XML_ATTRIBUTE_NODE) forget(reinterpret_cast<xmlAttr*>(&top));
-  for (xmlNode* node = &top; node != nullptr; node = following(node, &top)) {
+  for (xmlNode* node = &top; node != nullptr; node = next_below(node, &top)) {
     if (node->type != XML_ELEMENT_NODE) continue;
     for (xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next)
       forget(attribute);
@@ -165,7 +168,7 @@ xmlNode* first_child(const xmlNode& node) {
   }
 }
 
-xmlNode* following(xmlNode* node, const xmlNode* top) {
+xmlNode* next_below(xmlNode* node, const xmlNode* top) {
   if (xmlNode* child = first_child(*node)) return child;
   while (node != top) {
     if (node->next != nullptr) return node->next;
@@ -176,8 +179,9 @@ xmlNode* following(xmlNode* node, const xmlNode* top) {
 
 bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
-std::optional<bool> says_to_keep_space(const xmlNode& element) {
-  // Only a document that uses the prefix "xml" has its namespace declared; the others need no search.
+std::optional<bool> own_space_setting(const xmlNode& element) {
+  // libxml2 makes the namespace of the prefix "xml" when a document first uses it. Without it there is no
+  // xml:space, and the search is not needed.
   if (element.doc->oldNs == nullptr) return {};
   const xmlAttr* space = find_attribute(element, "xml:space");
   const xmlNode* text = space != nullptr ? space->children : nullptr;
@@ -189,7 +193,7 @@ std::optional<bool> says_to_keep_space(const xmlNode& element) {
 
 bool keeps_space(const xmlNode& node) {
   for (const xmlNode* at = &node; at != nullptr && at->type == XML_ELEMENT_NODE; at = at->parent) {
-    if (const std::optional<bool> keeps = says_to_keep_space(*at)) return *keeps;
+    if (const std::optional<bool> keeps = own_space_setting(*at)) return *keeps;
   }
   return false;
 }

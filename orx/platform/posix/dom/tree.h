@@ -1,11 +1,14 @@
-// Trees of libxml2 nodes, and the counted handles through which hosts hold their nodes.
+// Trees of libxml2 nodes, and the counted handles through which hosts hold nodes.
 //
-// A node has at most one Node handle at a time; the node's `_private` points to it. A Tree lives as long as a
-// document, a node handle or a list refers to it. Nodes that are cut out while somebody could still see them
-// are set aside in the tree and freed when nobody can, so that a handle never dangles and a document that is
-// edited for days does not grow.
+// Invariants:
+// - A node has at most one Node handle at a time. The node's `_private` points to it.
+// - A Tree lives as long as a document, a Node or a List refers to it. So a handle never dangles, even after
+//   the document is closed.
+// - A node that is removed while a host could still reach it is kept in the tree's list of removed nodes
+// until
+//   no handle or list needs it. So a document that is edited for days does not grow.
 //
-// Out of memory raises std::bad_alloc, and leaves everything as it was.
+// Out of memory raises std::bad_alloc and leaves everything as it was.
 #pragma once
 
 #include <orx/compat/dom.h>
@@ -22,14 +25,18 @@
 
 namespace orx::platform::dom {
 
+// The result of a function of libxml2, which is null when memory runs out.
 template <class T>
-T* allocated(T* pointer) {
+T* throw_if_null(T* pointer) {
   if (pointer == nullptr) throw std::bad_alloc();
   return pointer;
 }
 
 inline const xmlChar* as_xml(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
 inline const char* as_text(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
+inline std::string_view view(const xmlChar* text) {
+  return text != nullptr ? as_text(text) : std::string_view();
+}
 
 struct DocDeleter {
   void operator()(xmlDoc* doc) const noexcept;
@@ -38,6 +45,7 @@ using DocPointer = std::unique_ptr<xmlDoc, DocDeleter>;
 
 class Node;
 
+// A libxml2 document with its references, its lists and its removed nodes.
 class Tree {
  public:
   explicit Tree(DocPointer doc) : doc_(std::move(doc)) {}
@@ -47,30 +55,42 @@ class Tree {
   xmlDoc* doc() const { return doc_.get(); }
   void AddRef() { ++references_; }
   void Release();
-  bool HasHandles() const { return references_ > 1; }  // asked by the document, which is one
 
-  void AddList() { ++lists_, AddRef(); }
-  void ReleaseList() { --lists_, Release(); }
+  // Whether a node or list refers to the tree. Only for the document that holds the tree, which is one
+  // reference itself.
+  bool HasHandles() const { return references_ > 1; }
 
-  // The handle of a node, with a reference of the caller.
+  // A list is a reference too. Lists are also counted, because they refer to nodes that have no handle.
+  void AddList() {
+    ++lists_;
+    AddRef();
+  }
+  void ReleaseList() {
+    --lists_;
+    Release();
+  }
+
+  // The handle of a node, with a reference for the caller. Makes the handle if the node has none.
   Node* HandleOf(xmlNode* node);
 
-  // Replaces all children of an element or attribute by one text; the empty text leaves none.
+  // Replaces all children of an element or attribute by one text node. The empty text leaves no children.
   void SetText(xmlNode& parent, std::string_view text);
 
-  bool declared = false;  // begins with an XML declaration
-  bool laid_out = false;  // is written one element a line
+  bool has_declaration = false;  // written with an XML declaration
+  bool is_indented = false;      // written with one element per line
 
  private:
+  static constexpr std::size_t kFirstSweep = 16;
+
   ~Tree();
   void RemoveChildren(xmlNode& parent);
   void Sweep();
 
   const DocPointer doc_;
   std::size_t references_ = 1;
-  std::size_t lists_ = 0;  // a list refers to nodes that have no handle
-  std::vector<xmlNode*> removed_;
-  std::size_t sweep_at_ = 16;
+  std::size_t lists_ = 0;
+  std::vector<xmlNode*> removed_;       // no longer in the document, freed with the tree or by a sweep
+  std::size_t sweep_at_ = kFirstSweep;  // the number of removed nodes at which the next sweep runs
 };
 
 struct TreeReleaser {
@@ -78,6 +98,7 @@ struct TreeReleaser {
 };
 using TreePointer = std::unique_ptr<Tree, TreeReleaser>;
 
+// The handle of one node of any type. Elements are told apart by the type of the libxml2 node.
 class Node final : public IXMLDOMElement {
  public:
   Node(Tree& owner, xmlNode* target) : tree(owner), node(target) {
@@ -97,7 +118,8 @@ class Node final : public IXMLDOMElement {
   unsigned long references_ = 1;
 };
 
-// Either the nodes that were found once, or the children of a node as they come and go.
+// A list of nodes: either the result of a query, which is fixed, or the children of a node, which follow the
+// changes of the tree.
 class List final : public IXMLDOMNodeList {
  public:
   List(Tree& tree, std::vector<xmlNode*> nodes) : tree_(tree), nodes_(std::move(nodes)) { tree_.AddList(); }
@@ -106,17 +128,17 @@ class List final : public IXMLDOMNodeList {
   unsigned long AddRef() noexcept override { return ++references_; }
   unsigned long Release() noexcept override;
 
-  // With a reference of the caller; null at the end.
+  // The next node, with a reference for the caller. Null at the end.
   Node* Next();
 
  private:
   ~List() = default;
 
   Tree& tree_;
-  std::vector<xmlNode*> nodes_;
-  std::size_t position_ = 0;
-  xmlNode* parent_ = nullptr;
-  xmlNode* last_ = nullptr;
+  std::vector<xmlNode*> nodes_;  // of a query
+  std::size_t position_ = 0;     // in nodes_
+  xmlNode* parent_ = nullptr;    // of the children; null in the result of a query
+  xmlNode* last_ = nullptr;      // the child that Next returned last
   unsigned long references_ = 1;
 };
 
@@ -128,7 +150,9 @@ class Document final : public IXMLDOMDocument {
   unsigned long Release() noexcept override;
 
   Tree& tree() const { return *tree_; }
-  void Hold(Tree* tree) noexcept;  // takes the caller's reference over
+
+  // Replaces the content. Takes over the caller's reference to `tree`.
+  void ReplaceTree(Tree* tree) noexcept;
 
  private:
   ~Document() { tree_->Release(); }
@@ -137,23 +161,26 @@ class Document final : public IXMLDOMDocument {
   unsigned long references_ = 1;
 };
 
-// The children of an element, attribute or document; nothing else has children that a host may see.
+// The first child of an element, attribute or document. Null for every other node: the children that libxml2
+// gives those are not part of the document for a host.
 xmlNode* first_child(const xmlNode& node);
 
-// Removes the attributes at and below the node from the IDs of the document. To be called before they are cut
-// out or their values change: libxml2 finds an entry by its value, and may leave it behind when it frees the
-// attribute.
-void forget_ids(xmlNode& node);
+// The node after `node` in document order, within the subtree of `top`. Null after the last node.
+xmlNode* next_below(xmlNode* node, const xmlNode* top);
 
-// The next node in document order below `top`, or null.
-xmlNode* following(xmlNode* node, const xmlNode* top);
+// Removes the attributes at and below `top` from the document's table of IDs. Call this before the attributes
+// are removed from the tree or their values change: libxml2 finds an entry of the table by its value, and may
+// leave the entry behind when it frees the attribute.
+void forget_ids(xmlNode& top);
 
+// Whether a text is empty or only white space.
 bool is_blank(std::string_view text);
 
-// What an element itself says by xml:space, which holds below it; nothing when it does not say.
-std::optional<bool> says_to_keep_space(const xmlNode& element);
+// The xml:space attribute of the element itself: true for "preserve", false for "default", and no value when
+// the attribute is missing or has another value.
+std::optional<bool> own_space_setting(const xmlNode& element);
 
-// Whether white space counts below the node.
+// Whether white space in the node is significant, by the nearest xml:space at or above the node.
 bool keeps_space(const xmlNode& node);
 
 }  // namespace orx::platform::dom

@@ -23,7 +23,7 @@ std::string integer_text(Integer value) {
 
 std::string real_text(double value, int significant_digits) {
   if (std::isnan(value)) return "NAN";
-  if (value == 0) return "0";  // a zero has no sign
+  if (value == 0) return "0";  // also for a negative zero
   char digits[32];
   char* end =
       std::to_chars(digits, std::end(digits), value, std::chars_format::general, significant_digits).ptr;
@@ -43,11 +43,13 @@ std::string currency_text(std::int64_t ten_thousandths) {
   return text;
 }
 
-// Of a date and a time, the one that is zero is left out. The platform rounds to whole seconds, too.
+// Writes date and time, rounded to whole seconds as Windows rounds them. The time is left out at midnight,
+// and the date on day 0. Day 0 at midnight is written as a time.
 HRESULT date_text(double date, std::string& text) {
   calendar::Fields fields;
   if (!calendar::to_fields(date, fields)) return E_INVALIDARG;
-  const bool has_date = fields.year != 1899 || fields.month != 12 || fields.day != 30;
+  const bool is_day_zero = fields.year == 1899 && fields.month == 12 && fields.day == 30;
+  const bool has_date = !is_day_zero;
   const bool has_time = fields.hour != 0 || fields.minute != 0 || fields.second != 0;
   char part[48];
   text.clear();
@@ -69,8 +71,8 @@ HRESULT wide_text(BSTR value, std::string& text) {
   return utf8::from_wide(wide, std::wcslen(wide), text) ? S_OK : E_INVALIDARG;
 }
 
-HRESULT accept(std::string made, std::string& text) {
-  text = std::move(made);
+HRESULT store(std::string converted, std::string& text) {
+  text = std::move(converted);
   return S_OK;
 }
 
@@ -82,35 +84,35 @@ HRESULT variant_text(const VARIANT& value, std::string& text) {
   if ((value.vt & (VT_ARRAY | VT_BYREF)) != 0) return DISP_E_TYPEMISMATCH;
   switch (value.vt) {
     case VT_EMPTY:
-      return accept("", text);
+      return store("", text);
     case VT_I1:
-      return accept(integer_text<int>(value.cVal), text);
+      return store(integer_text<int>(value.cVal), text);
     case VT_UI1:
-      return accept(integer_text<int>(value.bVal), text);
+      return store(integer_text<int>(value.bVal), text);
     case VT_I2:
-      return accept(integer_text(value.iVal), text);
+      return store(integer_text(value.iVal), text);
     case VT_UI2:
-      return accept(integer_text(value.uiVal), text);
+      return store(integer_text(value.uiVal), text);
     case VT_I4:
-      return accept(integer_text(value.lVal), text);
+      return store(integer_text(value.lVal), text);
     case VT_UI4:
-      return accept(integer_text(value.ulVal), text);
+      return store(integer_text(value.ulVal), text);
     case VT_I8:
-      return accept(integer_text(value.llVal), text);
+      return store(integer_text(value.llVal), text);
     case VT_UI8:
-      return accept(integer_text(value.ullVal), text);
+      return store(integer_text(value.ullVal), text);
     case VT_INT:
-      return accept(integer_text(value.intVal), text);
+      return store(integer_text(value.intVal), text);
     case VT_UINT:
-      return accept(integer_text(value.uintVal), text);
+      return store(integer_text(value.uintVal), text);
     case VT_BOOL:
-      return accept(integer_text(value.boolVal), text);
+      return store(integer_text(value.boolVal), text);
     case VT_R4:
-      return accept(real_text(static_cast<double>(value.fltVal), kSingleDigits), text);
+      return store(real_text(static_cast<double>(value.fltVal), kSingleDigits), text);
     case VT_R8:
-      return accept(real_text(value.dblVal, kDoubleDigits), text);
+      return store(real_text(value.dblVal, kDoubleDigits), text);
     case VT_CY:
-      return accept(currency_text(value.llVal), text);
+      return store(currency_text(value.llVal), text);
     case VT_DATE:
       return date_text(value.date, text);
     case VT_BSTR:

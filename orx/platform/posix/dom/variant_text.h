@@ -1,4 +1,4 @@
-// The text that a typed value becomes as the value of an attribute.
+// Converts a variant to the text of an attribute.
 #pragma once
 
 #include <orx/compat/variant.h>
@@ -7,9 +7,10 @@
 
 namespace orx::platform {
 
-// The same in every locale: numbers with a decimal point, dates the American way. A VT_BSTR ends at its first
-// NUL. A failure leaves `text` unchanged: E_INVALIDARG for wide text or a date that does not exist,
-// DISP_E_TYPEMISMATCH for a type that has no text, DISP_E_BADVARTYPE for one that is not known.
+// Gives the same text in every locale, with a decimal point in numbers and dates like "2/28/2024 1:05:00 PM".
+// A VT_BSTR ends at its first NUL. A failure leaves `text` unchanged: E_INVALIDARG for invalid wide text or a
+// date out of range, DISP_E_TYPEMISMATCH for a type without a text form, DISP_E_BADVARTYPE for an unknown
+// type. Raises std::bad_alloc.
 HRESULT variant_text(const VARIANT& value, std::string& text);
 
 }  // namespace orx::platform

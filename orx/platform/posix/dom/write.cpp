@@ -14,9 +14,9 @@ namespace orx::platform::dom {
 namespace {
 
 constexpr std::size_t kChunkBytes = std::size_t{16} << 10;
-constexpr int kMostTabs = 60;
+constexpr int kMaxTabs = 60;
 
-// The replacement for each byte that must not be written as it is; null for the others.
+// The replacement of each byte that must be escaped. Null for all other bytes.
 using Escapes = std::array<const char*, 256>;
 
 constexpr Escapes kTextEscapes = [] {
@@ -24,47 +24,52 @@ constexpr Escapes kTextEscapes = [] {
   table['<'] = "&lt;";
   table['>'] = "&gt;";
   table['&'] = "&amp;";
-  table['\r'] = "&#13;";  // a parser reads a bare one as a line feed
+  table['\r'] = "&#13;";  // a parser reads a carriage return as a line feed
   return table;
 }();
 
 constexpr Escapes kValueEscapes = [] {
   Escapes table = kTextEscapes;
   table['"'] = "&quot;";
-  table['\t'] = "&#9;";  // a parser reads a bare one as a blank
+  table['\t'] = "&#9;";  // a parser reads a tab or line feed in a value as a blank
   table['\n'] = "&#10;";
   return table;
 }();
 
-std::string_view view(const xmlChar* text) { return text != nullptr ? as_text(text) : std::string_view(); }
-
-// Text below the element shows each blank that would be added, and so does white space that counts. Elements
-// within one that stays on its line are not asked, so that no outer one has said that white space counts.
-bool must_stay_on_its_line(const xmlNode& element) {
+// Whether the content of an element must be written without added white space: it has text, or its xml:space
+// says that white space is significant. The writer does not ask for elements within such an element. So the
+// element's own xml:space is enough; no outer element preserves white space.
+bool must_stay_on_one_line(const xmlNode& element) {
   for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
     const xmlElementType type = child->type;
     if (type == XML_TEXT_NODE || type == XML_CDATA_SECTION_NODE || type == XML_ENTITY_REF_NODE) return true;
   }
-  return says_to_keep_space(element).value_or(false);
+  return own_space_setting(element).value_or(false);
 }
 
+// The declarations of the element: those from a parse, and those that a host set as attributes.
 int count_namespaces(const xmlNode& element) {
   int count = 0;
   for (const xmlNs* ns = element.nsDef; ns != nullptr; ns = ns->next) ++count;
   for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
-    const bool may_declare = attribute->ns == nullptr && attribute->name[0] == 'x';
+    const bool may_declare = attribute->ns == nullptr && attribute->name[0] == 'x';  // cheap, for most names
     if (may_declare && declares_namespace(as_text(attribute->name))) ++count;
   }
   return count;
 }
 
-// Writes in document order, without recursion. It stops at the first failure.
+// Writes one tree in document order, without recursion. After the first failure nothing more goes to the
+// sink.
+//
+// Bytes are collected in `chunk_` and go to the sink in chunks. While elements are written, `level_` is the
+// number of open elements. `single_line_element_` is the outermost open element whose content stays on one
+// line; within it no line ends and tabs are added.
 class Writer {
  public:
   Writer(const Tree& tree, const Sink& sink) : tree_(tree), sink_(sink) {}
 
   bool Write(Reason& reason) {
-    if (tree_.declared) PutDeclaration();
+    if (tree_.has_declaration) PutDeclaration();
     for (const xmlNode* node = tree_.doc()->children; node != nullptr && goes_on_; node = node->next) {
       if (node->type == XML_DTD_NODE) {
         PutDoctype(*node);
@@ -84,6 +89,7 @@ class Writer {
     goes_on_ = false;
   }
 
+  // The bytes written so far.
   std::size_t size() const { return flushed_ + chunk_.size(); }
 
   void Flush() {
@@ -129,9 +135,10 @@ class Writer {
     Put("?>\n");
   }
 
+  // libxml2 writes the DOCTYPE, in its internal form.
   void PutDoctype(const xmlNode& doctype) {
-    const HostAside host;
-    const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(allocated(xmlBufferCreate()),
+    const HostSettingsGuard host;
+    const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(throw_if_null(xmlBufferCreate()),
                                                                       &xmlBufferFree);
     xmlNodeDump(buffer.get(), tree_.doc(), const_cast<xmlNode*>(&doctype), 0, 0);
     host.CheckMemory();
@@ -176,7 +183,8 @@ class Writer {
     }
   }
 
-  // Closes the elements that end with the node.
+  // Writes the end tags of the elements that end with `node`, and returns the next node. Null at the end of
+  // `top`.
   const xmlNode* NextAfter(const xmlNode* node, const xmlNode& top) {
     while (node != &top) {
       EndLine();
@@ -226,7 +234,7 @@ class Writer {
       return Put("/>");
     }
     Put(">");
-    if (is_laid_out() && must_stay_on_its_line(element)) line_of_ = &element;
+    if (adds_lines() && must_stay_on_one_line(element)) single_line_element_ = &element;
     EndLine();
     ++level_;
   }
@@ -237,7 +245,7 @@ class Writer {
     Put("</");
     PutName(element.name, element.ns);
     Put(">");
-    if (line_of_ == &element) line_of_ = nullptr;
+    if (single_line_element_ == &element) single_line_element_ = nullptr;
     LeaveNamespaces(element);
   }
 
@@ -245,27 +253,27 @@ class Writer {
     if (namespaces_ > 0) namespaces_ -= count_namespaces(element);
   }
 
-  bool is_laid_out() const { return tree_.laid_out && line_of_ == nullptr; }
+  bool adds_lines() const { return tree_.is_indented && single_line_element_ == nullptr; }
 
   void EndLine() {
-    if (is_laid_out()) Put("\n");
+    if (adds_lines()) Put("\n");
   }
 
   void Indent() {
-    if (is_laid_out()) chunk_.append(static_cast<std::size_t>(std::min(level_, kMostTabs)), '\t');
+    if (adds_lines()) chunk_.append(static_cast<std::size_t>(std::min(level_, kMaxTabs)), '\t');
   }
 
   const Tree& tree_;
   const Sink& sink_;
   std::string chunk_;
-  std::size_t flushed_ = 0;
-  bool goes_on_ = true;
+  std::size_t flushed_ = 0;  // bytes that went to the sink
+  bool goes_on_ = true;      // false after a failure
   const char* refusal_ = nullptr;
 
   int level_ = 0;
-  const xmlNode* line_of_ = nullptr;  // the element whose whole content stays on its line
-  std::size_t nodes_ = 0;
-  int namespaces_ = 0;  // in scope
+  const xmlNode* single_line_element_ = nullptr;
+  std::size_t nodes_ = 0;  // elements and attributes
+  int namespaces_ = 0;     // declarations in scope
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// From a tree to bytes.
+// Writes documents.
 #pragma once
 
 #include <orx/platform/dom.h>
@@ -6,8 +6,9 @@
 
 namespace orx::platform::dom {
 
-// UTF-8, one element a line when the tree is laid out. False with the reason when the sink has stopped, or
-// when a load would not accept what is written; some of it has gone to the sink then.
+// Writes the tree as UTF-8, with one element per line if the tree is indented. False with the reason when the
+// sink stops the writing, and when a load would refuse the document; some bytes may have gone to the sink by
+// then.
 bool write_tree(const Tree& tree, const Sink& sink, Reason& reason);
 
 }  // namespace orx::platform::dom
