@@ -342,8 +342,8 @@ int CStringA::Remove(char c) {
   const auto removed = static_cast<int>(std::count(chars_, chars_ + GetLength(), c));
   if (removed == 0) return 0;
   char* chars = GetBuffer();
-  std::remove(chars, chars + GetLength(), c);
-  SetLength(GetLength() - removed);
+  const char* end = std::remove(chars, chars + GetLength(), c);
+  SetLength(static_cast<int>(end - chars));
   return removed;
 }
 
