@@ -1,6 +1,7 @@
 #include <orx/text/field_value.h>
 
 #include <gtest/gtest.h>
+#include <orx/datetime/date_time.h>
 #include <tests/support/failing_memory.h>
 
 #include <cerrno>
@@ -17,7 +18,8 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 struct Outcome {
   double value;
-  int special, result;
+  int special = orxdbOrdinary;
+  int result = 0;
 
   bool operator==(const Outcome&) const = default;
 };
@@ -26,18 +28,18 @@ std::ostream& operator<<(std::ostream& out, const Outcome& outcome) {
   return out << outcome.value << " special " << outcome.special << " result " << outcome.result;
 }
 
-// The limits are 3 and 4. The value stands at an odd address, and nothing is written beyond it.
+// The limits are 3 and 4. The value is at an odd address, and the bytes around it must not change.
 template <typename Value>
 Outcome read_as(int type, int subtype, const char* text) {
   const Value low = 3, high = 4;
-  char room[sizeof(Value) + 2];
-  std::memset(room, '#', sizeof room);
+  char bytes[sizeof(Value) + 2];
+  std::memset(bytes, '#', sizeof bytes);
   Outcome outcome{0, -9, 0};
   outcome.result =
-      orxdb_StrToVal(text, &low, &high, type, subtype, sizeof(Value), &outcome.special, room + 1);
-  EXPECT_TRUE(room[0] == '#' && room[sizeof room - 1] == '#');
+      orxdb_StrToVal(text, &low, &high, type, subtype, sizeof(Value), &outcome.special, bytes + 1);
+  EXPECT_TRUE(bytes[0] == '#' && bytes[sizeof bytes - 1] == '#');
   Value value;
-  std::memcpy(&value, room + 1, sizeof value);
+  std::memcpy(&value, bytes + 1, sizeof value);
   outcome.value = static_cast<double>(value);
   return outcome;
 }
@@ -47,116 +49,119 @@ Outcome read(int type, int subtype, const char* text) {
   return type == orxdbFloat ? read_as<float>(type, subtype, text) : read_as<double>(type, subtype, text);
 }
 
-TEST(FieldValue, Reads) {
+constexpr Outcome kRefused{0, orxdbOrdinary, -1};
+
+TEST(FieldValue, ReadsTheTextOfEachType) {
   const struct {
-    int type, subtype;
+    int type;
     const char* text;
     Outcome outcome;
+    int subtype = 0;  // orxMonthDayYear
   } rows[] = {
-      {1, 0, "  42abc", {42, 0, 0}},
-      {1, 0, "\t+7", {7, 0, 0}},
-      {1, 0, "+-7", {0, 0, 0}},
-      {1, 0, "abc", {0, 0, 0}},
-      {1, 0, "99999999999999999999", {2147483647, 0, 0}},
-      {1, 0, "-2147483649", {-2147483648.0, 0, 0}},
-      {1, 0, "<5", {5, 1, 0}},
-      {1, 0, "7 < 6 > 5", {6, 1, 0}},
-      {1, 0, "<", {3, 1, 0}},
-      {1, 0, " > ", {0, 2, 0}},  // a blank follows
-      {9, 0, "<>", {0, 1, 0}},
-      {2, 0, ">", {4, 2, 0}},
-      {2, 0, "1.5e3", {1500, 0, 0}},
-      {2, 0, "0.1", {static_cast<double>(0.1F), 0, 0}},
-      {2, 0, "-1e39", {-kInfinity, 0, 0}},
-      {9, 0, "1.25D+2x", {125, 0, 0}},
-      {9, 11, "1d", {1, 0, 0}},
-      {9, 0, "1e2d3", {100, 0, 0}},
-      {9, -1, "0x1F", {0, 0, 0}},
-      {9, 0, "inf", {0, 0, 0}},
-      {9, 3, "90", {90, 0, 0}},
-      {9, 5, "90", {kPi / 2, 0, 0}},
-      {9, 1, "45:30:36", {45.51 / 180 * kPi, 0, 0}},
-      {9, 6, "0:36", {0.6 / 180 * kPi, 0, 0}},
-      {9, 7, "-1:0:36", {-1.01 / 180 * kPi, 0, 0}},
-      {9, 8, "1:30:36", {1.5 / 180 * kPi, 0, 0}},
-      {9, 9, "2", {2, 0, 0}},
-      {9, 10, "200", {kPi, 0, 0}},
-      {9, 10, "NS", {0, 0, 0}},  // an angle has fewer tokens
-      {9, 4, "NS", {0, 4, 0}},
-      {10, 0, "180", {kPi, 0, 0}},
-      {16, 0, "err", {0, 7, 0}},
-      {17, 0, "<5", {0, 0, 0}},
-      {17, 0, "-1.5", {-1.5, 0, 0}},
-      {17, 0, "-", {0, 6, 0}},
-      {17, 0, "   ", {0, 6, 0}},
-      {17, 0, nullptr, {0, 6, 0}},
-      {4, 0, "yes", {1, 0, 0}},
-      {4, 0, "TRUE", {1, 0, 0}},
-      {4, 0, "n", {0, 0, 0}},
-      {4, 0, "0", {0, 0, 0}},
-      {4, 0, "yes ", {0, 0, -1}},
-      {4, 0, "", {0, 0, -1}},
-      {6, 1, "05/03/2024", {45356, 0, 0}},
-      {6, 0, "05/03/2024", {45415, 0, 0}},
-      {6, 2, "05/03/2024", {0, 0, -1}},
-      {6, 1, "05/03/2024 12:00", {45356.5, 0, 0}},  // the midnight that a date gets comes too late
-      {6, 1, "NE", {0, 6, 0}},
-      {7, 0, "12:00", {0.5, 0, 0}},
-      {7, 0, "24:00", {0, 0, -1}},
-      {8, 2, "2024/03/05 18:00", {45356.75, 0, 0}},
-      {8, 3, "2024/03/05", {0, 0, -1}},
-      {8, 65538, "2024/03/05", {0, 0, -1}},  // no order either
-      {6, -65535, "05/03/2024", {0, 0, -1}},
-      {8, 2, "soon 12:00", {0, 0, -1}},
-      {5, 0, "1", {0, 0, 0}},
-      {99, 0, "1", {0, 0, 0}},
-      {-1, 0, "1", {0, 0, 0}},
+      {orxdbInteger, "  42abc", {42}},
+      {orxdbInteger, "\t+7", {7}},
+      {orxdbInteger, "+-7", {0}},
+      {orxdbInteger, "abc", {0}},
+      {orxdbInteger, "99999999999999999999", {2147483647}},
+      {orxdbInteger, "-2147483649", {-2147483648.0}},
+      {orxdbInteger, "<5", {5, orxdbBelow}},
+      {orxdbInteger, "7 < 6 > 5", {6, orxdbBelow}},
+      {orxdbInteger, "<", {3, orxdbBelow}},
+      {orxdbInteger, " > ", {0, orxdbAbove}},  // not the limit, since a blank follows
+      {orxdbDouble, "<>", {0, orxdbBelow}},
+      {orxdbFloat, ">", {4, orxdbAbove}},
+      {orxdbFloat, "1.5e3", {1500}},
+      {orxdbFloat, "0.1", {static_cast<double>(0.1F)}},
+      {orxdbFloat, "-1e39", {-kInfinity}},
+      {orxdbDouble, "1.25D+2x", {125}},
+      {orxdbDouble, "1d", {1}, 11},
+      {orxdbDouble, "1e2d3", {100}},
+      {orxdbDouble, "0x1F", {0}, -1},
+      {orxdbDouble, "inf", {0}},
+      {orxdbDouble, "90", {90}, 3},
+      {orxdbDouble, "90", {kPi / 2}, 5},
+      {orxdbDouble, "45:30:36", {45.51 / 180 * kPi}, 1},
+      {orxdbDouble, "0:36", {0.6 / 180 * kPi}, 6},
+      {orxdbDouble, "-1:0:36", {-1.01 / 180 * kPi}, 7},
+      {orxdbDouble, "1:30:36", {1.5 / 180 * kPi}, 8},
+      {orxdbDouble, "2", {2}, 9},
+      {orxdbDouble, "200", {kPi}, 10},
+      {orxdbDouble, "NS", {0}, 10},  // an angle does not have this token
+      {orxdbDouble, "NS", {0, orxdbNS}, 4},
+      {orxdbDegrees, "180", {kPi}},
+      {orxdbDegreesMinutesDecimalSeconds, "err", {0, orxdbERR}},
+      {orxdbNumber, "<5", {0}},
+      {orxdbNumber, "-1.5", {-1.5}},
+      {orxdbNumber, "-", {0, orxdbNE}},
+      {orxdbNumber, "   ", {0, orxdbNE}},
+      {orxdbNumber, nullptr, {0, orxdbNE}},
+      {orxdbYesNo, "yes ", kRefused},
+      {orxdbYesNo, "", kRefused},
+      {orxdbDate, "05/03/2024", {45356}, orxDayMonthYear},
+      {orxdbDate, "05/03/2024", {45415}},
+      {orxdbDate, "05/03/2024", kRefused, orxYearMonthDay},
+      {orxdbDate, "05/03/2024 12:00", {45356.5}, orxDayMonthYear},  // keeps its time
+      {orxdbDate, "NE", {0, orxdbNE}, orxDayMonthYear},
+      {orxdbTime, "12:00", {0.5}},
+      {orxdbTime, "24:00", kRefused},
+      {orxdbDateTime, "2024/03/05 18:00", {45356.75}, orxYearMonthDay},
+      {orxdbDateTime, "2024/03/05", kRefused, 3},
+      {orxdbDateTime, "2024/03/05", kRefused, 65538},  // not truncated to a known order
+      {orxdbDate, "05/03/2024", kRefused, -65535},
+      {orxdbDateTime, "soon 12:00", kRefused, orxYearMonthDay},
+      {orxdbNothing, "1", {0}},
+      {99, "1", {0}},
+      {-1, "1", {0}},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(read(row.type, row.subtype, row.text), row.outcome) << row.type << ' ' << row.text;
   }
+  for (const char* word : {"True", "t", "1", "YES", "Y"}) EXPECT_EQ(read(orxdbYesNo, 0, word), Outcome{1});
+  for (const char* word : {"False", "F", "0", "no", "n"}) EXPECT_EQ(read(orxdbYesNo, 0, word), Outcome{0});
 }
 
-TEST(FieldValue, KnowsTokens) {
+TEST(FieldValue, RecognisesTheTokensOfEachGroup) {
   const std::string late_sign = std::string(127, ' ') + "<";
+  constexpr int kNone = orxdbOrdinary;
   const struct {
     const char* text;
-    int measurement, value, text_code;  // as in orxdbInteger, orxdbNumber and orxdbText; -1: ordinary
-  } rows[] = {{" nC ", 3, 3, 0},   {"ns", 4, -1, 0},  {"IS", 5, -1, 0},    {"Err", 7, 7, 0},
-              {"ERRO", -1, -1, 0}, {"a<b", 1, -1, 0}, {"a>b<", 1, -1, 0},  {"->", 2, -1, 0},
-              {"ne", 6, 6, 0},     {"-", 6, 6, 0},    {"\tNC", -1, -1, 0}, {late_sign.c_str(), 6, 6, 0}};
+    int measurement, value;  // the codes for orxdbInteger and orxdbNumber
+  } rows[] = {{" nC ", orxdbNC, orxdbNC},  {"ns", orxdbNS, kNone},    {"IS", orxdbIS, kNone},
+              {"Err", orxdbERR, orxdbERR}, {"ERRO", kNone, kNone},    {"a<b", orxdbBelow, kNone},
+              {"a>b<", orxdbBelow, kNone}, {"->", orxdbAbove, kNone}, {"ne", orxdbNE, orxdbNE},
+              {"-", orxdbNE, orxdbNE},     {"\tNC", kNone, kNone},    {late_sign.c_str(), orxdbNE, orxdbNE}};
   for (const auto& row : rows) {
-    const std::pair<int, int> expected[] = {
-        {orxdbInteger, row.measurement}, {orxdbNumber, row.value}, {orxdbText, row.text_code}};
-    for (const auto& [type, code] : expected) {
+    for (const auto& [type, code] :
+         {std::pair(orxdbInteger, row.measurement), {orxdbNumber, row.value}, {orxdbText, kNone}}) {
       int special = -9;
-      EXPECT_EQ(orxdb_StrToSpecialVal(type, row.text, &special), code < 0 ? -1 : 0) << row.text;
-      EXPECT_EQ(special, std::max(code, 0)) << row.text << " as " << type;
+      const int result = code == kNone && type != orxdbText ? -1 : 0;
+      EXPECT_EQ(orxdb_StrToSpecialVal(type, row.text, &special), result) << row.text << " as " << type;
+      EXPECT_EQ(special, code) << row.text << " as " << type;
     }
   }
   EXPECT_EQ(orxdb_StrToSpecialVal(orxdbNumber, "NC", nullptr), 0);
 }
 
-TEST(FieldValue, CutsOnlyTextAndClearsTheSize) {
+TEST(FieldValue, CutsOnlyTextAndClearsItsBytes) {
   const struct {
     int type, size;
-    const char *text, *stored;  // the first bytes of eight that were '#'
+    const char *text, *stored;  // eight bytes that were '#'
     int result;
-  } rows[] = {{3, 4, "abcdef", "abc\0####", -3},
-              {15, 4, "abc", "abc\0####", 0},
-              {3, 6, "NE", "NE\0\0\0\0##", 0},
-              {3, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a character is not cut
-              {3, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
-              {3, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // it is not text
-              {3, 1, "", "\0#######", 0},
-              {3, 1, "a", "\0#######", -3},
-              {3, 0, "", "########", -3},
-              {1, 8, "1", "\1\0\0\0\0\0\0\0", 0},
-              {1, 2, "-2", "\xFE\xFF\xFF\xFF####", 0},
-              {4, -1, "yes", "\1\0\0\0####", 0},
-              {9, 4, ">", "\0\0\0\0\0\0\1@", 0},
-              {10, 3, "NC", "\0\0\0#####", 0},
-              {5, 8, "1", "\0\0\0\0\0\0\0\0", 0}};
+  } rows[] = {{orxdbText, 4, "abcdef", "abc\0####", -3},
+              {orxdbLongText, 4, "abc", "abc\0####", 0},
+              {orxdbText, 6, "NE", "NE\0\0\0\0##", 0},
+              {orxdbText, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a cut never splits a character
+              {orxdbText, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
+              {orxdbText, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // not valid text
+              {orxdbText, 1, "", "\0#######", 0},
+              {orxdbText, 1, "a", "\0#######", -3},
+              {orxdbText, 0, "", "########", -3},
+              {orxdbInteger, 8, "1", "\1\0\0\0\0\0\0\0", 0},
+              {orxdbInteger, 2, "-2", "\xFE\xFF\xFF\xFF####", 0},
+              {orxdbYesNo, -1, "yes", "\1\0\0\0####", 0},
+              {orxdbDouble, 4, ">", "\0\0\0\0\0\0\1@", 0},
+              {orxdbDegrees, 3, "NC", "\0\0\0#####", 0},
+              {orxdbNothing, 8, "1", "\0\0\0\0\0\0\0\0", 0}};
   const double high = 2.125;
   for (const auto& row : rows) {
     char dst[] = "########";
@@ -170,7 +175,7 @@ TEST(FieldValue, CutsOnlyTextAndClearsTheSize) {
   EXPECT_EQ(value, 0);
 }
 
-TEST(FieldValue, DatesSetTheOrderOfTheDatabase) {
+TEST(FieldValue, DatesSetTheOrderOfTheDatabaseEvenIfRefused) {
   int order = -9;
   EXPECT_EQ(orxdb_SetDateFormat(7) + orxdb_GetDateFormat(&order) + orxdb_GetDateFormat(nullptr), 0);
   EXPECT_EQ(order, 7);
@@ -183,11 +188,11 @@ TEST(FieldValue, DatesSetTheOrderOfTheDatabase) {
   orxdb_SetDateFormat(1);
 }
 
-TEST(FieldValue, AlikeInEveryLocaleAndLinearInTheText) {
+TEST(FieldValue, IgnoresTheLocaleAndIsLinearInTheText) {
   ASSERT_TRUE(std::setlocale(LC_ALL, "de_DE.UTF-8") || std::setlocale(LC_ALL, "C.UTF-8"));
   errno = EDOM;
   EXPECT_EQ(read(orxdbDouble, 0, "1.5,5"), (Outcome{1.5, 0, 0}));
-  orx::testing::allocations_left = 0;  // without room for the copy that it takes, the exponent is not read
+  orx::testing::allocations_left = 0;  // without memory for a copy the exponent is ignored
   EXPECT_EQ(read(orxdbDouble, 0, "1.5D2"), (Outcome{1.5, 0, 0}));
   orx::testing::allocations_left = 1'000'000;
   EXPECT_EQ(errno, EDOM);
