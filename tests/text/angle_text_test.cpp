@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -27,25 +29,33 @@ double degrees_read(int mode, const std::string& text, int packed) {
 }
 
 TEST(AngleText, WritesColumnsThatNeverShowSixty) {
-  const std::tuple<int, double, const char*, const char*> kRows[] = {
-      {zelDegrees, 45, " 45.00000000", " 45.00000000"},
-      {zelRadians, 180, "  3.14159265", "  3.14159265"},
-      {zelGrads, -90, "-100.00000000", "-100.00000000"},
-      {zelDegreesMinutesSeconds, -45.5, " -45:30: 0", " -4530 0"},
-      {zelDegreesMinutesSeconds, -0.5, "   0:30: 0", "   030 0"},  // the sign of 0 degrees is lost
-      {zelDegreesMinutesSeconds, 10 + 5.99 / 3600, "  10: 0: 5", "  10 0 5"},  // seconds are truncated
-      {zelDegreesMinutesSeconds, 0.5 - 5e-15, "   0:30: 0", "   030 0"},       // almost a second
-      {zelDegreesMinutesSeconds, 1 - 2e-14, "   1: 0: 0", "   1 0 0"},  // the last second fills the degree
-      {zelDegreesDecimalMinutes, 1 - 5e-15, "   1: 0.00000", "   1 0.00000"},            // almost a degree
-      {zelDegreesMinutesDecimalSeconds, 10.999999972, "  11: 0: 0.00", "  11 0 0.00"},   // 10:59:59.9999
-      {zelDegreesMinutesDecimalSeconds, 10.5 - 1e-7, "  10:30: 0.00", "  1030 0.00"},    // 10:29:59.9996
-      {zelDegreesMinutesDecimalSeconds, -3.9999985834, "  -3:59:59.99", "  -35959.99"},  // 59.9949 seconds
-      {zelDegreesDecimalMinutes, 29.99999995, "  30: 0.00000", "  30 0.00000"},          // 59.999997 minutes
-      {zelDegreesDecimalMinutes, 29.9999999, "  29:59.99999", "  2959.99999"},           // 59.999994 minutes
-      {zelDegreesDecimalMinutes, -12345.25, "-12345:15.00000", "-1234515.00000"}};  // wider than its column
-  for (const auto& [mode, degrees, colons, packed] : kRows) {
-    EXPECT_EQ(written(mode, degrees / 180 * kPi, 0), colons) << mode;
-    EXPECT_EQ(written(mode, degrees / 180 * kPi, 1), packed) << mode;
+  struct Row {
+    double degrees;
+    const char *colons, *packed;
+  };
+  const std::pair<int, std::vector<Row>> modes[] = {
+      {zelDegrees, {Row{45, " 45.00000000", " 45.00000000"}}},
+      {zelRadians, {Row{180, "  3.14159265", "  3.14159265"}}},
+      {zelGrads, {Row{-90, "-100.00000000", "-100.00000000"}}},
+      // The sign of 0 degrees is lost, seconds are truncated, almost a second, a second, a degree.
+      {zelDegreesMinutesSeconds,
+       {Row{-45.5, " -45:30: 0", " -4530 0"}, Row{-0.5, "   0:30: 0", "   030 0"},
+        Row{10 + 5.99 / 3600, "  10: 0: 5", "  10 0 5"}, Row{0.5 - 5e-15, "   0:30: 0", "   030 0"},
+        Row{1 - 2e-14, "   1: 0: 0", "   1 0 0"}}},
+      // Minutes of 60, 59.999997 and 59.999994; degrees that are wider than their column.
+      {zelDegreesDecimalMinutes,
+       {Row{1 - 5e-15, "   1: 0.00000", "   1 0.00000"}, Row{29.99999995, "  30: 0.00000", "  30 0.00000"},
+        Row{29.9999999, "  29:59.99999", "  2959.99999"},
+        Row{-12345.25, "-12345:15.00000", "-1234515.00000"}}},
+      // Seconds of 59.9999, 59.9996 and 59.9949.
+      {zelDegreesMinutesDecimalSeconds,
+       {Row{10.999999972, "  11: 0: 0.00", "  11 0 0.00"}, Row{10.5 - 1e-7, "  10:30: 0.00", "  1030 0.00"},
+        Row{-3.9999985834, "  -3:59:59.99", "  -35959.99"}}}};
+  for (const auto& [mode, rows] : modes) {
+    for (const auto& [degrees, colons, packed] : rows) {
+      EXPECT_EQ(written(mode, degrees / 180 * kPi, 0), colons) << mode;
+      EXPECT_EQ(written(mode, degrees / 180 * kPi, 1), packed) << mode;
+    }
   }
 }
 
@@ -67,30 +77,29 @@ TEST(AngleText, WritesHugeAnglesAndUnknownModes) {
 }
 
 TEST(AngleText, ReadsMissingColumnsAsZero) {
-  const std::tuple<int, const char*, int, double> kRows[] = {
-      {zelDegrees, " 1.5x", 1, 1.5},
-      {zelRadians, "3.141592653589793", 0, 180},
-      {zelGrads, "200", 0, 180},
-      {zelDegreesMinutesSeconds, "45:30", 0, 45.5},
-      {zelDegreesDecimalMinutes, "45:30:15", 0, 45.5},
-      {zelDegreesMinutesSeconds, "1:1:3:4", 2, 1 + 63 / 3600.0},
-      {zelDegreesMinutesDecimalSeconds, "-1:30:36", 0, -1.51},
-      {zelDegreesMinutesDecimalSeconds, "-0:30:00", 0, 0.5},
-      {zelDegreesMinutesSeconds, "::36:", 0, 0.01},
-      {zelDegrees, "inf", 0, 0},
-      {zelDegreesDecimalMinutes, "-1e999", 0, -kInfinity},
-      {zelDegreesMinutesSeconds, "x:30", 0, 0.5},
-      {zelDegreesMinutesSeconds, "  4530 0", 1, 45.5},
-      {zelDegreesMinutesDecimalSeconds, " -453036.00", 1, -45.51},
-      {zelDegreesDecimalMinutes, "  4530.00000", 1, 45.5},
-      {zelDegreesMinutesSeconds, "  45", 1, 45},
-      {zelDegreesMinutesSeconds, "  453", 1, 45.05},
-      {zelDegreesMinutesSeconds, "45:30:36", 1, 45.05 /* 45, 3, 0: the text keeps its own colons */},
-      {zelDegreesMinutesSeconds, "", 0, 0},
-      {zelDegreesMinutesSeconds, "", 1, 0},
-      {zelNoAngle, "1", 0, 0}};
-  for (const auto& [mode, text, packed, degrees] : kRows) {
-    EXPECT_DOUBLE_EQ(degrees_read(mode, text, packed), degrees) << mode << ' ' << text;
+  struct Row {
+    const char* text;
+    int packed;
+    double degrees;
+  };
+  const std::pair<int, std::vector<Row>> modes[] = {
+      {zelDegrees, {Row{" 1.5x", 1, 1.5}, Row{"inf", 0, 0}}},
+      {zelRadians, {Row{"3.141592653589793", 0, 180}}},
+      {zelGrads, {Row{"200", 0, 180}}},
+      {zelNoAngle, {Row{"1", 0, 0}}},
+      // The last packed text keeps its own colons, so its columns are 45, 3 and 0.
+      {zelDegreesMinutesSeconds,
+       {Row{"45:30", 0, 45.5}, Row{"1:1:3:4", 2, 1 + 63 / 3600.0}, Row{"::36:", 0, 0.01}, Row{"x:30", 0, 0.5},
+        Row{"", 0, 0}, Row{"", 1, 0}, Row{"  4530 0", 1, 45.5}, Row{"  45", 1, 45}, Row{"  453", 1, 45.05},
+        Row{"45:30:36", 1, 45.05}}},
+      {zelDegreesDecimalMinutes,
+       {Row{"45:30:15", 0, 45.5}, Row{"-1e999", 0, -kInfinity}, Row{"  4530.00000", 1, 45.5}}},
+      {zelDegreesMinutesDecimalSeconds,
+       {Row{"-1:30:36", 0, -1.51}, Row{"-0:30:00", 0, 0.5}, Row{" -453036.00", 1, -45.51}}}};
+  for (const auto& [mode, rows] : modes) {
+    for (const auto& [text, packed, degrees] : rows) {
+      EXPECT_DOUBLE_EQ(degrees_read(mode, text, packed), degrees) << mode << ' ' << text;
+    }
   }
   EXPECT_EQ(zel_convert_str_to_ang(zelDegreesMinutesSeconds, nullptr, 1), 0);
   EXPECT_EQ(written(zelRadians, zel_convert_str_to_ang(zelRadians, "-0", 0), 0), " -0.00000000");

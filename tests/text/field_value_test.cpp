@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -18,8 +19,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 struct Outcome {
   double value;
-  int special = orxdbOrdinary;
-  int result = 0;
+  int special, result;
 
   bool operator==(const Outcome&) const = default;
 };
@@ -49,75 +49,70 @@ Outcome read(int type, int subtype, const char* text) {
   return type == orxdbFloat ? read_as<float>(type, subtype, text) : read_as<double>(type, subtype, text);
 }
 
-constexpr Outcome kRefused{0, orxdbOrdinary, -1};
+struct Row {
+  const char* text;
+  double value;
+  int special = orxdbOrdinary;
+  int result = 0;
+};
+
+Row refused(const char* text) { return {text, 0, orxdbOrdinary, -1}; }
 
 TEST(FieldValue, ReadsTheTextOfEachType) {
+  const double tenth = 0.1F;
   const struct {
-    int type;
-    const char* text;
-    Outcome outcome;
-    int subtype = 0;  // orxMonthDayYear
-  } rows[] = {
-      {orxdbInteger, "  42abc", {42}},
-      {orxdbInteger, "\t+7", {7}},
-      {orxdbInteger, "+-7", {0}},
-      {orxdbInteger, "abc", {0}},
-      {orxdbInteger, "99999999999999999999", {2147483647}},
-      {orxdbInteger, "-2147483649", {-2147483648.0}},
-      {orxdbInteger, "<5", {5, orxdbBelow}},
-      {orxdbInteger, "7 < 6 > 5", {6, orxdbBelow}},
-      {orxdbInteger, "<", {3, orxdbBelow}},
-      {orxdbInteger, " > ", {0, orxdbAbove}},  // not the limit, since a blank follows
-      {orxdbDouble, "<>", {0, orxdbBelow}},
-      {orxdbFloat, ">", {4, orxdbAbove}},
-      {orxdbFloat, "1.5e3", {1500}},
-      {orxdbFloat, "0.1", {static_cast<double>(0.1F)}},
-      {orxdbFloat, "-1e39", {-kInfinity}},
-      {orxdbDouble, "1.25D+2x", {125}},
-      {orxdbDouble, "1d", {1}, 11},
-      {orxdbDouble, "1e2d3", {100}},
-      {orxdbDouble, "0x1F", {0}, -1},
-      {orxdbDouble, "inf", {0}},
-      {orxdbDouble, "90", {90}, 3},
-      {orxdbDouble, "90", {kPi / 2}, 5},
-      {orxdbDouble, "45:30:36", {45.51 / 180 * kPi}, 1},
-      {orxdbDouble, "0:36", {0.6 / 180 * kPi}, 6},
-      {orxdbDouble, "-1:0:36", {-1.01 / 180 * kPi}, 7},
-      {orxdbDouble, "1:30:36", {1.5 / 180 * kPi}, 8},
-      {orxdbDouble, "2", {2}, 9},
-      {orxdbDouble, "200", {kPi}, 10},
-      {orxdbDouble, "NS", {0}, 10},  // an angle does not have this token
-      {orxdbDouble, "NS", {0, orxdbNS}, 4},
-      {orxdbDegrees, "180", {kPi}},
-      {orxdbDegreesMinutesDecimalSeconds, "err", {0, orxdbERR}},
-      {orxdbNumber, "<5", {0}},
-      {orxdbNumber, "-1.5", {-1.5}},
-      {orxdbNumber, "-", {0, orxdbNE}},
-      {orxdbNumber, "   ", {0, orxdbNE}},
-      {orxdbNumber, nullptr, {0, orxdbNE}},
-      {orxdbYesNo, "yes ", kRefused},
-      {orxdbYesNo, "", kRefused},
-      {orxdbDate, "05/03/2024", {45356}, orxDayMonthYear},
-      {orxdbDate, "05/03/2024", {45415}},
-      {orxdbDate, "05/03/2024", kRefused, orxYearMonthDay},
-      {orxdbDate, "05/03/2024 12:00", {45356.5}, orxDayMonthYear},  // keeps its time
-      {orxdbDate, "NE", {0, orxdbNE}, orxDayMonthYear},
-      {orxdbTime, "12:00", {0.5}},
-      {orxdbTime, "24:00", kRefused},
-      {orxdbDateTime, "2024/03/05 18:00", {45356.75}, orxYearMonthDay},
-      {orxdbDateTime, "2024/03/05", kRefused, 3},
-      {orxdbDateTime, "2024/03/05", kRefused, 65538},  // not truncated to a known order
-      {orxdbDate, "05/03/2024", kRefused, -65535},
-      {orxdbDateTime, "soon 12:00", kRefused, orxYearMonthDay},
-      {orxdbNothing, "1", {0}},
-      {99, "1", {0}},
-      {-1, "1", {0}},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(read(row.type, row.subtype, row.text), row.outcome) << row.type << ' ' << row.text;
+    int type, subtype;
+    std::vector<Row> rows;
+  } types[] = {
+      {orxdbInteger,
+       0,
+       {Row{"  42abc", 42}, Row{"\t+7", 7}, Row{"+-7", 0}, Row{"abc", 0}, Row{"<5", 5, orxdbBelow},
+        Row{"<", 3, orxdbBelow}, Row{"7 < 6 > 5", 6, orxdbBelow}, Row{" > ", 0, orxdbAbove},
+        Row{"99999999999999999999", 2147483647}, Row{"-2147483649", -2147483648.0}}},
+      {orxdbFloat,
+       0,
+       {Row{">", 4, orxdbAbove}, Row{"1.5e3", 1500}, Row{"0.1", tenth}, Row{"-1e39", -kInfinity}}},
+      {orxdbDouble, 0, {Row{"<>", 0, orxdbBelow}, Row{"1.25D+2x", 125}, Row{"1e2d3", 100}, Row{"inf", 0}}},
+      {orxdbDouble, -1, {Row{"0x1F", 0}}},
+      {orxdbDouble, 1, {Row{"45:30:36", 45.51 / 180 * kPi}}},
+      {orxdbDouble, 3, {Row{"90", 90}}},
+      {orxdbDouble, 4, {Row{"NS", 0, orxdbNS}}},
+      {orxdbDouble, 5, {Row{"90", kPi / 2}}},
+      {orxdbDouble, 6, {Row{"0:36", 0.6 / 180 * kPi}}},
+      {orxdbDouble, 7, {Row{"-1:0:36", -1.01 / 180 * kPi}}},
+      {orxdbDouble, 8, {Row{"1:30:36", 1.5 / 180 * kPi}}},
+      {orxdbDouble, 9, {Row{"2", 2}}},
+      {orxdbDouble, 10, {Row{"200", kPi}, Row{"NS", 0}}},
+      {orxdbDouble, 11, {Row{"1d", 1}}},
+      {orxdbDegrees, 0, {Row{"180", kPi}}},
+      {orxdbDegreesMinutesDecimalSeconds, 0, {Row{"err", 0, orxdbERR}}},
+      {orxdbNumber,
+       0,
+       {Row{"<5", 0}, Row{"-1.5", -1.5}, Row{"-", 0, orxdbNE}, Row{"   ", 0, orxdbNE},
+        Row{nullptr, 0, orxdbNE}}},
+      {orxdbYesNo,
+       0,
+       {refused("yes "), refused(""), Row{"True", 1}, Row{"t", 1}, Row{"1", 1}, Row{"YES", 1}, Row{"Y", 1},
+        Row{"False", 0}, Row{"F", 0}, Row{"0", 0}, Row{"no", 0}, Row{"n", 0}}},
+      {orxdbDate,
+       orxDayMonthYear,
+       {Row{"05/03/2024", 45356}, Row{"05/03/2024 12:00", 45356.5}, Row{"NE", 0, orxdbNE}}},
+      {orxdbDate, orxMonthDayYear, {Row{"05/03/2024", 45415}}},
+      {orxdbDate, orxYearMonthDay, {refused("05/03/2024")}},
+      {orxdbDate, -65535, {refused("05/03/2024")}},  // unknown orders must not be truncated to known ones
+      {orxdbTime, 0, {Row{"12:00", 0.5}, refused("24:00")}},
+      {orxdbDateTime, orxYearMonthDay, {Row{"2024/03/05 18:00", 45356.75}, refused("soon 12:00")}},
+      {orxdbDateTime, 3, {refused("2024/03/05")}},
+      {orxdbDateTime, 65538, {refused("2024/03/05")}},
+      {orxdbNothing, 0, {Row{"1", 0}}},
+      {99, 0, {Row{"1", 0}}},
+      {-1, 0, {Row{"1", 0}}}};
+  for (const auto& [type, subtype, rows] : types) {
+    for (const auto& [text, value, special, result] : rows) {
+      EXPECT_EQ(read(type, subtype, text), (Outcome{value, special, result}))
+          << type << ' ' << (text ? text : "null");
+    }
   }
-  for (const char* word : {"True", "t", "1", "YES", "Y"}) EXPECT_EQ(read(orxdbYesNo, 0, word), Outcome{1});
-  for (const char* word : {"False", "F", "0", "no", "n"}) EXPECT_EQ(read(orxdbYesNo, 0, word), Outcome{0});
 }
 
 TEST(FieldValue, RecognisesTheTokensOfEachGroup) {
