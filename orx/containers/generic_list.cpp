@@ -84,21 +84,33 @@ Node* take_node(genlist& list, void* item) {
 // Links the node after `predecessor`, or before the first node if that is null.
 void link_node(genlist& list, Node* node, Node* predecessor) {
   Node* const successor = predecessor == nullptr ? list.head : predecessor->next;
-  Node*& forward_link = predecessor == nullptr ? list.head : predecessor->next;
-  Node*& backward_link = successor == nullptr ? list.tail : successor->prev;
   node->prev = predecessor;
   node->next = successor;
-  forward_link = node;
-  backward_link = node;
+  if (predecessor == nullptr) {
+    list.head = node;
+  } else {
+    predecessor->next = node;
+  }
+  if (successor == nullptr) {
+    list.tail = node;
+  } else {
+    successor->prev = node;
+  }
   ++list.count;
 }
 
 void unlink_node(genlist& list, const Node* node) {
   if (node == list.current) list.current = node->next;
-  Node*& forward_link = node->prev == nullptr ? list.head : node->prev->next;
-  Node*& backward_link = node->next == nullptr ? list.tail : node->next->prev;
-  forward_link = node->next;
-  backward_link = node->prev;
+  if (node->prev == nullptr) {
+    list.head = node->next;
+  } else {
+    node->prev->next = node->next;
+  }
+  if (node->next == nullptr) {
+    list.tail = node->prev;
+  } else {
+    node->next->prev = node->prev;
+  }
 }
 
 // Callbacks may query the list: `free_item` finds the node unlinked, and the count not yet reduced.

@@ -79,9 +79,10 @@ bool split(const char* text, Parts& parts) {
     parts = has_slash ? Parts{text, nullptr} : Parts{nullptr, text};
     return !has_slash || !has_colon;
   }
-  const bool slash_follows = std::strchr(blank, '/') != nullptr;
-  const bool colon_follows = std::strchr(blank, ':') != nullptr;
-  const bool is_time_first = !has_slash && slash_follows && (has_colon || !colon_follows);
+  bool is_time_first = false;
+  if (!has_slash && std::strchr(blank, '/') != nullptr) {
+    is_time_first = has_colon || std::strchr(blank, ':') == nullptr;
+  }
   parts = is_time_first ? Parts{blank, text} : Parts{text, blank};
   return true;
 }

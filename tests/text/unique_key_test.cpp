@@ -20,7 +20,7 @@ orx::platform::LocalTime clock() {
   return {2024, 3, 6, 0, 0, 0};
 }
 
-TEST(UniqueKey, IsTheStampOfTheSecondAndTheCounter) {
+TEST(UniqueKey, ConsistsOfStampAndCounter) {
   const struct {
     int counter;
     const char *last_stamp, *key;
