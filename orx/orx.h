@@ -1,4 +1,4 @@
-// Every public header of orx.
+// Includes all public headers of orx.
 #pragma once
 
 #include <orx/compat/bstr.h>

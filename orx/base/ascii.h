@@ -1,5 +1,5 @@
-// Classes and letter case of ASCII characters. No locale changes them; every byte of another character is
-// neither a letter nor a digit nor white space. Internal to the library.
+// Character classes and letter case of ASCII, whatever locale the host sets. Bytes from 0x80 on are neither
+// letters nor digits nor white space, and have no case. Internal to the library.
 #pragma once
 
 namespace orx {

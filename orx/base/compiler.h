@@ -1,10 +1,10 @@
-// What the compiler offers beyond the language. Internal to the library.
+// Compiler built-ins. Internal to the library.
 #pragma once
 
 namespace orx {
 
-// Requests the cache line of an address that is read soon. Any address will do, also an invalid one. Always
-// inlined: GCC drops calls of functions that only prefetch, since they have no effect on values.
+// Fetches the cache line at `address` ahead of a read. An invalid address is harmless. Always inlined: GCC drops
+// calls of functions that only prefetch, since they have no effect on values.
 [[gnu::always_inline]] inline void prefetch(const void* address) { __builtin_prefetch(address); }
 
 // The address of the stack frame of the function that calls this one.

@@ -1,17 +1,19 @@
-// The Shell sort, for whatever has positions.
+// Shell sort of any collection that has positions. Internal to the library.
 #pragma once
 
 namespace orx {
 
-// Calls compare(i, j) and swap(i, j) with positions below `n`, i before j.
+// Sorts in ascending order with the gaps n/2, n/4 ... 1. Calls compare(i, j) and swap(i, j) with two
+// positions i < j below `n`. Hosts see these calls through sm_sort and genlist_sort and may rely on their
+// order.
 template <typename Position, typename Compare, typename Swap>
 void shell_sort(Position n, Compare compare, Swap swap) {
   for (Position gap = n / 2; gap > 0; gap /= 2) {
-    for (Position end = gap; end < n; ++end) {
-      Position late = end;
-      while (late >= gap && compare(late - gap, late) > 0) {
-        swap(late - gap, late);
-        late -= gap;
+    for (Position next = gap; next < n; ++next) {
+      Position place = next;
+      while (place >= gap && compare(place - gap, place) > 0) {
+        swap(place - gap, place);
+        place -= gap;
       }
     }
   }

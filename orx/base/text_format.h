@@ -1,5 +1,5 @@
-// Bounded formatting that the locale of the host does not change. Internal to the library; each system's
-// backend in platform implements it, since setting a locale for one thread is a matter of the system.
+// Bounded formatting with the same result in every locale. Internal to the library. Each backend of platform
+// implements it, because systems differ in how a thread sets its locale.
 #pragma once
 
 #include <cstdarg>
@@ -7,9 +7,9 @@
 
 namespace orx {
 
-// Like vsnprintf: returns the length of the whole text, or a negative value when the format cannot be carried
-// out. Writes at most `size` bytes, the last of them a NUL. In every locale numbers have a decimal point and
-// wide text becomes narrow text in the encoding of the process. errno is left alone.
+// Formats as vsnprintf does: writes at most `size` bytes including a NUL, and returns the length of the whole
+// text, or a negative value when an argument cannot be formatted. Numbers have a decimal point in every
+// locale. Wide text becomes narrow text in the encoding of the process. errno is unchanged.
 [[gnu::format(printf, 3, 0)]] int format_text(char* buffer, std::size_t size, const char* format,
                                               std::va_list arguments);
 

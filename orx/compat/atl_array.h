@@ -1,8 +1,10 @@
 // CAtlArray: a growable array in one contiguous block.
 //
-// Indices are checked: one that is not below the count raises CAtlException with E_INVALIDARG; a block that
-// cannot grow raises E_OUTOFMEMORY, except in SetCount, which reports it by its result. An array cannot be
-// copied by construction or assignment; Copy does it on demand.
+// The array owns its elements. An index that is not below the count raises CAtlException with E_INVALIDARG.
+// When memory runs out, the functions raise CAtlException with E_OUTOFMEMORY, except SetCount, which returns
+// false. The array then keeps its elements; only Copy leaves it empty. Pointers and references to elements
+// are valid until the array changes. An array has no copy constructor and no assignment; Copy copies
+// explicitly. Different threads may use different arrays.
 #pragma once
 
 #if defined(_MSC_VER)
@@ -20,6 +22,8 @@
 #include <type_traits>
 #include <utility>
 
+// The first count_ elements of the block at data_ are constructed, and the block has space for capacity_ of
+// them. Without a block data_ is null and capacity_ is 0.
 template <class T>
 class CAtlArray {
   static_assert(std::is_nothrow_move_constructible_v<T>, "elements move when the block grows");
@@ -40,33 +44,37 @@ class CAtlArray {
   const T* begin() const noexcept { return data_; }
   const T* end() const noexcept { return data_ + count_; }
 
-  T& GetAt(std::size_t index) { return data_[Checked(index)]; }
-  const T& GetAt(std::size_t index) const { return data_[Checked(index)]; }
-  T& operator[](std::size_t index) { return data_[Checked(index)]; }
-  const T& operator[](std::size_t index) const { return data_[Checked(index)]; }
-  void SetAt(std::size_t index, const T& value) { data_[Checked(index)] = value; }
+  T& GetAt(std::size_t index) { return data_[CheckIndex(index)]; }
+  const T& GetAt(std::size_t index) const { return data_[CheckIndex(index)]; }
+  T& operator[](std::size_t index) { return data_[CheckIndex(index)]; }
+  const T& operator[](std::size_t index) const { return data_[CheckIndex(index)]; }
+  void SetAt(std::size_t index, const T& value) { data_[CheckIndex(index)] = value; }
 
-  // The index of the new element. `value` may be an element of this array.
+  // Appends an element and returns its index. `value` may be an element of this array, and is therefore
+  // copied before the block grows.
   std::size_t Add(const T& value) {
     T copy(value);
     return Add(std::move(copy));
   }
   std::size_t Add(T&& value) {
-    T kept(std::move(value));
+    T element(std::move(value));
     Reserve(count_ + 1);
-    std::construct_at(data_ + count_, std::move(kept));
-    return count_++;
+    std::construct_at(data_ + count_, std::move(element));
+    ++count_;
+    return count_ - 1;
   }
 
-  // New elements are value-initialised, surplus ones destroyed; 0 frees the block. A growth step of -1 leaves
-  // the one in force, 0 grows by half. False when the block cannot grow; the array is then unchanged.
+  // Sets the number of elements. New elements are value-initialised, surplus elements are destroyed, and a
+  // count of 0 frees the block. `growth_step` is the least number of elements by which the block grows from
+  // now on: 0 stands for half the capacity, -1 keeps the current step. Returns false when memory runs out;
+  // the elements are then unchanged.
   bool SetCount(std::size_t count, int growth_step = -1) {
     if (growth_step >= 0) growth_step_ = static_cast<std::size_t>(growth_step);
     if (count == 0) {
       RemoveAll();
       return true;
     }
-    if (count > capacity_ && !Reallocate(GrownCapacity(count))) return false;
+    if (count > capacity_ && !Reallocate(NextCapacity(count))) return false;
     if (count < count_) {
       std::destroy(data_ + count, data_ + count_);
     } else {
@@ -78,21 +86,22 @@ class CAtlArray {
 
   void RemoveAt(std::size_t index, std::size_t elements = 1) {
     if (index > count_ || elements > count_ - index) AtlThrow(E_INVALIDARG);
-    if (elements == 0) return;  // moving elements onto themselves would empty them
+    if (elements == 0) return;  // moving an element onto itself would empty it
     std::move(data_ + index + elements, data_ + count_, data_ + index);
     std::destroy(data_ + count_ - elements, data_ + count_);
     count_ -= elements;
   }
 
-  // An index beyond the end first grows the array with value-initialised elements.
+  // Inserts before the element at `index`. An index beyond the end first grows the array to that many
+  // elements, value-initialised. `value` may be an element of this array.
   void InsertAt(std::size_t index, const T& value) {
-    T kept(value);
+    T element(value);
     if (index > count_ && !SetCount(index)) AtlThrow(E_OUTOFMEMORY);
-    Add(std::move(kept));
+    Add(std::move(element));
     std::rotate(data_ + index, data_ + count_ - 1, data_ + count_);
   }
 
-  // The index of the first appended element.
+  // Appends copies of all elements of `other`, which may be this array, and returns the index of the first.
   std::size_t Append(const CAtlArray& other) {
     const std::size_t first = count_;
     const std::size_t added = other.count_;
@@ -102,35 +111,39 @@ class CAtlArray {
     return first;
   }
 
+  // Replaces the elements by copies of those of `other`.
   void Copy(const CAtlArray& other) {
     if (this == &other) return;
     RemoveAll();
     Append(other);
   }
 
-  // Frees the block; the growth step stays.
+  // Destroys the elements and frees the block. The growth step is kept.
   void RemoveAll() noexcept {
     std::destroy(data_, data_ + count_);
     std::free(data_);
     data_ = nullptr;
-    count_ = capacity_ = 0;
+    count_ = 0;
+    capacity_ = 0;
   }
 
  private:
-  std::size_t Checked(std::size_t index) const {
+  std::size_t CheckIndex(std::size_t index) const {
     if (index >= count_) AtlThrow(E_INVALIDARG);
     return index;
   }
 
-  std::size_t GrownCapacity(std::size_t wanted) const noexcept {
+  std::size_t NextCapacity(std::size_t wanted) const noexcept {
     const std::size_t step = growth_step_ != 0 ? growth_step_ : capacity_ / 2;
     return std::max(wanted, capacity_ + step);
   }
 
   void Reserve(std::size_t wanted) {
-    if (wanted > capacity_ && !Reallocate(GrownCapacity(wanted))) AtlThrow(E_OUTOFMEMORY);
+    if (wanted > capacity_ && !Reallocate(NextCapacity(wanted))) AtlThrow(E_OUTOFMEMORY);
   }
 
+  // Moves the elements into a block with space for `capacity` of them. Returns false, and changes nothing,
+  // when memory runs out.
   bool Reallocate(std::size_t capacity) noexcept {
     if (capacity > PTRDIFF_MAX / sizeof(T)) return false;
     T* block = static_cast<T*>(std::malloc(capacity * sizeof(T)));

@@ -1,4 +1,5 @@
-// CAtlException, by which the string and array classes report an index out of range or exhausted memory.
+// CAtlException: the exception of the string and array classes. E_INVALIDARG is an index out of range or an
+// invalid argument, E_OUTOFMEMORY is out of memory.
 #pragma once
 
 #if defined(_WIN32)
@@ -13,7 +14,7 @@
 #include <cstdint>
 
 #if !defined(_WIN32)
-using HRESULT = std::int32_t;  // negative: failure
+using HRESULT = std::int32_t;  // failures are negative
 
 inline constexpr HRESULT S_OK = 0;
 inline constexpr HRESULT S_FALSE = 1;
@@ -24,7 +25,7 @@ inline constexpr HRESULT DISP_E_TYPEMISMATCH = static_cast<HRESULT>(0x80020005U)
 inline constexpr HRESULT DISP_E_BADVARTYPE = static_cast<HRESULT>(0x80020008U);
 #endif
 
-// Not derived from std::exception, as on the platform that hosts know it from: catch it by its own name.
+// As on Windows, the class is not derived from std::exception, so a handler must name it.
 class ORX_API CAtlException {
  public:
   CAtlException() noexcept = default;

@@ -8,9 +8,10 @@
 
 namespace {
 
-using ByteCount = std::uint32_t;  // stands before the characters
+// The layout of a block: the length in bytes, the characters, a NUL. A BSTR points to the characters.
+using ByteCount = std::uint32_t;
 
-static_assert(sizeof(ByteCount) % alignof(OLECHAR) == 0, "the characters follow it without a gap");
+static_assert(sizeof(ByteCount) % alignof(OLECHAR) == 0, "the characters follow the length without a gap");
 
 }  // namespace
 

@@ -1,8 +1,8 @@
-// BSTR: a counted wide string that is owned by whoever holds it.
+// BSTR: a wide string with a length.
 //
-// The characters are followed by a terminating NUL and preceded by their length in bytes, so a BSTR may hold
-// NULs. A null BSTR stands for the empty text. Every BSTR is released with SysFreeString, and by nothing
-// else.
+// A BSTR points to its characters. A terminating NUL follows them, and their length in bytes precedes them,
+// so a BSTR may contain NULs. A null BSTR is the empty text. Whoever holds a BSTR owns it and releases it
+// with SysFreeString; no other function can release it. Different threads may use different strings.
 #pragma once
 
 #if defined(_WIN32)
@@ -13,17 +13,18 @@
 
 #include <wchar.h>
 
-typedef wchar_t OLECHAR;  // one code point each
+typedef wchar_t OLECHAR;  // one code point
 typedef OLECHAR* BSTR;
 typedef unsigned int UINT;
 
 ORX_C_BEGIN
 
-// A copy of the text up to its NUL; null for a null text or exhausted memory.
+// Returns a copy of the text up to its NUL, or null when `text` is null or memory runs out.
 ORX_API BSTR SysAllocString(const OLECHAR* text);
 
-// A string of `length` characters, copied from `text` (NULs included), or uninitialised when `text` is null;
-// null when memory is exhausted.
+// Returns a string of `length` characters, or null when memory runs out or the length in bytes needs more
+// than 32 bits. Copies the characters from `text`, NULs included. If `text` is null, the characters are
+// uninitialised.
 ORX_API BSTR SysAllocStringLen(const OLECHAR* text, UINT length);
 
 // The length in characters, without the terminating NUL; 0 for null.
@@ -32,7 +33,7 @@ ORX_API UINT SysStringLen(BSTR text);
 // The length in bytes, without the terminating NUL; 0 for null.
 ORX_API UINT SysStringByteLen(BSTR text);
 
-// Null is allowed.
+// Releases the string. Null is allowed.
 ORX_API void SysFreeString(BSTR text);
 
 ORX_C_END

@@ -1,8 +1,8 @@
-// The node types that the XML wrapper hands out.
+// The nodes and node lists of an XML document (xml/xml_document.h).
 //
-// Every pointer that an operation writes into an out-parameter carries a reference that its caller owns and
-// gives back with Release. A node or list keeps everything it belongs to alive, whatever becomes of the
-// document. Nodes and lists belong to one thread at a time, together with their document.
+// Nodes and lists are reference-counted. A function that writes a pointer into an out-parameter also adds a
+// reference. The caller owns that reference and gives it up with Release. A node or list remains valid after
+// its document object is destroyed. A document, its nodes and its lists may be used by one thread at a time.
 #pragma once
 
 #if defined(_WIN32)
@@ -10,9 +10,10 @@
 #else
 
 struct IXMLDOMReferenced {
-  virtual unsigned long AddRef() noexcept = 0;  // the new count
-  virtual unsigned long
-  Release() noexcept = 0;  // the count that is left; at 0 the pointer is no longer valid
+  // Adds a reference and returns the new count.
+  virtual unsigned long AddRef() noexcept = 0;
+  // Gives up a reference and returns the remaining count. At 0 the object is gone and the pointer is invalid.
+  virtual unsigned long Release() noexcept = 0;
 
  protected:
   ~IXMLDOMReferenced() = default;

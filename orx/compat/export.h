@@ -1,11 +1,10 @@
 // The macros of the public headers.
 //
-//   ORX_API                what hosts may call: everything else in the library is hidden
-//   ORX_C_BEGIN/ORX_C_END  around declarations that C callers share
-//   ORX_NORETURN           before ORX_API: the function does not return
-//   ORX_PRINTF(f, a)       the compiler checks the arguments from position a on against the format at
-//   position f
-//                          (positions count from 1, and from 2 in a member function)
+//   ORX_API                  exports a function or class; the library hides all other symbols
+//   ORX_C_BEGIN, ORX_C_END   enclose the declarations that C programs can use
+//   ORX_NORETURN             marks a function that does not return; precedes ORX_API
+//   ORX_PRINTF(f, a)         lets the compiler check the arguments from position a on against the printf
+//                            format at position f; positions count from 1, and from 2 in member functions
 #pragma once
 
 #if defined(_WIN32)

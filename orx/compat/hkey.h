@@ -1,11 +1,12 @@
 // HKEY: a key of the registry, a tree of keys that hold typed values.
 //
-// The settings of a user are below HKEY_CURRENT_USER, those of the machine below HKEY_LOCAL_MACHINE. Names
-// are compared without regard to letter case and kept as they were first written; a key's name is one level
-// of at most 255 characters, and a path puts backslashes between levels. Every function returns ERROR_SUCCESS
-// or the code of the failure, and leaves errno alone. An open key belongs to whoever opened it, and is closed
-// once. Functions may be called from any thread; each is one transaction, which other processes see as a
-// whole or not at all.
+// HKEY_CURRENT_USER is the root of the user's settings, HKEY_LOCAL_MACHINE that of the machine's. A path
+// consists of the names of keys, one for each level, separated by backslashes. Names keep the letter case in
+// which they were first written, and are compared without regard to it.
+//
+// Every function returns ERROR_SUCCESS or the code of the failure, and leaves errno unchanged. The caller
+// owns each key that it opens, and closes it once with RegCloseKey. The functions may be called from any
+// thread. Each call is one transaction: other processes see all of its changes or none.
 #pragma once
 
 #if defined(_WIN32)
@@ -33,15 +34,15 @@ typedef struct orxOpenKey* HKEY;
 #define HKEY_LOCAL_MACHINE ((HKEY)(uintptr_t)0x80000002U)
 #endif
 
-// The longest names in characters.
+// The greatest lengths of names, in characters.
 #define ORX_REGISTRY_KEY_NAME_LENGTH 255
 #define ORX_REGISTRY_VALUE_NAME_LENGTH 16383
 
-// The levels of a tree of keys; the root is the first one.
+// The greatest number of levels, counting the root as the first.
 #define ORX_REGISTRY_DEPTH 512
 
-// What a key was opened for. Rights are asked of a key when its own values are used or its sub-keys listed;
-// sub-keys can be opened, made and deleted through any key.
+// Access rights of an open key. They are checked when the key's own values are used or its sub-keys are
+// listed. Any open key can open, create and delete sub-keys.
 #define KEY_QUERY_VALUE 0x0001U
 #define KEY_SET_VALUE 0x0002U
 #define KEY_ENUMERATE_SUB_KEYS 0x0008U
@@ -49,8 +50,9 @@ typedef struct orxOpenKey* HKEY;
 #define KEY_WRITE 0x20006U
 #define KEY_ALL_ACCESS 0xF003FU
 
-// Types of values. They are kept and not looked at, but that a text read into a buffer with room to spare is
-// given a terminating NUL if it was stored without.
+// Types of values. They are stored and reported, and do not change how a value is treated, with one
+// exception: a text that was stored without a terminating NUL is read with one if the buffer has space for
+// it.
 #define REG_NONE 0U
 #define REG_SZ 1U
 #define REG_EXPAND_SZ 2U
@@ -71,56 +73,61 @@ enum {
   ERROR_MORE_DATA = 234,
   ERROR_NO_MORE_ITEMS = 259,
   ERROR_NOACCESS = 998,
-  ERROR_BADDB = 1009,  // the store is not one, is damaged, or is of a later version
+  ERROR_BADDB = 1009,  // the file is not a settings store, is damaged, or has a later version
   ERROR_REGISTRY_IO_FAILED = 1016,
   ERROR_KEY_DELETED = 1018
 };
 
 ORX_C_BEGIN
 
-// Opens the key at `path` below `key`; a null or empty path opens the same key once more. `options` is
-// ignored, `*opened` null after a failure.
+// Opens the key at `path` below `key` and stores it in `*opened`, or null after a failure. A null or empty
+// path opens `key` itself once more. `options` is ignored.
 ORX_API LSTATUS RegOpenKeyExA(HKEY key, const char* path, DWORD options, REGSAM access, HKEY* opened);
 
-// The same, making the levels that are missing; those made before a failure stay. `reserved`, `class_name`,
-// `options` and `security` are ignored; `disposition` may be null and tells REG_CREATED_NEW_KEY or
-// REG_OPENED_EXISTING_KEY.
+// Opens the key at `path` as RegOpenKeyExA does, and creates the missing levels. Levels that were created
+// before a failure remain. `*disposition` is set to REG_CREATED_NEW_KEY or REG_OPENED_EXISTING_KEY;
+// `disposition` may be null. `reserved`, `class_name`, `options` and `security` are ignored.
 #define REG_CREATED_NEW_KEY 1U
 #define REG_OPENED_EXISTING_KEY 2U
 ORX_API LSTATUS RegCreateKeyExA(HKEY key, const char* path, DWORD reserved, char* class_name, DWORD options,
                                 REGSAM access, const void* security, HKEY* opened, DWORD* disposition);
 
-// ERROR_INVALID_HANDLE for a key that is not open; a root stays open.
+// Closes the key. A key that is not open gives ERROR_INVALID_HANDLE. Closing a root has no effect.
 ORX_API LSTATUS RegCloseKey(HKEY key);
 
-// Reads a value; a null name means the key's default value. `*size` is the room in `data` before, the bytes
-// stored after, also with ERROR_MORE_DATA, when they don't fit and `data` is untouched. A null `data` asks
-// for type and size alone. `reserved` is ignored; `type` may be null, and so may `size` without data.
+// Reads the value `name`; null is the key's default value. On entry `*size` is the capacity of `data` in
+// bytes, on return the size of the value. A value that does not fit gives ERROR_MORE_DATA and its size, and
+// leaves `data` unchanged. With a null `data` the function only reports type and size. `type` may be null,
+// and so may `size` if `data` is null. `reserved` is ignored.
 ORX_API LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
                                  DWORD* size);
 
-// Makes or replaces a value, with its type. `data` may be null when `size` is 0.
+// Creates or replaces the value `name`; null is the key's default value. `size` is in bytes. `data` may be
+// null when `size` is 0. `reserved` is ignored.
 ORX_API LSTATUS RegSetValueExA(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
                                DWORD size);
 
+// Deletes a value. A missing value gives ERROR_FILE_NOT_FOUND.
 ORX_API LSTATUS RegDeleteValueA(HKEY key, const char* name);
 
-// Deletes the key at `path` with its values; ERROR_ACCESS_DENIED if it has sub-keys. The empty path is the
-// key itself. Keys that are still open on it answer ERROR_KEY_DELETED from then on. The key "Software" of a
-// root cannot be deleted.
+// Deletes the key at `path` with its values. The empty path is `key` itself; a null path gives
+// ERROR_INVALID_PARAMETER. A key with sub-keys gives ERROR_ACCESS_DENIED, and so does the key "Software" of a
+// root. The handles that are open on a deleted key give ERROR_KEY_DELETED; they must still be closed.
 ORX_API LSTATUS RegDeleteKeyA(HKEY key, const char* path);
 
-// Deletes the key at `path` with all below it. A null or empty path deletes what is below the key, and leaves
-// the key with its values.
+// Deletes the key at `path` with its values and all keys below it. A null or empty path deletes all keys
+// below `key`, and keeps `key` with its values.
 ORX_API LSTATUS SHDeleteKeyA(HKEY key, const char* path);
 
-// The sub-keys in the order of their names, from index 0 to ERROR_NO_MORE_ITEMS. `*name_size` is the room in
-// `name` before, with the NUL, and the length after, without it; ERROR_MORE_DATA when it doesn't fit. The
-// last four are ignored and may be null.
+// Lists the sub-keys in the order of their names: writes the name of the sub-key at `index`, which counts
+// from 0. An index after the last sub-key gives ERROR_NO_MORE_ITEMS. On entry `*name_size` is the capacity of
+// `name` including the NUL, on return the length of the name without it. A name that does not fit gives
+// ERROR_MORE_DATA. The last four arguments are ignored and may be null.
 ORX_API LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* reserved,
                               char* class_name, DWORD* class_size, void* last_write_time);
 
-// The values in the order of their names; type, data and size as in RegQueryValueExA.
+// Lists the values in the order of their names, as RegEnumKeyExA lists keys. `type`, `data` and `size` are
+// those of RegQueryValueExA. `reserved` is ignored.
 ORX_API LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* reserved,
                               DWORD* type, BYTE* data, DWORD* size);
 

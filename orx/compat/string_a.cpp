@@ -24,7 +24,7 @@ std::string_view view(const CStringA& text) {
 
 std::string_view view(const char* text) { return text != nullptr ? text : std::string_view(); }
 
-// -1 for nothing found.
+// The index of a position in a string_view; npos becomes -1.
 int index_of(std::size_t position) { return static_cast<int>(position); }
 
 int checked_length(std::size_t length) {
@@ -37,20 +37,24 @@ std::size_t checked_count(const char* chars, int length) {
   return static_cast<std::size_t>(length);
 }
 
-// A second owner of a text that an argument points into: the change then takes place in a new block, and
-// the argument stays what it was.
+// Protects an argument that points into `text` while `text` changes: returns a second owner of the block, so
+// that the change goes into a new block and the argument keeps its characters. For any other argument returns
+// the empty string.
 CStringA pin(const CStringA& text, const char* argument) {
-  const std::less_equal<> not_after;
+  const std::less_equal<> not_after;  // defined for pointers into different blocks too
   const char* begin = text.GetString();
-  return not_after(begin, argument) && not_after(argument, begin + text.GetLength()) ? text : CStringA();
+  const char* end = begin + text.GetLength();
+  const bool is_inside = not_after(begin, argument) && not_after(argument, end);
+  return is_inside ? text : CStringA();
 }
 
-// Enough for the wanted text, and twice what there is when more is wanted.
-std::size_t grown_capacity(int capacity, int wanted) {
+// The capacity of a new block for `wanted` characters: exactly as many if the old block had space for them,
+// otherwise at least twice the old capacity, so that appending takes linear time in total.
+std::size_t next_capacity(int capacity, int wanted) {
   constexpr int kSmallestStep = 64;
   if (wanted <= capacity) return static_cast<std::size_t>(wanted);
-  const std::int64_t grown = std::int64_t{capacity} + std::max(capacity, kSmallestStep);
-  return static_cast<std::size_t>(std::clamp<std::int64_t>(grown, wanted, INT_MAX));
+  const std::int64_t doubled = std::int64_t{capacity} + std::max(capacity, kSmallestStep);
+  return static_cast<std::size_t>(std::clamp<std::int64_t>(doubled, wanted, INT_MAX));
 }
 
 CStringA& change_each(CStringA& text, char (*change)(char)) {
@@ -88,7 +92,8 @@ void append(CStringA& text, std::string_view added) {
   text.Append(added.data(), checked_length(added.size()));
 }
 
-// The added text is complete before `text` changes: arguments may be part of it.
+// Formats the whole addition before `text` changes, because arguments may point into `text`. Failures are
+// results, so that the callers reach their va_end.
 ORX_PRINTF(2, 0)
 HRESULT append_formatted(CStringA& text, const char* format, std::va_list arguments) try {
   if (format == nullptr) return E_INVALIDARG;
@@ -118,10 +123,12 @@ void require(HRESULT result) {
 
 }  // namespace
 
-// A block with the empty text, or a sole owner's block with its text moved into the wanted room.
+// Returns the characters of a block with space for at least `capacity` of them. Without `moved` the block is
+// new and has one owner; the caller sets text and length. Otherwise the block at `moved`, which has one
+// owner, is enlarged and keeps its text.
 char* CStringA::Allocate(std::size_t capacity, Header* moved) {
   if (capacity > INT_MAX) AtlThrow(E_OUTOFMEMORY);
-  constexpr std::size_t kGranule = 16;  // the allocator rounds up to it anyway
+  constexpr std::size_t kGranule = 16;  // malloc rounds up to it anyway
   const std::size_t size = (sizeof(Header) + capacity + kGranule) / kGranule * kGranule;
   void* block = moved == nullptr ? std::malloc(size) : std::realloc(static_cast<void*>(moved), size);
   if (block == nullptr) AtlThrow(E_OUTOFMEMORY);
@@ -171,8 +178,9 @@ void CStringA::SetString(const char* chars, int length) {
   const std::size_t count = checked_count(chars, length);
   if (count == 0) return Empty();
   if (!IsSoleOwner(chars_) || length > HeaderOf(chars_)->capacity) {
-    char* made = Made(chars, count);
-    Drop(std::exchange(chars_, made));
+    // The old block is dropped last, because `chars` may point into it.
+    char* copy = Made(chars, count);
+    Drop(std::exchange(chars_, copy));
   } else {
     std::memmove(chars_, chars, count);
     SetLength(length);
@@ -183,7 +191,7 @@ char* CStringA::GetBuffer(int length) {
   if (length < 0) AtlThrow(E_INVALIDARG);
   Header* header = HeaderOf(chars_);
   const int wanted = std::max(length, header->length);
-  const std::size_t capacity = grown_capacity(header->capacity, wanted);
+  const std::size_t capacity = next_capacity(header->capacity, wanted);
   if (!IsSoleOwner(chars_)) {
     char* fresh = Allocate(capacity);
     std::memcpy(fresh, chars_, static_cast<std::size_t>(header->length) + 1);
@@ -197,12 +205,13 @@ char* CStringA::GetBuffer(int length) {
 
 void CStringA::ReleaseBuffer(int length) {
   const auto capacity = static_cast<std::size_t>(HeaderOf(chars_)->capacity);
-  ReleaseBufferSetLength(length == -1 ? static_cast<int>(strnlen(chars_, capacity)) : length);
+  if (length == -1) length = static_cast<int>(strnlen(chars_, capacity));
+  ReleaseBufferSetLength(length);
 }
 
 void CStringA::ReleaseBufferSetLength(int length) {
   if (length < 0 || length > HeaderOf(chars_)->capacity) AtlThrow(E_INVALIDARG);
-  if (!IsSoleOwner(chars_)) return SetString(chars_, length);
+  if (!IsSoleOwner(chars_)) return SetString(chars_, length);  // no buffer was taken
   SetLength(length);
 }
 
@@ -213,7 +222,8 @@ void CStringA::AddInNewBlock(const char* chars, std::size_t length) {
   const auto old_length = static_cast<std::size_t>(GetLength());
   const int new_length = checked_length(old_length + length);
   const CStringA pinned = pin(*this, chars);
-  std::memcpy(GetBuffer(new_length) + old_length, chars, length);
+  char* buffer = GetBuffer(new_length);
+  std::memcpy(buffer + old_length, chars, length);
   SetLength(new_length);
 }
 
@@ -256,7 +266,8 @@ int CStringA::CompareNoCase(const char* other) const noexcept {
 }
 
 int CStringA::Find(char c, int start) const noexcept {
-  return start < 0 ? -1 : index_of(view(*this).find(c, static_cast<std::size_t>(start)));
+  if (start < 0) return -1;
+  return index_of(view(*this).find(c, static_cast<std::size_t>(start)));
 }
 
 int CStringA::Find(const char* text, int start) const noexcept {
@@ -313,10 +324,13 @@ int CStringA::Replace(const char* old_text, const char* new_text) {
   CStringA result;
   int replaced = 0;
   std::size_t done = 0;
-  for (std::size_t at; (at = text.find(wanted, done)) != std::string_view::npos; ++replaced) {
-    append(result, text.substr(done, at - done));
+  std::size_t match = text.find(wanted);
+  while (match != std::string_view::npos) {
+    append(result, text.substr(done, match - done));
     append(result, substitute);
-    done = at + wanted.size();
+    done = match + wanted.size();
+    match = text.find(wanted, done);
+    ++replaced;
   }
   if (replaced == 0) return 0;
   append(result, text.substr(done));
@@ -328,7 +342,8 @@ int CStringA::Remove(char c) {
   const auto removed = static_cast<int>(std::count(chars_, chars_ + GetLength(), c));
   if (removed == 0) return 0;
   char* chars = GetBuffer();
-  SetLength(static_cast<int>(std::remove(chars, chars + GetLength(), c) - chars));
+  const char* end = std::remove(chars, chars + GetLength(), c);
+  SetLength(static_cast<int>(end - chars));
   return removed;
 }
 

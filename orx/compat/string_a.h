@@ -1,13 +1,13 @@
 // CStringA: a narrow string that is cheap to copy.
 //
-// A string is one pointer to its characters; copies share them, counted atomically, until one of them is
-// changed. The text is NUL-terminated and may hold NULs; its length counts bytes. A null `const char*` is the
-// empty string. Letter case and white space are those of ASCII, whatever the locale; comparison is by
-// unsigned bytes. Arguments may be part of the string that is changed.
+// A string is one pointer to its characters. Copies share the characters until one of the copies changes. The
+// text ends with a NUL and may contain NULs; lengths and indices count bytes. A null `const char*` is the
+// empty string. Letter case and white space are those of ASCII in every locale, and texts are compared as
+// unsigned bytes. Arguments may point into the string that they change.
 //
-// An index out of range raises CAtlException with E_INVALIDARG, exhausted memory (or a text longer than
-// INT_MAX) with E_OUTOFMEMORY; the string is then unchanged. Two threads may use two copies of one text, but
-// not one string.
+// An index out of range or an invalid argument raises CAtlException with E_INVALIDARG. Out of memory and a
+// text longer than INT_MAX raise it with E_OUTOFMEMORY. The string is then unchanged. Two threads may use two
+// copies of a text, but not the same string.
 #pragma once
 
 #if defined(_MSC_VER)
@@ -28,18 +28,21 @@
 #include <sys/single_threaded.h>
 #endif
 
+// chars_ points to the characters of a block, directly after its header. It is never null: the empty string
+// usually points into nil_, a static block that has no owners and is never written. Every change of the text
+// first makes the string the only owner of its block.
 class ORX_API CStringA {
  public:
   CStringA() noexcept : chars_(Nil()) {}
   CStringA(const char* text) : chars_(Made(text, LengthOf(text))) {}
   CStringA(const char* chars, int length);
   explicit CStringA(char c, int repeat = 1);
-  CStringA(const CStringA& other) noexcept : chars_(Shared(other.chars_)) {}
+  CStringA(const CStringA& other) noexcept : chars_(Share(other.chars_)) {}
   CStringA(CStringA&& other) noexcept : chars_(std::exchange(other.chars_, Nil())) {}
   ~CStringA() { Drop(chars_); }
 
   CStringA& operator=(const CStringA& other) noexcept {
-    char* old = std::exchange(chars_, Shared(other.chars_));
+    char* old = std::exchange(chars_, Share(other.chars_));
     Drop(old);
     return *this;
   }
@@ -54,25 +57,25 @@ class ORX_API CStringA {
   bool IsEmpty() const noexcept { return GetLength() == 0; }
   void Empty() noexcept { *this = CStringA(); }
 
-  // Valid until the string is next changed.
+  // The pointer is valid until the string changes.
   const char* GetString() const noexcept { return chars_; }
   operator const char*() const noexcept { return chars_; }
 
-  // An index up to and including the length, where the NUL stands.
+  // The index may be the length, which is the index of the NUL.
   char GetAt(int index) const {
     if (index < 0 || index > GetLength()) AtlThrow(E_INVALIDARG);
     return chars_[index];
   }
   char operator[](int index) const { return GetAt(index); }
-  // An index below the length.
+  // The index must be below the length.
   void SetAt(int index, char c);
 
   void SetString(const char* text) { *this = text; }
   void SetString(const char* chars, int length);
 
-  // A block that is this string's alone and has room for at least `length` characters and a NUL; it begins
-  // with the text. Writing into it ends with ReleaseBuffer, which takes the new length (-1: up to the first
-  // NUL).
+  // Returns a writable buffer with space for at least `length` characters and a NUL, which begins with the
+  // current text. No other string shares it. Call ReleaseBuffer after writing, with the new length, or with
+  // -1 for the length up to the first NUL; the pointer is then invalid.
   char* GetBuffer(int length = 0);
   void ReleaseBuffer(int length = -1);
   void ReleaseBufferSetLength(int length);
@@ -86,36 +89,46 @@ class ORX_API CStringA {
     chars_[length] = c;
     SetLength(length + 1);
   }
-  CStringA& operator+=(const CStringA& other) { return Append(other), *this; }
-  CStringA& operator+=(const char* text) { return Append(text), *this; }
-  CStringA& operator+=(char c) { return AppendChar(c), *this; }
+  CStringA& operator+=(const CStringA& other) {
+    Append(other);
+    return *this;
+  }
+  CStringA& operator+=(const char* text) {
+    Append(text);
+    return *this;
+  }
+  CStringA& operator+=(char c) {
+    AppendChar(c);
+    return *this;
+  }
 
-  // The printf conventions of the C runtime; numbers are written alike in every locale. Text may come from
-  // the string itself. A format that cannot be carried out raises E_INVALIDARG.
+  // The formats are those of printf. Numbers have a decimal point in every locale. Arguments may point into
+  // the string. A null format, and wide text that cannot be converted, raise E_INVALIDARG.
   void Format(const char* format, ...) ORX_PRINTF(2, 3);
   void FormatV(const char* format, va_list arguments) ORX_PRINTF(2, 0);
   void AppendFormat(const char* format, ...) ORX_PRINTF(2, 3);
   void AppendFormatV(const char* format, va_list arguments) ORX_PRINTF(2, 0);
 
-  // Below, at or above 0: this text sorts before, with or after the other (null: the empty text), up to its
-  // first NUL.
+  // Returns a negative number, 0 or a positive number as this text sorts before, with or after `other`. Texts
+  // are compared up to their first NUL. CompareNoCase compares letters as lower-case letters.
   int Compare(const char* other) const noexcept { return std::strcmp(chars_, other != nullptr ? other : ""); }
   int CompareNoCase(const char* other) const noexcept;
 
-  // An index, or -1. A search starts at `start`; one outside the string finds nothing.
+  // Return the index of the first match from `start` on, or -1. A `start` outside the string finds nothing.
+  // ReverseFind returns the last match, FindOneOf the first character that belongs to `set`.
   int Find(char c, int start = 0) const noexcept;
   int Find(const char* text, int start = 0) const noexcept;
   int ReverseFind(char c) const noexcept;
   int FindOneOf(const char* set) const noexcept;
 
-  // Positions and counts are clipped to the string.
+  // Return a part of the text. Positions and counts are clipped to the string.
   CStringA Left(int count) const;
   CStringA Mid(int first) const;
   CStringA Mid(int first, int count) const;
   CStringA Right(int count) const;
 
-  // White space (space, tab, line feed, vertical tab, form feed, carriage return), one character, or any of a
-  // set.
+  // Remove white space (space, tab, line feed, vertical tab, form feed, carriage return), the character `c`,
+  // or the characters of `set`, at one end or at both.
   CStringA& Trim() { return TrimRight().TrimLeft(); }
   CStringA& Trim(char c) { return TrimRight(c).TrimLeft(c); }
   CStringA& Trim(const char* set);
@@ -129,25 +142,27 @@ class ORX_API CStringA {
   CStringA& MakeUpper();
   CStringA& MakeLower();
 
-  // How many were replaced or removed.
+  // Replace or remove every match and return the number of matches.
   int Replace(char old_char, char new_char);
   int Replace(const char* old_text, const char* new_text);
   int Remove(char c);
 
-  // The new length. Positions are clipped to the string.
+  // Return the new length. Positions and counts are clipped to the string.
   int Insert(int index, char c);
   int Insert(int index, const char* text);
   int Delete(int index, int count = 1);
 
-  // The next token from `start` on between characters of the set, skipping empty ones; `start` moves behind
-  // it. At the end the result is empty and `start` is -1. A null or empty set gives the rest as one token.
+  // Returns the next token, the text between characters of `set`, and skips empty tokens. The search begins
+  // at `start`, which then moves to the character after the token's delimiter. After the last token the
+  // result is empty and `start` is -1. With a null or empty set the rest of the text is one token.
   CStringA Tokenize(const char* set, int& start) const;
 
  private:
-  struct alignas(16) Header {     // so the characters are aligned for the fast paths of the C runtime
-    std::atomic<int> references;  // 0: the block of the empty string, which is never counted
+  // The alignment also aligns the characters, for the fast paths of the C library.
+  struct alignas(16) Header {
+    std::atomic<int> references;  // the number of owners; always 0 in nil_
     int length;
-    int capacity;  // characters, without the NUL
+    int capacity;  // in characters, without the NUL
   };
   struct NilBlock {
     Header header;
@@ -158,10 +173,11 @@ class ORX_API CStringA {
   static char* Nil() noexcept { return nil_.terminator; }
   static Header* HeaderOf(char* chars) noexcept { return reinterpret_cast<Header*>(chars) - 1; }
   static std::atomic<int>& ReferencesTo(char* chars) noexcept { return HeaderOf(chars)->references; }
-  static int Count(char* chars, int change) noexcept {
+  // Adds `change` to the number of owners and returns the new number.
+  static int ChangeOwners(char* chars, int change) noexcept {
     std::atomic<int>& references = ReferencesTo(chars);
 #if defined(__GLIBC__)
-    // A fraction of the cost of an atomic addition, while the process has one thread.
+    // While the process has one thread, a plain addition does, at a fraction of the cost of an atomic one.
     if (__libc_single_threaded != 0) {
       const int count = references.load(std::memory_order_relaxed) + change;
       references.store(count, std::memory_order_relaxed);
@@ -170,14 +186,18 @@ class ORX_API CStringA {
 #endif
     return references.fetch_add(change, std::memory_order_acq_rel) + change;
   }
-  static char* Shared(char* chars) noexcept {
-    if (ReferencesTo(chars).load(std::memory_order_relaxed) != 0) Count(chars, 1);
+  // Adds an owner to the block.
+  static char* Share(char* chars) noexcept {
+    const bool is_nil = ReferencesTo(chars).load(std::memory_order_relaxed) == 0;
+    if (!is_nil) ChangeOwners(chars, 1);
     return chars;
   }
+  // Removes an owner, and frees the block with its last owner. The only owner needs no subtraction: no other
+  // string can become an owner meanwhile.
   static void Drop(char* chars) noexcept {
-    // Nobody else can take a reference from a sole owner, who is spared the subtraction.
-    const int references = ReferencesTo(chars).load(std::memory_order_acquire);
-    if (references == 1 || (references != 0 && Count(chars, -1) == 0)) Free(chars);
+    const int owners = ReferencesTo(chars).load(std::memory_order_acquire);
+    const bool is_nil = owners == 0;
+    if (owners == 1 || (!is_nil && ChangeOwners(chars, -1) == 0)) Free(chars);
   }
   static void Free(char* chars) noexcept;
   static char* Allocate(std::size_t capacity, Header* moved = nullptr);
@@ -187,10 +207,11 @@ class ORX_API CStringA {
   static bool IsSoleOwner(char* chars) noexcept {
     return ReferencesTo(chars).load(std::memory_order_acquire) == 1;
   }
+  // Appends in place where the block permits it. memmove, since the characters may be those of this string.
   void Add(const char* chars, std::size_t length) {
     char* end = chars_ + GetLength();
-    const auto room = static_cast<std::size_t>(HeaderOf(chars_)->capacity - GetLength());
-    if (length == 0 || length > room || !IsSoleOwner(chars_)) return AddInNewBlock(chars, length);
+    const auto space = static_cast<std::size_t>(HeaderOf(chars_)->capacity - GetLength());
+    if (length == 0 || length > space || !IsSoleOwner(chars_)) return AddInNewBlock(chars, length);
     SetLength(GetLength() + static_cast<int>(length));
     std::memmove(end, chars, length);
   }

@@ -1,7 +1,8 @@
-// VARIANT: a value that knows its type.
+// VARIANT: a value with its type.
 //
-// Initialise a VARIANT with VariantInit, and release what it holds with VariantClear. Setting vt and the
-// member of the union that belongs to it by hand is how values are made.
+// Initialise a VARIANT with VariantInit, set `vt` and the union member of that type, and release the value
+// with VariantClear. A variant owns the text of a VT_BSTR and nothing else. Different threads may use
+// different variants.
 #pragma once
 
 #if defined(_WIN32)
@@ -15,7 +16,7 @@
 
 typedef uint16_t VARTYPE;
 typedef int16_t VARIANT_BOOL;
-typedef double DATE;  // days since 1899-12-30, the fraction is the time of day
+typedef double DATE;  // days since 1899-12-30; the fraction is the time of day
 
 #define VARIANT_TRUE ((VARIANT_BOOL)-1)
 #define VARIANT_FALSE ((VARIANT_BOOL)0)
@@ -60,7 +61,7 @@ typedef struct tagVARIANT {
     uint16_t uiVal;        // VT_UI2
     int32_t lVal;          // VT_I4
     uint32_t ulVal;        // VT_UI4
-    int64_t llVal;         // VT_I8; VT_CY: in ten-thousandths
+    int64_t llVal;         // VT_I8; VT_CY in ten-thousandths
     uint64_t ullVal;       // VT_UI8
     int32_t intVal;        // VT_INT
     uint32_t uintVal;      // VT_UINT
@@ -68,8 +69,8 @@ typedef struct tagVARIANT {
     double dblVal;         // VT_R8
     DATE date;             // VT_DATE
     VARIANT_BOOL boolVal;  // VT_BOOL
-    BSTR bstrVal;          // VT_BSTR: owned by the variant
-    void* byref;           // any type with VT_BYREF: not owned
+    BSTR bstrVal;          // VT_BSTR; the variant owns it
+    void* byref;           // any type with VT_BYREF; the variant does not own it
   };
 } VARIANT;
 
@@ -81,14 +82,15 @@ typedef int32_t HRESULT;
 
 ORX_C_BEGIN
 
-// Makes the variant empty, whatever its bytes held. Null is ignored.
+// Makes an uninitialised variant empty, without releasing anything. Null is ignored.
 ORX_API void VariantInit(VARIANT* value);
 
-// Releases what the variant holds and makes it empty. Null is refused with E_INVALIDARG.
+// Releases the variant's text and makes it empty. Returns E_INVALIDARG for null, otherwise S_OK.
 ORX_API HRESULT VariantClear(VARIANT* value);
 
-// Clears `target`, then makes it a copy of `source` with a text of its own. E_INVALIDARG for a null pointer,
-// E_OUTOFMEMORY when the text cannot be copied (`target` is then empty). Copying onto itself changes nothing.
+// Clears `target`, then makes it a copy of `source` with its own copy of the text. Copying a variant onto
+// itself changes nothing. Returns S_OK, E_INVALIDARG for a null pointer, or E_OUTOFMEMORY when memory runs
+// out; `target` is then empty.
 ORX_API HRESULT VariantCopy(VARIANT* target, const VARIANT* source);
 
 ORX_C_END

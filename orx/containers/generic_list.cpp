@@ -17,21 +17,25 @@ namespace {
 
 using Node = genlist_node;
 
-// Followed by its nodes.
+// A block of memory for nodes, which follow this header.
 struct Block {
   Block* older;
 };
 
-// In nodes. Every block is three times the one before, and no page of it is touched before its nodes are
-// used. glibc holds back up to twice the largest block that it got back, if that has at most 32 MB. With
-// doubling, or with blocks of half the size, a list of a million items is more than that, and waits for all
-// its pages again whenever it is filled: that takes twice as long.
+// Sizes of blocks, in nodes. Each block is three times as large as the one before, and none of its pages is
+// touched before its nodes are used. The factor matters: glibc keeps freed memory up to twice the size of the
+// largest freed block, if that has at most 32 MB. With a factor of two, or with smaller blocks, a list of a
+// million items exceeds that limit, and every time it is filled again all its pages must be mapped again,
+// which takes twice as long.
 constexpr std::size_t kFirstBlock = 16;
 constexpr std::size_t kGrowth = 3;
 constexpr std::size_t kLargestBlock = 1000000;
 
 }  // namespace
 
+// The nodes form a chain from head to tail; both are null exactly when the list is empty. `current` is a node
+// of the chain or null. Every node is in the chain, in the chain of unused nodes, or fresh. During a call of
+// `free_item` the node is already out of the chain, but still counted.
 struct genlist {
   Node *head, *tail, *current;
   genlist_compare_fn compare;
@@ -41,13 +45,13 @@ struct genlist {
 
   Block* blocks;
   std::size_t block_size;   // of the newest block
-  Node *fresh, *fresh_end;  // what has not been used yet of the newest block
+  Node *fresh, *fresh_end;  // the nodes of the newest block that have never been used
   Node* unused;             // removed nodes, linked by `next`
 };
 
 namespace {
 
-// Where memory is short, a smaller block will do.
+// Adds the next block, or a smaller one when memory runs out.
 bool add_block(genlist& list) {
   const orx::ErrnoGuard errno_guard;
   std::size_t size = std::clamp(kGrowth * list.block_size, kFirstBlock, kLargestBlock);
@@ -70,40 +74,57 @@ Node* take_node(genlist& list, void* item) {
     list.unused = node->next;
   } else {
     if (list.fresh == list.fresh_end && !add_block(list)) return nullptr;
-    node = list.fresh++;
+    node = list.fresh;
+    ++list.fresh;
   }
   *node = {item, nullptr, nullptr};
   return node;
 }
 
-// Behind `place`; before the first node when that is null.
-void link(genlist& list, Node* node, Node* place) {
-  Node* const next = place == nullptr ? list.head : place->next;
-  node->prev = place;
-  node->next = next;
-  (place == nullptr ? list.head : place->next) = node;
-  (next == nullptr ? list.tail : next->prev) = node;
+// Links the node after `predecessor`, or before the first node if that is null.
+void link_node(genlist& list, Node* node, Node* predecessor) {
+  Node* const successor = predecessor == nullptr ? list.head : predecessor->next;
+  node->prev = predecessor;
+  node->next = successor;
+  if (predecessor == nullptr) {
+    list.head = node;
+  } else {
+    predecessor->next = node;
+  }
+  if (successor == nullptr) {
+    list.tail = node;
+  } else {
+    successor->prev = node;
+  }
   ++list.count;
 }
 
-void unlink(genlist& list, const Node* node) {
+void unlink_node(genlist& list, const Node* node) {
   if (node == list.current) list.current = node->next;
-  (node->prev == nullptr ? list.head : node->prev->next) = node->next;
-  (node->next == nullptr ? list.tail : node->next->prev) = node->prev;
+  if (node->prev == nullptr) {
+    list.head = node->next;
+  } else {
+    node->prev->next = node->next;
+  }
+  if (node->next == nullptr) {
+    list.tail = node->prev;
+  } else {
+    node->next->prev = node->prev;
+  }
 }
 
-// `free_item` may look at the list: the node is off it by then, though still counted.
-void remove(genlist& list, Node* node) {
-  unlink(list, node);
+// Callbacks may query the list: `free_item` finds the node unlinked, and the count not yet reduced.
+void remove_node(genlist& list, Node* node) {
+  unlink_node(list, node);
   if (list.free_item != nullptr) list.free_item(node->item);
   node->next = list.unused;
   list.unused = node;
   --list.count;
 }
 
-// The node that the item goes behind, or null for the front. Hosts may count on the calls: the walk asks for
-// the tail once more. It ends at the head even if `compare` contradicts itself.
-Node* place_of(const genlist& list, void* item) {
+// Returns the node after which the item belongs, or null for the front. Hosts may rely on the order of calls:
+// the tail is compared twice on purpose. The walk ends at the head even if `compare` contradicts itself.
+Node* find_predecessor(const genlist& list, void* item) {
   if (list.head == nullptr || list.compare(item, list.head->item) <= 0) return nullptr;
   Node* place = list.tail;
   if (list.compare(item, place->item) >= 0) return place;
@@ -111,7 +132,8 @@ Node* place_of(const genlist& list, void* item) {
   return place;
 }
 
-Node* find(const genlist* list, void* key) {
+// Returns the first node that matches the key, or null.
+Node* find_node(const genlist* list, void* key) {
   if (list == nullptr || list->compare == nullptr) return nullptr;
   Node* node = list->head;
   while (node != nullptr && list->compare(node->item, key) != 0) node = node->next;
@@ -120,14 +142,17 @@ Node* find(const genlist* list, void* key) {
 
 void* item_of(const Node* node) { return node == nullptr ? nullptr : node->item; }
 
-// `next` and `first` are those of the direction that is looked in.
+// Returns the item next to the first match. `next` and `first` select the direction: the following item, and
+// then the head if it wraps, or the preceding item and the tail.
 void* neighbour(const genlist* list, void* key, int wrap, Node* Node::*next, Node* genlist::*first) {
-  const Node* const node = find(list, key);
+  const Node* const node = find_node(list, key);
   if (node == nullptr) return nullptr;
-  return item_of(node->*next == nullptr && wrap != 0 ? list->*first : node->*next);
+  const Node* adjacent = node->*next;
+  if (adjacent == nullptr && wrap != 0) adjacent = list->*first;
+  return item_of(adjacent);
 }
 
-std::unique_ptr<void* []> room_for_items(const genlist& list) {
+std::unique_ptr<void* []> allocate_items(const genlist& list) {
   const orx::ErrnoGuard errno_guard;
   return std::unique_ptr<void*[]>(new (std::nothrow) void*[list.count]);
 }
@@ -147,7 +172,7 @@ genlist* genlist_new(genlist_compare_fn compare, genlist_swap_fn swap, genlist_f
 int genlist_add(genlist* list, void* item) {
   Node* const node = list == nullptr ? nullptr : take_node(*list, item);
   if (node == nullptr) return 1;
-  link(*list, node, list->tail);
+  link_node(*list, node, list->tail);
   return 0;
 }
 
@@ -155,28 +180,31 @@ int genlist_insert(genlist* list, void* item) {
   if (list == nullptr || list->compare == nullptr) return 1;
   Node* const node = take_node(*list, item);
   if (node == nullptr) return 1;
-  link(*list, node, place_of(*list, item));
+  Node* const predecessor = find_predecessor(*list, item);
+  link_node(*list, node, predecessor);
   return 0;
 }
 
-void* genlist_find(genlist* list, void* key) { return item_of(find(list, key)); }
+void* genlist_find(genlist* list, void* key) { return item_of(find_node(list, key)); }
 
 int genlist_delete(genlist* list, void* key) {
   if (list == nullptr) return 0;
   if (list->count == 0) return 1;
-  Node* const node = find(list, key);
-  if (node != nullptr) remove(*list, node);
+  Node* const node = find_node(list, key);
+  if (node != nullptr) remove_node(*list, node);
   return 0;
 }
 
 genlist* genlist_delete_nodes(genlist* list) {
   if (list == nullptr || list->head == nullptr) return list;
   if (list->free_item != nullptr) {
-    while (list->head != nullptr) remove(*list, list->head);
+    while (list->head != nullptr) remove_node(*list, list->head);
   } else {
+    // The whole chain becomes unused at once.
     list->tail->next = list->unused;
     list->unused = list->head;
-    list->head = list->tail = nullptr;
+    list->head = nullptr;
+    list->tail = nullptr;
     list->count = 0;
   }
   list->current = nullptr;
@@ -213,15 +241,22 @@ void* genlist_get_preceeding_node(genlist* list, void* key, int wrap) {
 
 int genlist_sort(genlist* list) {
   if (list == nullptr || list->count < 2 || list->compare == nullptr || list->swap == nullptr) return 1;
-  const std::unique_ptr<void*[]> room = room_for_items(*list);
-  void** const items = room.get();
+  const std::unique_ptr<void*[]> owner = allocate_items(*list);
+  void** const items = owner.get();
   if (items == nullptr) return 1;
-  std::size_t n = 0;
-  for (const Node* node = list->head; node != nullptr; node = node->next) items[n++] = node->item;
-  orx::shell_sort(
-      n,
-      [items, compare = list->compare](std::size_t i, std::size_t j) { return compare(items[i], items[j]); },
-      [items, swap = list->swap](std::size_t i, std::size_t j) { swap(items[i], items[j]); });
+  std::size_t count = 0;
+  for (const Node* node = list->head; node != nullptr; node = node->next) {
+    items[count] = node->item;
+    ++count;
+  }
+  // The pointers stay in place: `swap` exchanges the contents of the items.
+  const auto compare = [items, function = list->compare](std::size_t i, std::size_t j) {
+    return function(items[i], items[j]);
+  };
+  const auto swap = [items, function = list->swap](std::size_t i, std::size_t j) {
+    function(items[i], items[j]);
+  };
+  orx::shell_sort(count, compare, swap);
   return 0;
 }
 

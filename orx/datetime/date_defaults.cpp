@@ -18,8 +18,8 @@ namespace {
 using orx::datetime::static_defaults;
 
 orxDateTime conversion_record(int kind) {
-  return {0.0, orx::datetime::for_record(static_defaults.conversion_order), orx::datetime::for_record(kind),
-          0};
+  using orx::datetime::to_record_field;
+  return {0.0, to_record_field(static_defaults.conversion_order), to_record_field(kind), 0};
 }
 
 void put(int* output, int value) {
@@ -42,7 +42,8 @@ int orxDateTime_GetStaticDefaults(int* ymdFormat, int* pivot, int* fourDigitYear
 
 int orxDateTime_SetYMDFormat(orxDateTime* dt, int order) {
   const bool is_known = order >= orxMonthDayYear && order <= orxYearMonthDay;
-  if (dt != nullptr) dt->ymdFormat = orx::datetime::for_record(is_known ? order : static_defaults.order);
+  const int new_order = is_known ? order : static_defaults.order;
+  if (dt != nullptr) dt->ymdFormat = orx::datetime::to_record_field(new_order);
   return 1;
 }
 

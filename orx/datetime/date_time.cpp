@@ -29,34 +29,37 @@ constexpr const char* kErrorTexts[] = {
 bool has_date(const orxDateTime& dt) { return dt.kind == orxDateTimeFull || dt.kind == orxDateTimeDate; }
 bool has_time(const orxDateTime& dt) { return dt.kind == orxDateTimeFull || dt.kind == orxDateTimeTime; }
 
-// February 29 of a year that only a simpler calendar takes for a leap year is told as a wrong month.
-Error diagnosed_date(const Fields& fields) {
+// Returns why the fields are not a valid date. The diagnosis takes every fourth year for a leap year, so
+// February 29 of a year such as 1900 finds no invalid field, and is reported as an invalid month. Hosts know
+// these codes.
+Error diagnose_date(const Fields& fields) {
   if (orx::calendar::is_date(fields.year, fields.month, fields.day)) return kNoError;
-  if (fields.year < 100 || fields.year > 9999) return kInvalidYear;
+  if (fields.year < orx::calendar::kFirstYear || fields.year > orx::calendar::kLastYear) return kInvalidYear;
   if (fields.month < 1 || fields.month > 12) return kInvalidMonth;
-  const int last =
-      fields.month == 2 && fields.year % 4 == 0 ? 29 : orx::calendar::kDaysOfMonths[fields.month - 1];
-  return fields.day < 1 || fields.day > last ? kInvalidDay : kInvalidMonth;
+  const bool is_long_february = fields.month == 2 && fields.year % 4 == 0;
+  const int last_day = is_long_february ? 29 : orx::calendar::kDaysOfMonths[fields.month - 1];
+  return fields.day < 1 || fields.day > last_day ? kInvalidDay : kInvalidMonth;
 }
 
-Error diagnosed_time(const Fields& fields) {
+Error diagnose_time(const Fields& fields) {
   if (fields.hour < 0 || fields.hour > 23) return kInvalidHour;
   if (fields.minute < 0 || fields.minute > 59) return kInvalidMinute;
   return fields.second < 0 || fields.second > 59 ? kInvalidSecond : kNoError;
 }
 
-// Only what the record stands for is looked at, so fields that are refused may leave no error.
-Error diagnosed(const orxDateTime& dt, const Fields& fields) {
-  Error error = has_date(dt) ? diagnosed_date(fields) : kNoError;
-  if (error == kNoError && has_time(dt)) error = diagnosed_time(fields);
+// Checks only the fields that belong to the kind of the record. Fields that were refused may therefore give
+// no error.
+Error diagnose(const orxDateTime& dt, const Fields& fields) {
+  Error error = has_date(dt) ? diagnose_date(fields) : kNoError;
+  if (error == kNoError && has_time(dt)) error = diagnose_time(fields);
   return error;
 }
 
-int set(orxDateTime* dt, Fields fields) {
+int set_fields(orxDateTime* dt, Fields fields) {
   if (dt == nullptr) return 1;
-  fields.year = orx::datetime::completed_year(fields.year);
+  fields.year = orx::datetime::complete_year(fields.year);
   const bool is_valid = orx::calendar::to_value(fields, dt->value);
-  dt->errorCode = is_valid ? kNoError : diagnosed(*dt, fields);
+  dt->errorCode = is_valid ? kNoError : diagnose(*dt, fields);
   return is_valid ? 0 : 1;
 }
 
@@ -84,9 +87,9 @@ double value_of(const Fields& fields) {
 }  // namespace
 
 orxDateTime* orxDateTime_New(int kind) {
-  using orx::datetime::for_record;
-  const std::int16_t order = for_record(orx::datetime::static_defaults.order);
-  return new (std::nothrow) orxDateTime{0.0, order, for_record(kind), kNoError};
+  using orx::datetime::to_record_field;
+  const std::int16_t order = to_record_field(orx::datetime::static_defaults.order);
+  return new (std::nothrow) orxDateTime{0.0, order, to_record_field(kind), kNoError};
 }
 
 int orxDateTime_Free(orxDateTime* dt) {
@@ -95,7 +98,7 @@ int orxDateTime_Free(orxDateTime* dt) {
 }
 
 int orxDateTime_SetYearMonthDay(orxDateTime* dt, int year, int month, int day) {
-  return set(dt, {year, month, day, 0, 0, 0});
+  return set_fields(dt, {year, month, day, 0, 0, 0});
 }
 
 int orxDateTime_SetHourMinuteSecond(orxDateTime* dt, int hour, int minute, int second) {
@@ -108,16 +111,17 @@ int orxDateTime_SetHourMinuteSecond(orxDateTime* dt, int hour, int minute, int s
     dt->errorCode = kNoError;
     return 0;
   }
-  // A date and time without a date has a wrong year before it has a wrong time.
-  dt->errorCode = dt->kind == orxDateTimeFull ? kInvalidYear
-                  : has_time(*dt)             ? diagnosed_time(fields)
-                                              : kNoError;
+  // A record of date and time is diagnosed with the year 0, since only its time is set. Its year is therefore
+  // the first invalid field.
+  dt->errorCode = kNoError;
+  if (dt->kind == orxDateTimeFull) dt->errorCode = kInvalidYear;
+  if (dt->kind == orxDateTimeTime) dt->errorCode = diagnose_time(fields);
   return 1;
 }
 
 int orxDateTime_SetYearMonthDayHourMinuteSecond(orxDateTime* dt, int year, int month, int day, int hour,
                                                 int minute, int second) {
-  return set(dt, {year, month, day, hour, minute, second});
+  return set_fields(dt, {year, month, day, hour, minute, second});
 }
 
 int orxDateTime_GetYearMonthDay(const orxDateTime* dt, int* year, int* month, int* day) {
@@ -176,7 +180,7 @@ int orxDateTime_Compare(const orxDateTime* first, const orxDateTime* second) {
 
 int orxDateTime_DiagnoseError(const orxDateTime* dt, char* buf) {
   if (dt == nullptr) return 0;
-  const int code = static_cast<int16_t>(dt->errorCode);
+  const int code = static_cast<int16_t>(dt->errorCode);  // the message depends on the lower 16 bits alone
   if (buf != nullptr && code >= 0 && code < static_cast<int>(std::size(kErrorTexts))) {
     std::memcpy(buf, kErrorTexts[code], std::strlen(kErrorTexts[code]) + 1);
   }

@@ -1,11 +1,16 @@
-// orxDateTime: one instant, with the way in which it is written.
+// orxDateTime: a date and time, with the order in which its date is written.
 //
-// The instant is an OLE Automation date: whole days since 1899-12-30, the fraction being the time of day.
-// Before that day the whole part counts backwards and the fraction still forwards: -1.25 is 1899-12-29 06:00.
-// The calendar is the Gregorian one throughout, years 100 to 9999, seconds whole. Records come from
-// orxDateTime_New and go with orxDateTime_Free. Functions that set a record return 0, or 1 when the fields
-// are no date or time (and for a null record); why is kept in the record. Nothing here locks: the static
-// defaults (date_defaults.h) are set before other threads use the family.
+// The value is an OLE Automation date: whole days since 1899-12-30, and the time of day as a fraction of a
+// day. Before that day the whole part counts backwards, while the fraction still counts forwards: -1.25 is
+// 1899-12-29 06:00. The calendar is the Gregorian one throughout, for the years 100 to 9999, with whole
+// seconds.
+//
+// orxDateTime_New creates a record, which the caller releases with orxDateTime_Free. Functions that set a
+// record from fields return 0, or 1 if the record is null or the fields are not a valid date or time; the
+// record then keeps the reason as its error code.
+//
+// Different threads may use different records. The static defaults (date_defaults.h) are not locked: set them
+// before other threads use dates.
 #pragma once
 
 #include <orx/compat/export.h>
@@ -13,62 +18,69 @@
 #include <stddef.h>
 #include <stdint.h>
 
-// What a record stands for.
+// The kind of a record: what its value means.
 enum {
-  orxDateTimeNumber = 1,  // a plain number held in `value`
+  orxDateTimeNumber = 1,  // a plain number
   orxDateTimeFull = 2,    // a date and a time
   orxDateTimeDate = 3,    // a date
-  orxDateTimeTime = 4     // a time of day, a value in [0, 1)
+  orxDateTimeTime = 4     // a time of day, at least 0 and below 1
 };
 
-// The order of the date's fields in text.
+// The order of day, month and year in text.
 enum { orxMonthDayYear = 0, orxDayMonthYear = 1, orxYearMonthDay = 2 };
 
 typedef struct orxDateTime {
   double value;       // OLE Automation date
   int16_t ymdFormat;  // orxMonthDayYear, ...
-  int16_t kind;       // orxDateTimeNumber, ...; any other has no text and is not validated
-  int32_t errorCode;  // of the last set operation, see orxDateTime_DiagnoseError
+  int16_t kind;       // orxDateTimeNumber, ...; a record of another kind has no text
+  int32_t errorCode;  // of the last set from fields, see orxDateTime_DiagnoseError
 } orxDateTime;
 
 ORX_C_BEGIN
 
-// A record of value 0 in the default order; null when memory is exhausted.
+// Creates a record with the value 0 and the default order, or returns null when memory runs out. `kind` is
+// not checked.
 ORX_API orxDateTime* orxDateTime_New(int kind);
 
-// Null is allowed. Always 0.
+// Releases the record. Null is allowed. Always returns 0.
 ORX_API int orxDateTime_Free(orxDateTime* dt);
 
-// A year below 100 is completed first: one below the two-digit pivot means 2000 and so many, any other 1900
-// and so many. Fields that make no date or time leave the value as it was.
+// Set the value from fields: a date at midnight, a time of day alone, or a date and time. A year below the
+// two-digit pivot (but not below 0) gets 2000 added, any other year below 100 gets 1900 added. Invalid fields
+// leave the value unchanged.
 ORX_API int orxDateTime_SetYearMonthDay(orxDateTime* dt, int year, int month, int day);
 ORX_API int orxDateTime_SetHourMinuteSecond(orxDateTime* dt, int hour, int minute, int second);
 ORX_API int orxDateTime_SetYearMonthDayHourMinuteSecond(orxDateTime* dt, int year, int month, int day,
                                                         int hour, int minute, int second);
 
-// To the nearest second; every field is -1 for a value that is no date. Null outputs are skipped. Always 0.
+// Get the fields of the value, rounded to the nearest second, with the year in full. If the record is null or
+// the value is not a date, every field is -1. Null outputs are skipped. Always return 0.
 ORX_API int orxDateTime_GetYearMonthDay(const orxDateTime* dt, int* year, int* month, int* day);
 ORX_API int orxDateTime_GetHourMinuteSecond(const orxDateTime* dt, int* hour, int* minute, int* second);
 ORX_API int orxDateTime_GetYearMonthDayHourMinuteSecond(const orxDateTime* dt, int* year, int* month,
                                                         int* day, int* hour, int* minute, int* second);
 
-// The value as it is, unchecked; the error code stays. Always 0.
+// Set and get the value without a check. The error code is unchanged, and null pointers are ignored. Always
+// return 0.
 ORX_API int orxDateTime_SetValue(orxDateTime* dt, double v);
 ORX_API int orxDateTime_GetValue(const orxDateTime* dt, double* out);
 
-// Now, in local time to the second, whatever the kind; the error code stays. Always 0.
+// Sets the value to the current local date and time, in whole seconds, for every kind. The error code is
+// unchanged, and a null record is ignored. Always returns 0.
 ORX_API int orxDateTime_SetToCurrent(orxDateTime* dt);
 
-// Now; today at 00:00:00; the time of day alone.
+// Return the current local date and time, today at 00:00:00, and the current time of day alone.
 ORX_API double orxDateTime_GetCurrentDateTimeDouble(void);
 ORX_API double orxDateTime_GetCurrentDateDouble(void);
 ORX_API double orxDateTime_GetCurrentTimeDouble(void);
 
-// 1, -1 or 0: the first value is greater, less, or neither.
+// Returns 1 if the value of `first` is greater, -1 if that of `second` is greater, and 0 otherwise, also for
+// a null record.
 ORX_API int orxDateTime_Compare(const orxDateTime* first, const orxDateTime* second);
 
-// The record's error code; its message goes into `buf`, which has room for 23 bytes (untouched for an unknown
-// code). 0 no error, 1 month, 2 year, 3 day, 4 hour, 5 minute, 6 second.
+// Returns the record's error code and writes its message into `buf`, a buffer of at least 23 bytes, which may
+// be null. The codes are 0 no error, 1 invalid month, 2 year, 3 day, 4 hour, 5 minute, 6 second. An unknown
+// code leaves `buf` unchanged. A null record gives 0 and no message.
 ORX_API int orxDateTime_DiagnoseError(const orxDateTime* dt, char* buf);
 
 ORX_C_END

@@ -14,7 +14,7 @@ namespace {
 
 using orx::calendar::Fields;
 
-// "00" to "99", since a number of two digits is copied faster than it is divided.
+// The digits of 00 to 99. Copying a pair of digits is faster than computing two remainders.
 constexpr auto kPairs = [] {
   std::array<char, 200> pairs{};
   for (std::size_t i = 0; i < 100; ++i) {
@@ -24,73 +24,84 @@ constexpr auto kPairs = [] {
   return pairs;
 }();
 
-// Writes a text piece by piece. The C library's print would cost ten times as much.
+// Appends to a text in a buffer of its own, which has space for the longest text. printf would take ten times
+// as long.
 class Writer {
  public:
-  Writer& Put(char c) { return *end_++ = c, *this; }
+  Writer& Put(char c) {
+    *end_ = c;
+    ++end_;
+    return *this;
+  }
 
-  // At least two characters; a field that is no date is -1.
-  Writer& Number(int number, char padding = '0') {
+  // Writes at least two characters. The only negative number is -1, the fields of a value that is not a date.
+  Writer& PutNumber(int number, char padding = '0') {
     if (number < 0) return Put('-').Put('1');
     if (number >= 1000) {
-      Pair(number / 100);
+      PutPair(number / 100);
     } else if (number >= 100) {
       Put(static_cast<char>('0' + number / 100));
     } else if (number < 10) {
       return Put(padding).Put(static_cast<char>('0' + number));
     }
-    return Pair(number % 100);
+    return PutPair(number % 100);
   }
 
-  Writer& Numbers(int a, int b, int c, char separator) {
-    return Number(a).Put(separator).Number(b).Put(separator).Number(c);
+  Writer& PutNumbers(int a, int b, int c, char separator) {
+    return PutNumber(a).Put(separator).PutNumber(b).Put(separator).PutNumber(c);
   }
 
-  void Long(double value) {
-    // Beyond its range the conversion to an integer is not defined.
+  // Writes the whole part of the value. A value beyond the range of 64 bits is written as the largest or
+  // smallest double within it, since its conversion would be undefined.
+  void PutWholePart(double value) {
     constexpr double kLimit = 9223372036854774784.0;
-    const auto whole = std::isnan(value) ? 0 : static_cast<std::int64_t>(std::clamp(value, -kLimit, kLimit));
+    if (std::isnan(value)) value = 0;
+    const auto whole = static_cast<std::int64_t>(std::clamp(value, -kLimit, kLimit));
     end_ = std::to_chars(end_, text_ + sizeof text_, whole).ptr;
   }
 
   void CopyTo(char* buffer, int size) const {
-    const auto length = std::min(static_cast<std::size_t>(end_ - text_), static_cast<std::size_t>(size) - 1);
+    const auto capacity = static_cast<std::size_t>(size) - 1;
+    const auto length = std::min(static_cast<std::size_t>(end_ - text_), capacity);
     std::memcpy(buffer, text_, length);
     buffer[length] = '\0';
   }
 
  private:
-  Writer& Pair(int number) {
+  Writer& PutPair(int number) {
     std::memcpy(end_, kPairs.data() + 2 * number, 2);
     end_ += 2;
     return *this;
   }
 
-  char text_[ORX_DATE_TEXT_SIZE - 1];  // a number of 64 bits is the longest, then a date and time
+  char text_[ORX_DATE_TEXT_SIZE - 1];  // the longest text is a number of 64 bits
   char* end_ = text_;
 };
 
 struct Style {
   int order;
-  bool is_short;      // two digits for the years that two digits can name
-  char hour_padding;  // of a time alone
+  bool has_short_years;
+  char hour_padding;  // of records of a time alone
 };
 
-int written_year(int year, bool is_short) {
+// The year as it is written: with short years, two digits stand for the hundred years from 1900 + pivot on,
+// which are the years that two digits are read as.
+int written_year(int year, bool has_short_years) {
   const std::int64_t first = std::int64_t{orx::datetime::static_defaults.pivot} + 1900;
-  return is_short && year >= first && year <= first + 99 ? year % 100 : year;
+  const bool is_short = has_short_years && year >= first && year <= first + 99;
+  return is_short ? year % 100 : year;
 }
 
 void put_date(Writer& text, int year, int month, int day, int order) {
   switch (order) {
     case orxMonthDayYear:
-      text.Numbers(month, day, year, '/');
+      text.PutNumbers(month, day, year, '/');
       break;
     case orxDayMonthYear:
-      text.Numbers(day, month, year, '/');
+      text.PutNumbers(day, month, year, '/');
       break;
     default:
-      text.Numbers(year, month, day, '/');
+      text.PutNumbers(year, month, day, '/');
   }
 }
 
@@ -102,17 +113,17 @@ int format(const orxDateTime* dt, char* buffer, int size, const Style& style) {
   Writer text;
   switch (dt->kind) {
     case orxDateTimeNumber:
-      text.Long(dt->value);
+      text.PutWholePart(dt->value);
       break;
     case orxDateTimeFull:
-      put_date(text, written_year(year, style.is_short), month, day, style.order);
-      text.Put(' ').Numbers(hour, minute, second, ':');
+      put_date(text, written_year(year, style.has_short_years), month, day, style.order);
+      text.Put(' ').PutNumbers(hour, minute, second, ':');
       break;
     case orxDateTimeDate:
-      put_date(text, written_year(year, style.is_short), month, day, style.order);
+      put_date(text, written_year(year, style.has_short_years), month, day, style.order);
       break;
     case orxDateTimeTime:
-      text.Number(hour, style.hour_padding).Put(':').Number(minute).Put(':').Number(second);
+      text.PutNumber(hour, style.hour_padding).Put(':').PutNumber(minute).Put(':').PutNumber(second);
       break;
     default:
       return 0;
@@ -124,8 +135,10 @@ int format(const orxDateTime* dt, char* buffer, int size, const Style& style) {
 }  // namespace
 
 int orxDateTime_FormatString(const orxDateTime* dt, char* buf, int size) {
-  const int order = dt != nullptr ? dt->ymdFormat : 0;
-  return format(dt, buf, size, {order, !orx::datetime::static_defaults.four_digit_years, '0'});
+  int order = orxYearMonthDay;
+  if (dt != nullptr) order = dt->ymdFormat;
+  const bool has_short_years = !orx::datetime::static_defaults.four_digit_years;
+  return format(dt, buf, size, {order, has_short_years, '0'});
 }
 
 int orxDateTime_FormatSpecialFullLengthString(const orxDateTime* dt, char* buf, int size) {

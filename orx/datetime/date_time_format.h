@@ -1,23 +1,24 @@
-// Writing dates and times.
+// Dates and times as text.
 //
-// At most size - 1 characters are written, and a NUL; a kind without a text leaves the buffer as it was, and
-// so do a null record or buffer and a size below 1. A value that is no date is written with fields of -1.
-// Always 0.
+// The functions write at most `size` - 1 characters and a NUL into `buf`; a longer text is cut. A null record
+// or buffer, a `size` below 1 and a record of an unknown kind leave the buffer unchanged. A value that is not
+// a date is written with fields of -1. The functions always return 0.
 #pragma once
 
 #include <orx/datetime/date_time.h>
 
-// The bytes of the longest text, with its NUL.
+// The size of a buffer for the longest text, in bytes including the NUL.
 #define ORX_DATE_TEXT_SIZE 21
 
 ORX_C_BEGIN
 
-// "24/03/05 10:20:30", "24/03/05", "10:20:30" or a whole number, by kind; the date in the order of the
-// record. Years that two digits can name (see date_defaults.h) have two digits, unless the four-digit flag is
-// set.
+// Writes "24/03/05 10:20:30", "24/03/05", "10:20:30" or a whole number, depending on the kind. The date has
+// the order of the record. Years that two digits can name (see date_defaults.h) have two digits, unless the
+// four-digit flag is set.
 ORX_API int orxDateTime_FormatString(const orxDateTime* dt, char* buf, int size);
 
-// The same with the year in full and always first, and a time alone with a blank before a single-digit hour.
+// Writes the same text with the year in full and first. A record of a time alone has a blank before an hour
+// of one digit.
 ORX_API int orxDateTime_FormatSpecialFullLengthString(const orxDateTime* dt, char* buf, int size);
 
 ORX_C_END

@@ -10,13 +10,14 @@
 
 namespace {
 
+// Results of orxDateTime_ParseString.
 constexpr int kNoNumberInDate = 7;
 constexpr int kNoBlankBetween = -1;
 
 using Numbers = int[3];
 
-// The digits at a text. A number too large for every calendar stays so, whatever its digits: it is for the
-// calendar to refuse it.
+// Reads the digits at the beginning of the text and returns the text after them. A number that might not fit
+// becomes INT_MAX, which no field of a date or time may be.
 const char* read_digits(const char* text, int& number) {
   while (*text == '0') ++text;
   const char* const first = text;
@@ -26,9 +27,10 @@ const char* read_digits(const char* text, int& number) {
   return text;
 }
 
-// The next integer, behind white space and a sign; null when there is none.
+// Reads an integer after optional white space and an optional sign, and returns the text after it, or null if
+// there is no integer.
 const char* read_integer(const char* text, int& number) {
-  if (orx::is_digit(*text)) return read_digits(text, number);
+  if (orx::is_digit(*text)) return read_digits(text, number);  // the usual case
   while (orx::is_space(*text)) ++text;
   const bool is_negative = *text == '-';
   if (is_negative || *text == '+') ++text;
@@ -38,12 +40,15 @@ const char* read_integer(const char* text, int& number) {
   return text;
 }
 
-// As many as there are.
+// Reads up to three integers with separators between them, and returns their number.
 int read_numbers(const char* text, char separator, Numbers& numbers) {
-  for (int count = 0;;) {
+  int count = 0;
+  while (true) {
     text = read_integer(text, numbers[count]);
     if (text == nullptr) return count;
-    if (++count == 3 || *text++ != separator) return count;
+    ++count;
+    if (count == 3 || *text != separator) return count;
+    ++text;
   }
 }
 
@@ -53,19 +58,19 @@ struct Date {
   int day = 0;
 };
 
-// Where the date and the time of a text begin; null: the text has none.
+// Where the date and the time begin in a text. Null: the text has no date, or no time.
 struct Parts {
   const char* date;
   const char* time;
 };
 
-// Each is read only as far as its numbers reach, so it does no harm that one begins with the other. False
-// when "/" and ":" stand in a text without a blank.
+// Finds the date and the time. One of the two may begin at the other, which does no harm: reading stops at
+// the first character that does not fit. Returns false for a text with "/" and ":" but no blank.
 bool split(const char* text, Parts& parts) {
   bool has_slash = false, has_colon = false;
   const char* blank = text;
   for (;; ++blank) {
-    if (orx::is_digit(*blank)) continue;  // as most are
+    if (orx::is_digit(*blank)) continue;  // the usual case
     if (*blank == ' ' || *blank == '\0') break;
     if (*blank == '/') has_slash = true;
     if (*blank == ':') has_colon = true;
@@ -74,15 +79,19 @@ bool split(const char* text, Parts& parts) {
     parts = has_slash ? Parts{text, nullptr} : Parts{nullptr, text};
     return !has_slash || !has_colon;
   }
-  const bool is_time_first =
-      !has_slash && std::strchr(blank, '/') != nullptr && (has_colon || std::strchr(blank, ':') == nullptr);
+  bool is_time_first = false;
+  if (!has_slash && std::strchr(blank, '/') != nullptr) {
+    is_time_first = has_colon || std::strchr(blank, ':') == nullptr;
+  }
   parts = is_time_first ? Parts{blank, text} : Parts{text, blank};
   return true;
 }
 
-// What is missing of a date is today's.
+// The date of the numbers that were read. Missing fields are those of today. An unknown order gives the
+// fields 0, which the calendar refuses.
 Date date_of(const Numbers& numbers, int count, int order) {
-  const orx::platform::LocalTime today = count < 3 ? orx::platform::local_time() : orx::platform::LocalTime{};
+  orx::platform::LocalTime today{};
+  if (count < 3) today = orx::platform::local_time();
   const auto& [a, b, c] = numbers;
   if (count == 0) return {today.year, today.month, today.day};
   if (count == 1) return {today.year, today.month, a};
@@ -118,7 +127,12 @@ int store(orxDateTime& dt, const Date& date, const Numbers& time) {
 int store_now(orxDateTime& dt) {
   const orx::platform::LocalTime now = orx::platform::local_time();
   const bool has_time = dt.kind == orxDateTimeFull || dt.kind == orxDateTimeTime;
-  const Numbers time = {has_time ? now.hour : 0, has_time ? now.minute : 0, has_time ? now.second : 0};
+  Numbers time{};
+  if (has_time) {
+    time[0] = now.hour;
+    time[1] = now.minute;
+    time[2] = now.second;
+  }
   return store(dt, {now.year, now.month, now.day}, time);
 }
 
@@ -136,7 +150,7 @@ int orxDateTime_ParseString(orxDateTime* dt, const char* text) {
   Parts parts;
   if (!split(text, parts)) return kNoBlankBetween;
   Numbers date{}, time{};
-  int count = 0;
+  int count = 0;  // of the date
   if (parts.date != nullptr) {
     count = read_numbers(parts.date, '/', date);
     if (count == 0) return kNoNumberInDate;

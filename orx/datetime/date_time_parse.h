@@ -1,18 +1,22 @@
-// Reading dates and times.
+// Dates and times from text.
 //
-// Numbers separated by "/" are a date, in the order of the record; numbers separated by ":" are a time; a
-// blank stands between the two, in whichever order. Missing fields of a date are today's, missing fields of a
-// time are 0. One number of a date is the day, two are month and day (in day/month/year order: day and
-// month); a number on its own is an hour. What follows the numbers is ignored. "GETDATE()" is now.
+// Numbers separated by "/" are a date in the order of the record, and numbers separated by ":" are a time. A
+// blank separates the two, which may come in either order. Missing fields of a date are those of today,
+// missing fields of a time are 0. A date of one number is the day, a date of two numbers is month and day
+// (day and month in day/month/year order). A number without "/", ":" and a blank is an hour. Text after the
+// numbers is ignored. "GETDATE()" is the current date and time.
 #pragma once
 
 #include <orx/datetime/date_time.h>
 
 ORX_C_BEGIN
 
-// 0: read and set. 1: the fields make no date or time, the record says which. 7: no number in the date, -1:
-// "/" and ":" without a blank, both with the record unchanged. A plain number is read as far as it goes (0.0
-// if there is none). A null text gives 0 and changes nothing; a null record gives 1.
+// Sets the record from the text. Returns 0 on success; 1 if the fields are not a valid date or time, and the
+// record then has the error code; 7 if the date has no number; -1 if the text has "/" and ":" but no blank.
+// With 7 and -1 the record is unchanged.
+//
+// A record of kind orxDateTimeNumber is set to the number at the beginning of the text, or to 0. A null text
+// returns 0 and changes nothing. A null record returns 1.
 ORX_API int orxDateTime_ParseString(orxDateTime* dt, const char* text);
 
 ORX_C_END

@@ -1,4 +1,4 @@
-// The null arguments that the flat families of geometry look for.
+// Null check of the pointer arguments of a function. Internal to the library.
 #pragma once
 
 namespace orx::geometry {

@@ -10,14 +10,15 @@ namespace {
 
 using orx::geometry::any_null;
 
+// Numbers of axes.
 constexpr int kInPlan = 2;
 constexpr int kInSpace = 3;
 
 constexpr bbox kEmpty = {{BBOX_EMPTY_MIN, BBOX_EMPTY_MIN, BBOX_EMPTY_MIN},
                          {BBOX_EMPTY_MAX, BBOX_EMPTY_MAX, BBOX_EMPTY_MAX}};
 
-// Takes all axes into account before it decides: where most pairs are apart on some axis, but now on this one
-// and now on that, the jumps cost more than the comparisons.
+// Compares on all axes without a branch. Most pairs are apart on some axis, but not on a predictable one, so
+// branches that skip comparisons would cost more than the comparisons.
 template <int axes>
 int overlap(const double* min_a, const double* max_a, const double* min_b, const double* max_b) {
   bool apart = false;
@@ -32,7 +33,7 @@ int boxes_overlap(const bbox* a, const bbox* b) {
 }
 
 template <int axes>
-int box_has(const bbox* box, const double* point) {
+int box_contains(const bbox* box, const double* point) {
   if (any_null(box, point)) return 0;
   return overlap<axes>(box->min, box->max, point, point);
 }
@@ -56,6 +57,7 @@ int bbox_update(bbox* box, const double* point) {
 int bbox_update_from_xyz(bbox* box, double x, double y, double z) {
   if (box == nullptr) return 0;
   const double point[] = {x, y, z};
+  // Neither a NaN nor a zero of the other sign changes the box, because no comparison with it is true.
   for (int i = 0; i < 3; ++i) {
     box->min[i] = box->min[i] > point[i] ? point[i] : box->min[i];
     box->max[i] = point[i] > box->max[i] ? point[i] : box->max[i];
@@ -91,7 +93,7 @@ int bbox_get_min_max(const bbox* box, double* min_x, double* min_y, double* min_
                      double* max_y, double* max_z) {
   if (any_null(box, min_x, min_y, min_z, max_x, max_y, max_z)) return -1;
   double* const outputs[] = {min_x, min_y, min_z, max_x, max_y, max_z};
-  const bbox copy = *box;
+  const bbox copy = *box;  // the outputs may be fields of the box
   for (int i = 0; i < 3; ++i) {
     *outputs[i] = copy.min[i];
     *outputs[i + 3] = copy.max[i];
@@ -101,7 +103,7 @@ int bbox_get_min_max(const bbox* box, double* min_x, double* min_y, double* min_
 
 int bbox_get_corner_points(const bbox* box, double* xs, double* ys, double* zs) {
   if (any_null(box, xs, ys, zs)) return -1;
-  const bbox copy = *box;
+  const bbox copy = *box;  // the arrays may overlap the box
   for (int k = 0; k < orx::geometry::kCornerCount; ++k) {
     const orx::geometry::Point corner = orx::geometry::corner(copy, k, orx::geometry::kFacesAcrossX);
     xs[k] = corner.x;
@@ -113,8 +115,8 @@ int bbox_get_corner_points(const bbox* box, double* xs, double* ys, double* zs) 
 
 int bboxes_intersect(const bbox* a, const bbox* b) { return boxes_overlap<kInSpace>(a, b); }
 int bboxes_intersect_2d(const bbox* a, const bbox* b) { return boxes_overlap<kInPlan>(a, b); }
-int bbox_pnt_intersect(const bbox* box, const double* point) { return box_has<kInSpace>(box, point); }
-int bbox_xy_pnt_intersect(const bbox* box, const double* point) { return box_has<kInPlan>(box, point); }
+int bbox_pnt_intersect(const bbox* box, const double* point) { return box_contains<kInSpace>(box, point); }
+int bbox_xy_pnt_intersect(const bbox* box, const double* point) { return box_contains<kInPlan>(box, point); }
 
 int bbox_free(bbox* box) {
   delete box;

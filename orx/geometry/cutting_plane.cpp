@@ -5,11 +5,9 @@
 #include <orx/geometry/box_corners.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <iterator>
 #include <new>
 
 namespace {
@@ -20,112 +18,128 @@ constexpr double kTolerance = CUTPLANE_TOLERANCE;
 
 constexpr int kEdgeCount = 12;
 
-// The edges of a box by the corners that they lead from and to, and by their course: twice the role of the
-// axis that they follow, and one more when they follow it down.
+// Each edge of a box: the corners where it begins and ends, and its direction. Directions are numbered as
+// twice the role of the axis that the edge is parallel to, plus one if the edge leads down.
 constexpr struct {
-  int from, to, course;
+  int from, to, direction;
 } kEdges[kEdgeCount] = {{0, 1, 4}, {1, 2, 2}, {2, 3, 5}, {3, 0, 3}, {4, 5, 4}, {5, 6, 2},
                         {6, 7, 5}, {7, 4, 3}, {0, 4, 0}, {1, 5, 0}, {2, 6, 0}, {3, 7, 0}};
+constexpr int kDirectionCount = 6;
 
+using orx::geometry::kCornerCount;
 using orx::geometry::kFacesAcrossX;
 using orx::geometry::kFacesAcrossY;
 using orx::geometry::Point;
 using orx::geometry::Roles;
 
-struct Course {
+// The length of a segment and its direction, a vector of length 1.
+struct Extent {
   double length;
   Point direction;
 };
 
 using Coefficients = double[4];
 
+// A*x + B*y + C*z + D, which is 0 on the plane and positive on the side of its normal.
 double value_at(const Coefficients& plane, double x, double y, double z) {
   return plane[0] * x + plane[1] * y + plane[2] * z + plane[3];
 }
 
-// How far a segment starts below the plane, and what it gains with each unit of its length, both in lengths
-// of the normal. The first sum begins with D.
+// The dividend and the divisor of an intersection: how far the start of a segment is below the plane, and by
+// how much the segment rises per unit of its length. Both are multiplied by the length of the plane's normal.
+// The sums have a fixed order so that all systems compute the same bits; the first one begins with D.
 double depth_of(const Coefficients& plane, const Point& start) {
   return -(plane[3] + plane[0] * start.x + plane[1] * start.y + plane[2] * start.z);
 }
 
-double rise_of(const Coefficients& plane, const Point& direction) {
+double slope_of(const Coefficients& plane, const Point& direction) {
   return plane[0] * direction.x + plane[1] * direction.y + plane[2] * direction.z;
 }
 
-// What a segment has in common with the plane. When it is not met, t is 0 and the point means nothing.
-struct Meeting {
-  bool is_met;
+// Where a segment meets the plane. Without a hit, t is 0 and the point is undefined.
+struct Hit {
+  bool is_hit;
   double t;
-  double x, y, z;  // one by one: a point that is copied whole waits for its last coordinate
+  double x, y, z;  // not a Point: the copy of a Point waits for its last coordinate
 };
 
-// A rise that is not a number is none. Which segments meet the plane cannot be guessed, so that is no jump;
-// what stands behind the jump is rare.
-inline Meeting meeting_of(const Point& start, const Point& end, const Course& course, double depth,
-                          double rise) {
-  const double t = depth / rise;
-  const bool is_parallel = !(std::fabs(rise) > kTolerance);
+// A NaN slope counts as parallel. Hits are unpredictable, so the common case is branch-free: it computes the
+// point in any case and clears t with a mask. The cases behind the branch are rare.
+inline Hit intersect(const Point& start, const Point& end, const Extent& extent, double depth, double slope) {
+  const double t = depth / slope;
+  const bool is_parallel = !(std::fabs(slope) > kTolerance);
   const bool is_start = std::fabs(t) <= kTolerance;
-  const bool is_end = std::fabs(t - course.length) <= kTolerance;
+  const bool is_end = std::fabs(t - extent.length) <= kTolerance;
   if (is_parallel | is_start | is_end) {
     const bool is_in_plane = std::fabs(depth) <= kTolerance;
-    if (is_parallel || is_start) return {!is_parallel || is_in_plane, 0.0, start.x, start.y, start.z};
-    return {true, course.length, end.x, end.y, end.z};
+    if (is_parallel) return {is_in_plane, 0.0, start.x, start.y, start.z};
+    if (is_start) return {true, 0.0, start.x, start.y, start.z};
+    return {true, extent.length, end.x, end.y, end.z};
   }
-  const bool is_met = (t + kTolerance >= 0.0) & (course.length >= t - kTolerance);
-  const std::uint64_t mask = std::uint64_t{0} - static_cast<std::uint64_t>(is_met);
-  return {is_met, std::bit_cast<double>(std::bit_cast<std::uint64_t>(t) & mask),
-          start.x + t * course.direction.x, start.y + t * course.direction.y,
-          start.z + t * course.direction.z};
+  const bool is_hit = (t + kTolerance >= 0.0) & (extent.length >= t - kTolerance);
+  const std::uint64_t mask = std::uint64_t{0} - static_cast<std::uint64_t>(is_hit);
+  const auto masked_t = std::bit_cast<double>(std::bit_cast<std::uint64_t>(t) & mask);
+  return {is_hit, masked_t, start.x + t * extent.direction.x, start.y + t * extent.direction.y,
+          start.z + t * extent.direction.z};
 }
 
-// The course of edges along an axis, with what cutplane_seed_line_segment comes to for them: `step` along
-// that axis, and 0 along the others, or not a number where a length of 0 gives no finite step.
-Course course_along(int axis, double length, double step) {
-  const double none = step - step;
-  return {length, {axis == 0 ? step : none, axis == 1 ? step : none, axis == 2 ? step : none}};
+// The extent of edges that are parallel to an axis, with the bits that cutplane_seed_line_segment computes
+// for them: `step` along the axis and 0 along the others, or not a number if a length of 0 gives no finite
+// step.
+Extent extent_along(int axis, double length, double step) {
+  const double rest = step - step;
+  Extent extent{length, {rest, rest, rest}};
+  if (axis == 0) extent.direction.x = step;
+  if (axis == 1) extent.direction.y = step;
+  if (axis == 2) extent.direction.z = step;
+  return extent;
 }
 
+// The points where the plane meets the edges of a box. Each edge writes its point before it is known to be a
+// hit.
 struct Section {
   int count;
   double xs[kEdgeCount], ys[kEdgeCount], zs[kEdgeCount];
 };
 
-// Where the plane meets the edges of the box, by courses and starts that edges share. The bits are those that
-// each edge would come to by itself: a coordinate that is infinite or not a number would leave the edges
-// there without a direction, but it leaves them without a depth too, and they are not met either way.
+// Intersects the plane with all edges of the box. Edges share their starts and directions, whose depths and
+// slopes are computed once, but the result has the same bits as twelve separate segments. This also holds for
+// coordinates that are infinite or not a number: separate segments would have no direction there, shared ones
+// have no depth, and in both cases nothing is hit. As hosts expect, the last edge becomes the segment of the
+// record, and last_t its result.
 template <const Roles& roles>
 Section section_of(cutplane* cut, const bbox& box) {
-  Point corners[8];
-  double depths[std::size(corners)];
-  for (int k = 0; k < 8; ++k) {
+  Point corners[kCornerCount];
+  double depths[kCornerCount];
+  for (int k = 0; k < kCornerCount; ++k) {
     corners[k] = orx::geometry::corner(box, k, roles);
     depths[k] = depth_of(cut->plane, corners[k]);
   }
-  Course courses[6];
-  double rises[std::size(courses)];
+  Extent extents[kDirectionCount];
+  double slopes[kDirectionCount];
   for (int i = 0; i < 3; ++i) {
-    const double extent = box.max[roles[i]] - box.min[roles[i]];
-    const double length = std::sqrt(extent * extent);
-    const double step = extent / length;
-    for (const int down : {0, 1}) {
-      Course& course = courses[2 * i + down];
-      course = course_along(roles[i], length, down == 0 ? step : -step);
-      rises[2 * i + down] = rise_of(cut->plane, course.direction);
-    }
+    const double size = box.max[roles[i]] - box.min[roles[i]];
+    const double length = std::sqrt(size * size);
+    const double step = size / length;
+    const int up = 2 * i;
+    const int down = up + 1;
+    extents[up] = extent_along(roles[i], length, step);
+    extents[down] = extent_along(roles[i], length, -step);
+    slopes[up] = slope_of(cut->plane, extents[up].direction);
+    slopes[down] = slope_of(cut->plane, extents[down].direction);
   }
   Section section;
   int count = 0;
   double t = 0.0;
-  for (const auto& [from, to, course] : kEdges) {
-    const Meeting meeting =
-        meeting_of(corners[from], corners[to], courses[course], depths[from], rises[course]);
-    section.xs[count] = meeting.x;
-    section.ys[count] = meeting.y;
-    section.zs[count] = meeting.z;
-    count += meeting.is_met ? 1 : 0;
-    t = meeting.t;
+  for (const auto& [from, to, direction] : kEdges) {
+    const Hit hit =
+        intersect(corners[from], corners[to], extents[direction], depths[from], slopes[direction]);
+    // Every edge writes its point, and only a hit advances the count: no branch.
+    section.xs[count] = hit.x;
+    section.ys[count] = hit.y;
+    section.zs[count] = hit.z;
+    count += hit.is_hit ? 1 : 0;
+    t = hit.t;
   }
   section.count = count;
   const Point& from = corners[kEdges[kEdgeCount - 1].from];
@@ -135,11 +149,19 @@ Section section_of(cutplane* cut, const bbox& box) {
   return section;
 }
 
-Course course_of(const cutplane& cut) {
+Extent extent_of(const cutplane& cut) {
   return {cut.seg_len, {cut.seg_dir[0], cut.seg_dir[1], cut.seg_dir[2]}};
 }
 
+// The start (0) or the end (1) of the record's segment.
 Point end_of(const cutplane& cut, int end) { return {cut.seg_x[end], cut.seg_y[end], cut.seg_z[end]}; }
+
+// Stores the value without a branch: an unwanted value goes into a local variable.
+void store_if(bool is_wanted, double value, double* target) {
+  double discarded;
+  double* const targets[] = {&discarded, target};
+  *targets[is_wanted ? 1 : 0] = value;
+}
 
 }  // namespace
 
@@ -222,10 +244,11 @@ double cutplane_distance_to_point(const cutplane* cut, double x, double y, doubl
 
 int cutplane_intersect_line(cutplane* cut, double* x, double* y, double* z) {
   if (any_null(cut, x, y, z)) return 0;
-  const double rise = rise_of(cut->plane, course_of(*cut).direction);
-  const bool is_met = std::fabs(rise) > kTolerance;
-  cut->last_t = is_met ? depth_of(cut->plane, end_of(*cut, 0)) / rise : 0.0;
-  if (!is_met) return 0;
+  const double slope = slope_of(cut->plane, extent_of(*cut).direction);
+  const bool is_hit = std::fabs(slope) > kTolerance;
+  cut->last_t = 0.0;
+  if (!is_hit) return 0;
+  cut->last_t = depth_of(cut->plane, end_of(*cut, 0)) / slope;
   double t;
   cutplane_get_last_t_xyz(cut, &t, x, y, z);
   return 1;
@@ -234,15 +257,16 @@ int cutplane_intersect_line(cutplane* cut, double* x, double* y, double* z) {
 int cutplane_intersect_segment(cutplane* cut, double* x, double* y, double* z) {
   if (any_null(cut, x, y, z)) return 0;
   const Point start = end_of(*cut, 0);
-  const Course course = course_of(*cut);
-  const Meeting meeting = meeting_of(start, end_of(*cut, 1), course, depth_of(cut->plane, start),
-                                     rise_of(cut->plane, course.direction));
-  cut->last_t = meeting.t;
-  double unwanted;
-  *std::array{&unwanted, x}[meeting.is_met] = meeting.x;
-  *std::array{&unwanted, y}[meeting.is_met] = meeting.y;
-  *std::array{&unwanted, z}[meeting.is_met] = meeting.z;
-  return meeting.is_met ? 1 : 0;
+  const Point end = end_of(*cut, 1);
+  const Extent extent = extent_of(*cut);
+  const double depth = depth_of(cut->plane, start);
+  const double slope = slope_of(cut->plane, extent.direction);
+  const Hit hit = intersect(start, end, extent, depth, slope);
+  cut->last_t = hit.t;
+  store_if(hit.is_hit, hit.x, x);
+  store_if(hit.is_hit, hit.y, y);
+  store_if(hit.is_hit, hit.z, z);
+  return hit.is_hit ? 1 : 0;
 }
 
 int cutplane_get_last_t_xyz(const cutplane* cut, double* t, double* x, double* y, double* z) {
@@ -256,13 +280,17 @@ int cutplane_get_last_t_xyz(const cutplane* cut, double* t, double* x, double* y
 
 int cutplane_intersects_bbox(const cutplane* cut, const bbox* box) {
   if (any_null(cut, box)) return 0;
-  // Without a normal there is one side only, whatever the signs of the zeros.
+  // Without a normal all corners are on one side. The signs of the zeros would say otherwise.
   if (cut->plane[0] == 0.0 && cut->plane[1] == 0.0 && cut->plane[2] == 0.0) return 0;
-  double xs[8], ys[8], zs[8];
+  double xs[kCornerCount], ys[kCornerCount], zs[kCornerCount];
   bbox_get_corner_points(box, xs, ys, zs);
-  int below = 0;
-  for (int k = 0; k < 8; ++k) below += std::signbit(value_at(cut->plane, xs[k], ys[k], zs[k])) ? 1 : 0;
-  return below % 8 == 0 ? 0 : 1;
+  int count_below = 0;
+  for (int k = 0; k < kCornerCount; ++k) {
+    const double value = value_at(cut->plane, xs[k], ys[k], zs[k]);
+    count_below += std::signbit(value) ? 1 : 0;
+  }
+  const bool is_on_one_side = count_below == 0 || count_below == kCornerCount;
+  return is_on_one_side ? 0 : 1;
 }
 
 int cutplane_set_plane_bbox(cutplane* cut, const bbox* box) {

@@ -19,25 +19,34 @@ constexpr double kPi = 3.141592653589793;
 constexpr std::ptrdiff_t kLongestText = ORX_ANGLE_TEXT_SIZE - 1;
 constexpr double kLargeInteger = 1e15;
 
-// From these on, a text would show the next whole degree, second or minute.
+// A fraction that reaches its threshold counts as the next whole unit, so that no text shows 60 minutes or 60
+// seconds. The first two make up for rounding errors of the fraction.
 constexpr double kAlmostOneDegree = 0.99999999999999;
 constexpr double kAlmostOneSecond = 0.9999999999;
-constexpr double kAlmostSixtySeconds = 59.995;     // of two decimals
-constexpr double kAlmostSixtyMinutes = 59.999995;  // of five decimals
+constexpr double kAlmostSixtySeconds = 59.995;     // two decimals would print 60.00
+constexpr double kAlmostSixtyMinutes = 59.999995;  // five decimals would print 60.00000
 
-// The last column has the width and the decimals; before it come the whole degrees, then the whole minutes.
+// With several columns, the first is whole degrees and the second of three is whole minutes.
 struct Notation {
-  double half_turn;
-  int columns;
-  int width;
-  int decimals;
+  double half_turn;  // the value of 180 degrees in the unit of the notation
+  int columns;       // 0: the notation has no text
+  int width;         // of the last column
+  int decimals;      // of the last column
 };
 
 constexpr std::ptrdiff_t kDegreesWidth = 4;
 constexpr std::ptrdiff_t kMinutesWidth = 2;
 
-constexpr Notation kNotations[] = {{180, 1, 12, 8}, {180, 3, 2, 0}, {180, 2, 8, 5}, {kPi, 1, 12, 8},
-                                   {200, 1, 12, 8}, {0, 0, 0, 0},   {180, 3, 5, 2}};
+// Indexed by the mode, from zelDegrees on.
+constexpr Notation kNotations[] = {
+    {180, 1, 12, 8},  // zelDegrees
+    {180, 3, 2, 0},   // zelDegreesMinutesSeconds
+    {180, 2, 8, 5},   // zelDegreesDecimalMinutes
+    {kPi, 1, 12, 8},  // zelRadians
+    {200, 1, 12, 8},  // zelGrads
+    {0, 0, 0, 0},     // zelNoAngle
+    {180, 3, 5, 2},   // zelDegreesMinutesDecimalSeconds
+};
 constexpr const Notation& kNoNotation = kNotations[zelNoAngle - zelDegrees];
 
 const Notation& notation_of(int mode) {
@@ -45,21 +54,25 @@ const Notation& notation_of(int mode) {
   return is_known ? kNotations[mode - zelDegrees] : kNoNotation;
 }
 
-// The text goes on in `rest` where it ends with a colon.
+// Reads text with colons. A text that ends with a colon continues at `rest`.
 double read_columns(const char* text, const char* rest, int columns) {
   const double degrees = orx::read_double(text);
-  if (columns == 1) return degrees;  // -0 stays what it is
+  if (columns == 1) return degrees;  // not by way of the absolute value, which would lose the sign of -0
   double value = std::abs(degrees);
-  double parts = 1;
-  while (--columns > 0 && (text = std::strchr(text, ':')) != nullptr) {
-    if (*++text == '\0') std::swap(text, rest);
-    parts *= 60;
-    value += orx::read_double(text) / parts;
+  double units_of_degree = 1;
+  for (int column = 2; column <= columns; ++column) {
+    const char* const colon = std::strchr(text, ':');
+    if (colon == nullptr) break;
+    text = colon + 1;
+    if (*text == '\0') text = std::exchange(rest, "");
+    units_of_degree *= 60;
+    value += orx::read_double(text) / units_of_degree;
   }
   return degrees < 0 ? -value : value;
 }
 
-// Only the columns before the last have to be copied to be given their colons.
+// Reads packed text. Only the columns before the last one need colons, so only these are copied; the text
+// itself may be of any length.
 double read_packed(int mode, const char* text, int columns) {
   char head[kDegreesWidth + kMinutesWidth + 3];
   ORX_strncpy(head, text, columns == 3 ? kDegreesWidth + kMinutesWidth : kDegreesWidth);
@@ -72,6 +85,7 @@ struct Columns {
   double degrees, minutes, seconds;
 };
 
+// Splits a fraction of a degree into minutes and seconds: whole seconds are truncated, decimals are kept.
 void split_seconds(double fraction, int decimals, Columns& split) {
   if (decimals == 0) {
     const double exact = fraction * 3600;
@@ -89,6 +103,7 @@ void split_seconds(double fraction, int decimals, Columns& split) {
   split.seconds = 0;
 }
 
+// Splits an angle that is not negative. The minutes may come out as 60, and then count as one more degree.
 Columns split_degrees(double degrees, const Notation& notation) {
   Columns split{std::trunc(degrees), 0, 0};
   const double fraction = std::isfinite(degrees) ? degrees - split.degrees : 0;
@@ -106,15 +121,16 @@ Columns split_degrees(double degrees, const Notation& notation) {
   return split;
 }
 
-// Writes as far as the longest text goes.
+// Writes into a buffer of ORX_ANGLE_TEXT_SIZE bytes, and cuts what does not fit.
 class Writer {
  public:
   explicit Writer(char* out) : out_(out), end_(out + kLongestText) {}
 
-  // As "%*.*f" prints the number in the C locale; without decimals it is a whole one.
+  // Writes the number as "%*.*f" does in the C locale. Without decimals the number is a whole one, infinite
+  // or not a number.
   void Put(double number, std::ptrdiff_t width, int decimals) {
-    char digits[336];  // the largest number has 309, a sign and decimals
-    // An integer takes a small part of the time.
+    char digits[336];  // the largest number has 309 digits, a sign and decimals
+    // Integers are converted many times faster.
     const bool is_integer = decimals == 0 && std::abs(number) < kLargeInteger;
     const auto [end, error] =
         is_integer ? std::to_chars(digits, std::end(digits), static_cast<std::int64_t>(number))
@@ -123,10 +139,12 @@ class Writer {
     out_ = std::fill_n(out_, std::clamp<std::ptrdiff_t>(width - length, 0, end_ - out_), ' ');
     out_ = std::copy_n(digits, std::min(length, end_ - out_), out_);
   }
+
   void Put(std::string_view text) {
     const auto length = static_cast<std::ptrdiff_t>(text.size());
     out_ = std::copy_n(text.data(), std::min(length, end_ - out_), out_);
   }
+
   void Finish() { *out_ = '\0'; }
 
  private:
@@ -135,16 +153,17 @@ class Writer {
 };
 
 void write_columns(double radians, const Notation& notation, std::string_view separator, Writer& writer) {
-  const auto& [degrees, minutes, seconds] =
-      split_degrees(std::abs(radians) / kPi * notation.half_turn, notation);
-  // Taken from 0, no degrees have no sign.
-  writer.Put(radians < 0 ? 0 - degrees : degrees, kDegreesWidth, 0);
+  const double angle = std::abs(radians) / kPi * notation.half_turn;
+  const auto& [degrees, minutes, seconds] = split_degrees(angle, notation);
+  writer.Put(radians < 0 ? -degrees : degrees, kDegreesWidth, 0);  // -0 is written as 0
   writer.Put(separator);
+  double last_column = minutes;
   if (notation.columns == 3) {
     writer.Put(minutes, kMinutesWidth, 0);
     writer.Put(separator);
+    last_column = seconds;
   }
-  writer.Put(notation.columns == 3 ? seconds : minutes, notation.width, notation.decimals);
+  writer.Put(last_column, notation.width, notation.decimals);
 }
 
 }  // namespace

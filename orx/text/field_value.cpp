@@ -16,9 +16,11 @@
 
 namespace {
 
+// Results of orxdb_StrToVal.
 constexpr int kNotRead = -1;
 constexpr int kCut = -3;
-constexpr std::size_t kMostSearched = 127;  // characters, for tokens
+
+constexpr std::size_t kSearchedLength = 127;  // tokens are searched in this many characters
 
 constinit int date_order = orxDayMonthYear;
 
@@ -46,13 +48,14 @@ int read_number(const Field& field) {
   return 0;
 }
 
-// Stores a text that is a number and nothing else, as most are: it need not be searched for tokens. A longer
-// one must be, since what is searched of it may be blank, or end behind a minus.
+// The fast path: most texts are a number and nothing else, so they contain no token. A longer text must be
+// searched all the same: its searched part may be blank or a lone minus, and then it is a token.
 template <typename Value>
 bool read_plain_number(const Field& field) {
   const orx::Number number = orx::read_number(field.text);
   const std::ptrdiff_t length = number.end - field.text;
-  if (*number.end != '\0' || length == 0 || length > static_cast<std::ptrdiff_t>(kMostSearched)) return false;
+  const bool is_searched = length <= static_cast<std::ptrdiff_t>(kSearchedLength);
+  if (*number.end != '\0' || length == 0 || !is_searched) return false;
   store(field, static_cast<Value>(number.value));
   return true;
 }
@@ -74,24 +77,31 @@ int read_text(const Field& field) {
 }
 
 int read_yes_no(const Field& field) {
-  constexpr const char* kWords[] = {"True", "T", "1", "Yes", "Y", "False", "F", "0", "No", "N"};
-  const auto* const word = std::find_if(std::begin(kWords), std::end(kWords), [&](const char* known) {
-    return orx::platform::compare_no_case(field.text, known) == 0;
-  });
-  if (word == std::end(kWords)) return kNotRead;
-  store(field, std::int32_t{word - kWords < 5});
-  return 0;
+  constexpr struct {
+    const char* text;
+    std::int32_t value;
+  } kWords[] = {{"True", 1},  {"T", 1}, {"1", 1}, {"Yes", 1}, {"Y", 1},
+                {"False", 0}, {"F", 0}, {"0", 0}, {"No", 0},  {"N", 0}};
+  for (const auto& [text, value] : kWords) {
+    if (orx::platform::compare_no_case(field.text, text) != 0) continue;
+    store(field, value);
+    return 0;
+  }
+  return kNotRead;
 }
 
+// Reads a record of the kind. The order of the field becomes the order of the database even if the text is
+// refused.
 int read_moment(const Field& field, int kind, const char* text) {
   orxdb_SetDateFormat(field.subtype);
-  using orx::datetime::for_record;
-  orxDateTime moment{0.0, for_record(date_order), for_record(kind), 0};
+  using orx::datetime::to_record_field;
+  orxDateTime moment{0.0, to_record_field(date_order), to_record_field(kind), 0};
   if (orxDateTime_ParseString(&moment, text) != 0) return kNotRead;
   store(field, moment.value);
   return 0;
 }
 
+// The time is added because a lone number would otherwise be read as an hour, and not as the day.
 int read_date(const Field& field) {
   char text[50];
   ORX_snprintf(text, sizeof text - 1, "%s 00:00:00", field.text);
@@ -102,73 +112,91 @@ int read_time(const Field& field) { return read_moment(field, orxDateTimeTime, f
 
 int read_date_time(const Field& field) { return read_moment(field, orxDateTimeFull, field.text); }
 
-// The tokens that a field may hold: those of measurements include those of the others.
-enum class Tokens { kNone, kOfValue, kOfMeasurement };
+// The tokens that a type may have. The tokens of measurements include those of values.
+enum class TokenGroup { kNone, kValue, kMeasurement };
 
 struct Type {
-  Tokens tokens;
-  std::size_t value_size;
-  int (*read)(const Field& field);
+  int number;
+  TokenGroup tokens;
+  std::size_t value_size;           // 0: no value, or a text
+  int (*read)(const Field& field);  // returns the result of orxdb_StrToVal
   bool (*read_plain)(const Field& field) = nullptr;
 };
 
+constexpr int kUnknownType = 0;
+
+// Indexed by the number of the type.
 constexpr Type kTypes[] = {
-    {Tokens::kNone, 0, read_nothing},
-    {Tokens::kOfMeasurement, sizeof(std::int32_t), read_integer},
-    {Tokens::kOfMeasurement, sizeof(float), read_number<float>, read_plain_number<float>},
-    {Tokens::kNone, 0, read_text},
-    {Tokens::kNone, sizeof(std::int32_t), read_yes_no},
-    {Tokens::kNone, 0, read_nothing},
-    {Tokens::kOfValue, sizeof(double), read_date},
-    {Tokens::kOfValue, sizeof(double), read_time},
-    {Tokens::kOfValue, sizeof(double), read_date_time},
-    {Tokens::kOfMeasurement, sizeof(double), read_number<double>, read_plain_number<double>},
-    {Tokens::kOfValue, sizeof(double), read_angle},
-    {Tokens::kOfValue, sizeof(double), read_angle},
-    {Tokens::kOfValue, sizeof(double), read_angle},
-    {Tokens::kOfValue, sizeof(double), read_angle},
-    {Tokens::kOfValue, sizeof(double), read_angle},
-    {Tokens::kNone, 0, read_text},
-    {Tokens::kOfValue, sizeof(double), read_angle},
-    {Tokens::kOfValue, sizeof(double), read_number<double>, read_plain_number<double>},
+    {kUnknownType, TokenGroup::kNone, 0, read_nothing},
+    {orxdbInteger, TokenGroup::kMeasurement, sizeof(std::int32_t), read_integer},
+    {orxdbFloat, TokenGroup::kMeasurement, sizeof(float), read_number<float>, read_plain_number<float>},
+    {orxdbText, TokenGroup::kNone, 0, read_text},
+    {orxdbYesNo, TokenGroup::kNone, sizeof(std::int32_t), read_yes_no},
+    {orxdbNothing, TokenGroup::kNone, 0, read_nothing},
+    {orxdbDate, TokenGroup::kValue, sizeof(double), read_date},
+    {orxdbTime, TokenGroup::kValue, sizeof(double), read_time},
+    {orxdbDateTime, TokenGroup::kValue, sizeof(double), read_date_time},
+    {orxdbDouble, TokenGroup::kMeasurement, sizeof(double), read_number<double>, read_plain_number<double>},
+    {orxdbDegrees, TokenGroup::kValue, sizeof(double), read_angle},
+    {orxdbDegreesMinutesSeconds, TokenGroup::kValue, sizeof(double), read_angle},
+    {orxdbDegreesDecimalMinutes, TokenGroup::kValue, sizeof(double), read_angle},
+    {orxdbRadians, TokenGroup::kValue, sizeof(double), read_angle},
+    {orxdbGrads, TokenGroup::kValue, sizeof(double), read_angle},
+    {orxdbLongText, TokenGroup::kNone, 0, read_text},
+    {orxdbDegreesMinutesDecimalSeconds, TokenGroup::kValue, sizeof(double), read_angle},
+    {orxdbNumber, TokenGroup::kValue, sizeof(double), read_number<double>, read_plain_number<double>},
 };
 
+constexpr bool is_each_type_at_its_number() {
+  for (std::size_t i = 0; i < std::size(kTypes); ++i) {
+    if (kTypes[i].number != static_cast<int>(i)) return false;
+  }
+  return true;
+}
+static_assert(is_each_type_at_its_number());
+
 const Type& type_of(int type) {
-  return kTypes[type >= 0 && type < static_cast<int>(std::size(kTypes)) ? type : orxdbNothing];
+  const bool is_known = type >= 0 && type < static_cast<int>(std::size(kTypes));
+  return kTypes[is_known ? type : kUnknownType];
 }
 
-// The type that a subtype of orxdbDouble stands for.
+// The type of an orxdbDouble with the subtype: an angle, or orxdbDouble itself.
 int double_type(int subtype) {
-  constexpr int kDoubleTypes[] = {orxdbDouble,
-                                  orxdbDegreesMinutesSeconds,
-                                  orxdbDouble,
-                                  orxdbDouble,
-                                  orxdbDouble,
-                                  orxdbDegrees,
-                                  orxdbDegreesMinutesSeconds,
-                                  orxdbDegreesMinutesDecimalSeconds,
-                                  orxdbDegreesDecimalMinutes,
-                                  orxdbRadians,
-                                  orxdbGrads};
-  const bool is_known = subtype >= 0 && subtype < static_cast<int>(std::size(kDoubleTypes));
-  return is_known ? kDoubleTypes[subtype] : orxdbDouble;
+  switch (subtype) {
+    case 1:
+    case 6:
+      return orxdbDegreesMinutesSeconds;
+    case 5:
+      return orxdbDegrees;
+    case 7:
+      return orxdbDegreesMinutesDecimalSeconds;
+    case 8:
+      return orxdbDegreesDecimalMinutes;
+    case 9:
+      return orxdbRadians;
+    case 10:
+      return orxdbGrads;
+    default:
+      return orxdbDouble;
+  }
 }
 
 struct Token {
   const char* text;
   int code;
-  Tokens tokens;
+  TokenGroup tokens;
 };
 
 constexpr std::size_t kLongestToken = 3;
 constexpr Token kTokens[] = {
-    {"", orxdbNE, Tokens::kOfValue},         {"-", orxdbNE, Tokens::kOfValue},
-    {"NE", orxdbNE, Tokens::kOfValue},       {"NC", orxdbNC, Tokens::kOfValue},
-    {"ERR", orxdbERR, Tokens::kOfValue},     {"NS", orxdbNS, Tokens::kOfMeasurement},
-    {"IS", orxdbIS, Tokens::kOfMeasurement},
+    {"", orxdbNE, TokenGroup::kValue},         {"-", orxdbNE, TokenGroup::kValue},
+    {"NE", orxdbNE, TokenGroup::kValue},       {"NC", orxdbNC, TokenGroup::kValue},
+    {"ERR", orxdbERR, TokenGroup::kValue},     {"NS", orxdbNS, TokenGroup::kMeasurement},
+    {"IS", orxdbIS, TokenGroup::kMeasurement},
 };
 
-int code_of_word(std::string_view word, Tokens tokens) {
+// The code of a word that is a token as a whole; orxdbOrdinary for any other.
+int code_of_word(std::string_view word, TokenGroup tokens) {
   if (word.size() > kLongestToken) return orxdbOrdinary;
   char text[kLongestToken + 1] = {};
   word.copy(text, kLongestToken);
@@ -178,19 +206,20 @@ int code_of_word(std::string_view word, Tokens tokens) {
   return orxdbOrdinary;
 }
 
-std::string_view without_blanks(std::string_view text) {
+std::string_view trim_blanks(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-int special_code(const char* text, Tokens tokens) {
-  const std::string_view word = without_blanks({text, strnlen(text, kMostSearched)});
+int special_code(const char* text, TokenGroup tokens) {
+  const std::string_view word = trim_blanks({text, strnlen(text, kSearchedLength)});
   const int code = code_of_word(word, tokens);
-  if (code != orxdbOrdinary || tokens != Tokens::kOfMeasurement) return code;
+  if (code != orxdbOrdinary || tokens != TokenGroup::kMeasurement) return code;
   if (word.find('<') != std::string_view::npos) return orxdbBelow;
   return word.find('>') != std::string_view::npos ? orxdbAbove : orxdbOrdinary;
 }
 
+// Reads the number after the sign of orxdbBelow or orxdbAbove, or takes the limit if the text ends there.
 void read_limited(Field field, const Type& type, char sign, const void* limit) {
   field.text = std::strchr(field.text, sign) + 1;
   if (*field.text != '\0') {
@@ -204,12 +233,12 @@ void read_limited(Field field, const Type& type, char sign, const void* limit) {
 
 int orxdb_StrToVal(const char* text, const void* lowLimit, const void* highLimit, int type, int subtype,
                    int size, int* special, void* dst) {
-  int ignored;
-  char unwanted[sizeof(double)];
-  if (special == nullptr) special = &ignored;
+  int discarded_code;
+  char discarded_value[ORX_FIELD_VALUE_SIZE];
+  if (special == nullptr) special = &discarded_code;
   if (text == nullptr) text = "";
   if (dst == nullptr) {
-    dst = unwanted;
+    dst = discarded_value;
     size = 0;
   }
   if (type == orxdbDouble) type = double_type(subtype);
@@ -226,11 +255,13 @@ int orxdb_StrToVal(const char* text, const void* lowLimit, const void* highLimit
 }
 
 int orxdb_StrToSpecialVal(int type, const char* text, int* special) {
-  const Tokens tokens = type_of(type).tokens;
+  const TokenGroup tokens = type_of(type).tokens;
   int code = orxdbOrdinary;
-  if (tokens != Tokens::kNone) code = special_code(text != nullptr ? text : "", tokens);
+  if (text == nullptr) text = "";
+  if (tokens != TokenGroup::kNone) code = special_code(text, tokens);
   if (special != nullptr) *special = code;
-  return tokens == Tokens::kNone || code != orxdbOrdinary ? 0 : -1;
+  const bool is_ordinary = tokens != TokenGroup::kNone && code == orxdbOrdinary;
+  return is_ordinary ? -1 : 0;
 }
 
 int orxdb_GetDateFormat(int* order) {

@@ -1,16 +1,19 @@
 // Values of database fields from their text.
 //
-// The text of a number, a date or an angle may be a token instead: a measurement that was not made, or one
-// below or above what could be measured ("<0.05"). A token has a special code of its own; a caller looks at
-// the code first, then at the value.
+// The text of a number, a date or an angle may be a token instead: a measurement that was not made, or a
+// value below or above the measurable range ("<0.05"). Each token has a special code. Callers check the
+// special code first, then the value.
+//
+// The order of dates is one variable for the process, which conversions of dates and times set and no lock
+// guards. All other conversions may run in any thread. errno is unchanged.
 #pragma once
 
 #include <orx/compat/export.h>
 
 ORX_C_BEGIN
 
-// The types of fields. A value is stored as its type, whatever size a caller gives, so `dst` has space for
-// it: for types 1, 2 and 4 that is 4 bytes, for the types of a double 8, for text the size that is given.
+// The types of fields. Each type determines the size of its value; only texts have the size that the caller
+// gives.
 enum {
   orxdbInteger = 1,                 // 4 bytes: int32_t
   orxdbFloat = 2,                   // 4 bytes: float
@@ -31,52 +34,54 @@ enum {
   orxdbNumber = 17                         // 8 bytes: double
 };
 
-// Bytes that hold the value of any type except the texts.
+// The greatest size of a value that is not a text, in bytes.
 enum { ORX_FIELD_VALUE_SIZE = 8 };
 
-// The special codes, with their tokens in any case and with blanks around them. The first two are codes of
-// orxdbInteger, orxdbFloat and orxdbDouble; so are orxdbNS and orxdbIS.
+// The special codes and their tokens, which may have blanks around them and letters in any case. The types
+// orxdbInteger, orxdbFloat and orxdbDouble have all of these codes. Dates, times, angles and orxdbNumber do
+// not have orxdbBelow, orxdbAbove, orxdbNS and orxdbIS. All other types have no tokens.
 enum {
   orxdbOrdinary = 0,
   orxdbBelow = 1,  // a "<" anywhere in the first 127 characters
-  orxdbAbove = 2,  // else a ">" there
+  orxdbAbove = 2,  // a ">" in the first 127 characters, and no "<"
   orxdbNC = 3,     // "NC"
   orxdbNS = 4,     // "NS"
   orxdbIS = 5,     // "IS"
-  orxdbNE = 6,     // "NE", "-" or nothing
+  orxdbNE = 6,     // "NE", "-" or blank text
   orxdbERR = 7     // "ERR"
 };
 
-// Reads the text of a field into `dst`, which need not be aligned, after clearing the first `size` bytes of
-// it. A size below that of the value cuts nothing: the whole value is stored.
+// Converts the text of a field of type `type` and stores the value in `dst`. A null text is the empty text.
 //
-// The subtype of an orxdbDouble that is an angle is 5 (degrees), 1 or 6 (degrees, minutes and seconds), 7
-// (the same with decimal seconds), 8 (degrees and minutes), 9 (radians) or 10 (grads). The subtype of dates
-// and times is the order of the date (orxMonthDayYear, ...), which becomes the database's; in an unknown
-// order, only dates that give the day alone can be read.
+// `dst` has space for the whole value, at any alignment. First its first `size` bytes are cleared. A `size`
+// below that of the value does not cut the value. With a null `dst` nothing is stored, and `size` counts as
+// 0.
 //
-// Numbers follow the C library's rules with a decimal point in every locale: what follows the number is
-// ignored, none is 0, and one beyond the range of its type is the nearest integer or infinite. The value of
-// orxdbBelow and orxdbAbove is the number behind the sign, or, when the text ends there, the one that
-// `lowLimit` or `highLimit` points to, which is of the field's type (null: 0). Other tokens are 0. Yes and no
-// are "True", "T", "1", "Yes", "Y" and "False", "F", "0", "No", "N" in any case.
+// `special` receives the special code and may be null. For orxdbBelow and orxdbAbove the value is the number
+// after the sign. If the text ends there, it is the value that `lowLimit` or `highLimit` points to, which has
+// the type of the field; null stands for 0. All other tokens have the value 0.
 //
-// Texts are cut to the whole characters among their first size - 1 bytes; all other bytes of `dst` up to
-// `size` are NUL.
+// `subtype` depends on the type. An orxdbDouble is an angle if its subtype is 5 (degrees), 1 or 6 (degrees,
+// minutes and seconds), 7 (the same with decimal seconds), 8 (degrees and minutes), 9 (radians) or 10
+// (grads). For dates and times the subtype is the order of the date (orxMonthDayYear, ...), which becomes the
+// database's order. In an unknown order, only dates that consist of the day alone can be read.
 //
-// Returns 0; -1 for a word that is neither yes nor no, and for text that is not a date or time, with
-// no value stored; -3 for a text that is cut, which includes every text when `size` is 0 or less. `special`
-// is always written. A null text is the empty one; `special` may be null; with a null `dst`, the value is not
-// stored and `size` counts as 0.
+// Numbers follow the rules of the C library, with a decimal point in every locale. Text after the number is
+// ignored, and text without a number is 0. An integer beyond the range is the nearest one, any other number
+// beyond the range is infinite. The words of orxdbYesNo are "True", "T", "1", "Yes", "Y" and "False", "F",
+// "0", "No", "N" in any case. A text is cut to the whole characters among its first `size` - 1 bytes.
+//
+// Returns 0; -1 for a word that is neither yes nor no, and for text that is not a date or time, without
+// storing a value; -3 for a text that was cut, which includes every text when `size` is 0 or less.
 ORX_API int orxdb_StrToVal(const char* text, const void* lowLimit, const void* highLimit, int type,
                            int subtype, int size, int* special, void* dst);
 
-// 0 and the code of a token, which a text of fields without tokens (code 0) counts as too; -1 and 0 for an
-// ordinary text.
+// Stores the special code of the text in `*special`, which may be null. Returns 0 for a token, -1 for an
+// ordinary value, and 0 for every text of a type that has no tokens. A null text is the empty text.
 ORX_API int orxdb_StrToSpecialVal(int type, const char* text, int* special);
 
-// The order in which database dates are read, initially orxDayMonthYear; set unchecked. One for the process,
-// and unguarded. Always 0.
+// Get and set the order in which the dates of database fields are read, initially orxDayMonthYear. A new
+// order is not checked, and a null `order` is ignored. Always return 0.
 ORX_API int orxdb_GetDateFormat(int* order);
 ORX_API int orxdb_SetDateFormat(int order);
 

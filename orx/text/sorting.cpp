@@ -6,19 +6,22 @@
 
 namespace {
 
+// The positions from `first` up to, but not including, `end`.
 struct Range {
   int first, end;
 
   int Size() const { return end - first; }
 };
 
-// Parts that wait are sorted in their order up to the first number. Beyond it the larger of two parts waits,
-// so that every further part that waits is at most half of the one before.
+// The capacity for parts that wait to be sorted. The first kWaitingInOrder waiting parts are sorted from left
+// to right. After that the larger of two parts waits, so each further waiting part has at most half the size
+// of the one before, and kWaitingBySize of them suffice for every int.
 constexpr int kWaitingInOrder = 1024;
 constexpr int kWaitingBySize = 32;
 
-// Puts the first element where it belongs, with no greater ones before and no lesser ones behind, and returns
-// that position. The pivot is in turn at the lower and at the upper end of what is left to look at.
+// Moves the first element of the range, the pivot, to its final position and returns that position. No
+// element before it is greater, and no element after it is less. The pivot is always at one end of the
+// unchecked elements: at `low` and at `high` in turn.
 int partition(const Range& range, orx_sort_compare_fn compare, orx_sort_swap_fn swap) {
   int low = range.first;
   int high = range.end - 1;

@@ -1,4 +1,6 @@
-// CAtlStringArray: the growable array of strings that crosses the library's boundary.
+// CAtlStringArray: a growable array of strings, as an exported class.
+//
+// The array owns its strings. It cannot be copied. Different threads may use different arrays.
 #pragma once
 
 #include <orx/compat/atl_array.h>
@@ -14,17 +16,18 @@ class ORX_API CAtlStringArray {
   CAtlStringArray(const CAtlStringArray&) = delete;
   CAtlStringArray& operator=(const CAtlStringArray&) = delete;
 
-  // The index of the new element. Raises CAtlException with E_OUTOFMEMORY when the block cannot grow.
+  // Appends a string and returns its index. Raises CAtlException with E_OUTOFMEMORY when memory runs out.
   std::uint64_t Add(CStringA s);
 
-  // Raises CAtlException with E_INVALIDARG for an index that is not below the size. Valid until the array is
-  // changed.
+  // Returns the string at index `i`; the reference is valid until the array changes. Raises CAtlException
+  // with E_INVALIDARG for an index that is not below the size.
   CStringA& ElementAt(std::uint64_t i);
 
+  // Returns the number of strings.
   std::uint64_t GetSize() const;
 
-  // New elements are empty, surplus ones are destroyed, 0 frees the block. A block that cannot grow stays as
-  // it is.
+  // Sets the number of strings. New strings are empty, surplus strings are destroyed, and 0 frees the memory.
+  // When memory runs out, the array stays as it is and nothing is reported.
   void SetSize(std::uint64_t n);
 
  private:

@@ -12,19 +12,20 @@
 
 namespace {
 
-const char* after_space(const char* text) {
+const char* skip_space(const char* text) {
   while (orx::is_space(*text)) ++text;
   return text;
 }
 
-// Behind a sign and digits, both of which may be missing.
-const char* after_integer(const char* text) {
+// Skips an optional sign and any number of digits, including none.
+const char* skip_integer(const char* text) {
   if (*text == '-' || *text == '+') ++text;
   while (orx::is_digit(*text)) ++text;
   return text;
 }
 
-const char* after_fraction(const char* text) {
+// Skips an optional point and any number of digits, including none.
+const char* skip_fraction(const char* text) {
   if (*text == '.') ++text;
   while (orx::is_digit(*text)) ++text;
   return text;
@@ -77,7 +78,7 @@ int ORX_snprintf(char* buf, std::size_t n, const char* format, ...) {
   const std::size_t size = std::min<std::size_t>(n, INT_MAX - 1) + 1;
   const int length = orx::format_text(buf, size, format, arguments);
   va_end(arguments);
-  // A count beyond any buffer means "all of it".
+  // Hosts pass a count that is larger than any buffer to write the text without a limit.
   if (n < PTRDIFF_MAX) buf[n] = '\0';
   return length >= 0 && static_cast<std::size_t>(length) <= n ? length : -1;
 }
@@ -91,8 +92,14 @@ char* ORX_strncpy(char* dst, const char* src, std::size_t n) {
 
 bool IsNumeric(const CStringA& text) {
   if (text.IsEmpty()) return false;
-  const char* const first = after_space(text);
-  const char* end = after_space(after_fraction(after_integer(first)));
-  if ((*end == 'e' || *end == 'E') && end != first) end = after_space(after_integer(end + 1));
-  return end == text.GetString() + text.GetLength();
+  const char* const first = skip_space(text);
+  const char* end = skip_integer(first);
+  end = skip_fraction(end);
+  end = skip_space(end);
+  const bool has_exponent = *end == 'e' || *end == 'E';
+  if (has_exponent && end != first) {
+    end = skip_integer(end + 1);
+    end = skip_space(end);
+  }
+  return end == text.GetString() + text.GetLength();  // a NUL within the text is not its end
 }

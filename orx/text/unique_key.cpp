@@ -14,19 +14,20 @@
 namespace {
 
 constexpr std::ptrdiff_t kNumberWidth = 6;
-constexpr int kDefaultOrder = -1;  // any that is none of the three
+constexpr int kDefaultOrder = -1;  // an unknown order stands for the default
 
-// A stamp, to which a number may be appended.
+// A stamp, or a whole key. Not NUL-terminated.
 struct Key {
   char text[ORX_KEY_STAMP_SIZE];
   std::size_t length = 0;
 
   std::string_view View() const { return {text, length}; }
-  bool Is(const char* other) const { return std::strncmp(other, text, length) == 0 && other[length] == '\0'; }
+  bool Equals(const char* other) const {
+    return std::strncmp(other, text, length) == 0 && other[length] == '\0';
+  }
 };
 
-// Date and time come from one reading of the clock: of two readings, the first could be before midnight and
-// the second after it.
+// Reads the clock once for date and time. With two readings midnight could pass in between.
 Key current_stamp() {
   orxDateTime now{0, 0, orxDateTimeFull, 0};
   orxDateTime_SetYMDFormat(&now, kDefaultOrder);
@@ -35,20 +36,28 @@ Key current_stamp() {
   orxDateTime_FormatString(&now, text, sizeof text);
   Key stamp;
   for (const char* c = text; *c != '\0'; ++c) {
-    if (*c != '/' && *c != ' ' && *c != ':') stamp.text[stamp.length++] = *c;
+    const bool is_separator = *c == '/' || *c == ' ' || *c == ':';
+    if (is_separator) continue;
+    stamp.text[stamp.length] = *c;
+    ++stamp.length;
   }
   return stamp;
 }
 
-// As "%06d" prints it, at a small part of the cost.
+// Appends the number as "%06d" prints it, many times faster.
 void append_number(Key& key, int number) {
   char digits[16];
   const char* const first = number < 0 ? digits + 1 : digits;
   const char* const last = std::to_chars(digits, std::end(digits), number).ptr;
+  const std::ptrdiff_t padding = std::max<std::ptrdiff_t>(0, kNumberWidth - (last - digits));
   char* end = key.text + key.length;
-  if (number < 0) *end++ = '-';
-  end = std::fill_n(end, std::max<std::ptrdiff_t>(0, kNumberWidth - (last - digits)), '0');
-  key.length = static_cast<std::size_t>(std::copy(first, last, end) - key.text);
+  if (number < 0) {
+    *end = '-';
+    ++end;
+  }
+  end = std::fill_n(end, padding, '0');
+  end = std::copy(first, last, end);
+  key.length = static_cast<std::size_t>(end - key.text);
 }
 
 void put(std::string_view text, char* out, std::size_t size) {
@@ -66,13 +75,14 @@ void GenerateKey(char* out, int outSize, char* lastStamp, int* counter) {
 
   Key key = current_stamp();
   if (*counter >= ORX_KEY_COUNTER_MAX) {
-    while (key.Is(lastStamp)) {
+    while (key.Equals(lastStamp)) {
       std::this_thread::yield();
       key = current_stamp();
     }
     *counter = 0;
   }
+  ++*counter;
   put(key.View(), lastStamp, sizeof key.text);
-  append_number(key, ++*counter);
+  append_number(key, *counter);
   put(key.View(), out, static_cast<std::size_t>(outSize));
 }

@@ -19,7 +19,7 @@ std::string joined(const Strings& strings) {
 TEST(AtlArray, ChangesInPlace) {
   Strings strings;
   for (const char* text : {"a", "b", "c"}) strings.Add(text);
-  EXPECT_EQ(strings.Add(strings[0]), 3U);  // an element of the block that grows
+  EXPECT_EQ(strings.Add(strings[0]), 3U);  // an element of the block that is reallocated
   strings.RemoveAt(1, 2);
   EXPECT_EQ(joined(strings), "a,a,");
   strings.InsertAt(1, "x");
@@ -31,13 +31,13 @@ TEST(AtlArray, ChangesInPlace) {
   other.Copy(strings);
   strings.RemoveAll();
   EXPECT_EQ(joined(strings) + joined(other), "a,x,a,x,");
-  CAtlArray<std::string> texts;  // a text that is moved onto itself is empty
+  CAtlArray<std::string> texts;  // moving a text onto itself would empty it
   texts.Add("a");
   texts.RemoveAt(0, 0);
   EXPECT_EQ(texts[0], "a");
 }
 
-TEST(AtlArray, RefusesWhatItCannotHold) {
+TEST(AtlArray, RaisesErrorsForIndicesAndSizes) {
   Strings strings;
   strings.Add("a");
   EXPECT_THROW(strings[1], CAtlException);

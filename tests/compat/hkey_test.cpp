@@ -42,13 +42,13 @@ class RegistryKeyTest : public orx::testing::RegistryTest {
   const HKEY key_ = Made("Software\\T");
 };
 
-TEST_F(RegistryKeyTest, PathsNameLevels) {
+TEST_F(RegistryKeyTest, PathsIgnoreCaseAndExtraBackslashes) {
   std::string longest, deepest;
   for (int i = 0; i < 255; ++i) longest += "ü";
   for (int i = 0; i < 509; ++i) deepest += "k\\";
   const struct {
     std::string made;
-    std::string opened;  // the same key, unless it cannot be made
+    std::string opened;  // opens the same key
     LSTATUS status = ERROR_SUCCESS;
   } kRows[] = {
       {"A\\B\\C", "a\\b\\c"},
@@ -77,18 +77,18 @@ TEST_F(RegistryKeyTest, PathsNameLevels) {
   EXPECT_EQ(Open("", HKEY_LOCAL_MACHINE), ERROR_SUCCESS);
 }
 
-TEST_F(RegistryKeyTest, QueriesTellSizeAndTypeBeforeTheyGiveBytes) {
+TEST_F(RegistryKeyTest, QueriesReportSizeAndType) {
   ASSERT_EQ(set(key_, "x", "abcd"), ERROR_SUCCESS);
   BYTE data[8];
   DWORD size = 0, type = 99;
   const std::tuple<DWORD, LSTATUS, const char*> kRows[] = {
       {8, ERROR_SUCCESS, "abcd\0##"}, {4, ERROR_SUCCESS, "abcd###"}, {3, ERROR_MORE_DATA, "#######"}};
-  for (const auto& [room, status, expected] : kRows) {
-    size = room;
+  for (const auto& [capacity, status, expected] : kRows) {
+    size = capacity;
     std::memset(data, '#', sizeof data);
-    EXPECT_EQ(RegQueryValueExA(key_, "X", nullptr, &type, data, &size), status) << room;
-    EXPECT_TRUE(size == 4 && type == REG_SZ) << room;
-    EXPECT_EQ(std::memcmp(data, expected, 7), 0) << room;
+    EXPECT_EQ(RegQueryValueExA(key_, "X", nullptr, &type, data, &size), status) << capacity;
+    EXPECT_TRUE(size == 4 && type == REG_SZ) << capacity;
+    EXPECT_EQ(std::memcmp(data, expected, 7), 0) << capacity;
   }
   size = 0;
   EXPECT_EQ(RegQueryValueExA(key_, "x", nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
@@ -99,13 +99,13 @@ TEST_F(RegistryKeyTest, QueriesTellSizeAndTypeBeforeTheyGiveBytes) {
   EXPECT_EQ(RegSetValueExA(key_, "x", 0, REG_SZ, nullptr, 1), ERROR_NOACCESS);
   EXPECT_EQ(set(key_, "X", "new"), ERROR_SUCCESS);
   EXPECT_EQ(values(key_), Names{"x"});
-  EXPECT_EQ(set(key_, "a", "before the one that was listed"), ERROR_SUCCESS);
+  EXPECT_EQ(set(key_, "a", "sorts before the listed value"), ERROR_SUCCESS);
   EXPECT_EQ(values(key_), (Names{"a", "x"}));
   EXPECT_EQ(RegDeleteValueA(key_, "X"), ERROR_SUCCESS);
   EXPECT_EQ(RegDeleteValueA(key_, "X"), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(RegistryKeyTest, RightsAreThoseOfTheHandle) {
+TEST_F(RegistryKeyTest, RightsBelongToTheHandle) {
   const HKEY reader = Made("A", key_, KEY_QUERY_VALUE);
   const HKEY writer = Made("A", key_, KEY_WRITE);
   EXPECT_EQ(set(reader, "x"), ERROR_ACCESS_DENIED);
@@ -114,11 +114,11 @@ TEST_F(RegistryKeyTest, RightsAreThoseOfTheHandle) {
   EXPECT_EQ(set(writer, "x"), ERROR_SUCCESS);
   EXPECT_EQ(query(writer, "x"), ERROR_ACCESS_DENIED);
   EXPECT_EQ(query(reader, "x"), ERROR_SUCCESS);
-  EXPECT_NE(Made("B", reader), nullptr) << "sub-keys are made through any key";
+  EXPECT_NE(Made("B", reader), nullptr) << "any handle creates sub-keys";
   EXPECT_EQ(RegDeleteKeyA(reader, "B"), ERROR_SUCCESS);
 }
 
-TEST_F(RegistryKeyTest, AKeyThatWasDeletedStaysDeleted) {
+TEST_F(RegistryKeyTest, HandlesOfADeletedKeyStayInvalid) {
   const HKEY gone = Made("A", key_);
   const HKEY below = Made("B\\C", gone);
   EXPECT_EQ(RegDeleteKeyA(key_, "A"), ERROR_ACCESS_DENIED);
@@ -141,7 +141,7 @@ TEST_F(RegistryKeyTest, AKeyThatWasDeletedStaysDeleted) {
   }
 }
 
-TEST_F(RegistryKeyTest, TheEmptyPathIsTheKeyItself) {
+TEST_F(RegistryKeyTest, EmptyPathIsTheKeyItself) {
   const HKEY below = Made("A\\B", key_);
   ASSERT_EQ(set(key_, "kept"), ERROR_SUCCESS);
   EXPECT_EQ(RegDeleteKeyA(key_, ""), ERROR_ACCESS_DENIED);
@@ -150,12 +150,11 @@ TEST_F(RegistryKeyTest, TheEmptyPathIsTheKeyItself) {
   EXPECT_EQ(values(key_), Names{"kept"});
   EXPECT_EQ(RegDeleteKeyA(key_, ""), ERROR_SUCCESS);
   EXPECT_EQ(set(key_, "x"), ERROR_KEY_DELETED);
-  EXPECT_EQ(SHDeleteKeyA(HKEY_CURRENT_USER, "software"), ERROR_ACCESS_DENIED)
-      << "without it nothing works any more";
+  EXPECT_EQ(SHDeleteKeyA(HKEY_CURRENT_USER, "software"), ERROR_ACCESS_DENIED) << "the store needs it";
   EXPECT_EQ(SHDeleteKeyA(HKEY_CURRENT_USER, ""), ERROR_ACCESS_DENIED);
 }
 
-TEST_F(RegistryKeyTest, HandlesThatAreNoneAreRefused) {
+TEST_F(RegistryKeyTest, RefusesInvalidHandles) {
   for (const std::uintptr_t number : {std::uintptr_t{0}, std::uintptr_t{0x80000004}, ~std::uintptr_t{0}}) {
     const HKEY key = reinterpret_cast<HKEY>(number);
     EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
@@ -165,7 +164,7 @@ TEST_F(RegistryKeyTest, HandlesThatAreNoneAreRefused) {
   EXPECT_EQ(Open("Software", HKEY_CURRENT_USER), ERROR_SUCCESS);
 }
 
-TEST_F(RegistryKeyTest, ListingsGoOnWhereTheyWere) {
+TEST_F(RegistryKeyTest, ListsInTheOrderOfNames) {
   for (const char* name : {"c", "A", "b", ""}) ASSERT_EQ(set(key_, name, "1234"), ERROR_SUCCESS);
   EXPECT_EQ(values(key_), (Names{"", "A", "b", "c"}));
   char name[2];
@@ -173,14 +172,14 @@ TEST_F(RegistryKeyTest, ListingsGoOnWhereTheyWere) {
   const std::tuple<DWORD, DWORD, LSTATUS, const char*> kRows[] = {
       {2, 4, ERROR_SUCCESS, "b"},   {0, 4, ERROR_SUCCESS, ""},  {3, 4, ERROR_SUCCESS, "c"},
       {3, 3, ERROR_MORE_DATA, "c"}, {1, 4, ERROR_SUCCESS, "A"}, {4, 4, ERROR_NO_MORE_ITEMS, "A"}};
-  for (const auto& [index, room, status, expected] : kRows) {
-    DWORD name_size = sizeof name, size = room, type = 0;
+  for (const auto& [index, capacity, status, expected] : kRows) {
+    DWORD name_size = sizeof name, size = capacity, type = 0;
     EXPECT_EQ(RegEnumValueA(key_, index, name, &name_size, nullptr, &type, data, &size), status) << index;
     EXPECT_STREQ(name, expected) << index;
   }
   DWORD size = sizeof name;
   EXPECT_EQ(list(HKEY_LOCAL_MACHINE), ERROR_NO_MORE_ITEMS) << "also without a file";
-  // What is deleted when it was listed takes nothing else with it.
+  // Deleting a listed value does not skip the next one.
   std::string listed;
   size = sizeof name;
   for (DWORD index = 0;

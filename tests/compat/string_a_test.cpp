@@ -19,7 +19,7 @@ HRESULT result_of(const Change& change, CStringA text) try {
   change(text);
   return S_OK;
 } catch (const CAtlException& failure) {
-  EXPECT_EQ(text, "abc") << "a refusal changes nothing";
+  EXPECT_EQ(text, "abc") << "unchanged after an error";
   return failure;
 }
 
@@ -42,7 +42,7 @@ const struct {
     {"az\xE9{", [](CStringA& s) { s.MakeUpper(); }, "AZ\xE9{"},
     {"AZ\xC9[", [](CStringA& s) { s.MakeLower(); }, "az\xC9["},
     {"abc", [](CStringA& s) { s.GetBuffer(50)[1] = '\0', s.ReleaseBuffer(); }, "a"},
-    {"abc", [](CStringA& s) { s.ReleaseBuffer(2); }, "ab"},  // without a buffer taken
+    {"abc", [](CStringA& s) { s.ReleaseBuffer(2); }, "ab"},  // without GetBuffer
     // Arguments that are part of the string.
     {"abc", [](CStringA& s) { s = s.GetString() + 1; }, "bc"},
     {"abc", [](CStringA& s) { s.Append(s), s += s; }, "abcabcabcabc"},
@@ -55,9 +55,9 @@ const struct {
 
 TEST(StringA, ChangesLeaveCopiesAlone) {
   for (const auto& [before, change, after] : kChanges) {
-    for (const int room : {0, 100}) {  // grows, changes in place
+    for (const int capacity : {0, 100}) {  // reallocates, changes in place
       CStringA text(before);
-      text.GetBuffer(room);
+      text.GetBuffer(capacity);
       change(text);
       EXPECT_EQ(text, after);
     }
@@ -68,7 +68,7 @@ TEST(StringA, ChangesLeaveCopiesAlone) {
   }
 }
 
-TEST(StringA, RefusesWhatItCannotHold) {
+TEST(StringA, RaisesErrorsAndKeepsItsText) {
   const Change refused[] = {
       [](CStringA& s) { s.GetAt(4); },
       [](CStringA& s) { s.SetAt(3, 'x'); },  // the NUL
@@ -82,7 +82,7 @@ TEST(StringA, RefusesWhatItCannotHold) {
   EXPECT_EQ(result_of([](CStringA& s) { s.Append("x", INT_MAX); }, "abc"), E_OUTOFMEMORY);
 }
 
-TEST(StringA, Makes) {
+TEST(StringA, ConstructsAndConcatenates) {
   EXPECT_EQ(CStringA(nullptr, 0) + CStringA(static_cast<const char*>(nullptr)), "");
   EXPECT_EQ(CStringA("a\0b", 3).Mid(1), CStringA("\0b", 2));
   EXPECT_EQ('<' + CStringA("a") + "b" + CStringA('c', 2) + '>', "<abcc>");
@@ -92,7 +92,7 @@ TEST(StringA, Makes) {
   EXPECT_EQ(grown + "x|", formatted);
 }
 
-TEST(StringA, FindsAndCuts) {
+TEST(StringA, FindsAndCopiesParts) {
   const CStringA text("abcabc");
   const std::vector<int> kFound{text.Find('b'),        text.Find('b', 2),     text.Find('b', -1),
                                 text.Find("ca"),       text.Find("", 6),      text.Find("", 7),
@@ -104,7 +104,7 @@ TEST(StringA, FindsAndCuts) {
             "bc||a|");
 }
 
-TEST(StringA, Tokens) {
+TEST(StringA, TokenizeSkipsEmptyTokens) {
   const char* const kRows[][3] = {
       {",a,,bc,", ",", "a|bc|"}, {"a b;c", " ;", "a|b|c|"}, {"", ",", ""},
       {",,", ",", ""},           {"a,b", "", "a,b|"},       {"a,b", nullptr, "a,b|"}};
@@ -117,14 +117,14 @@ TEST(StringA, Tokens) {
   }
 }
 
-TEST(StringA, Compares) {
+TEST(StringA, ComparesUnsignedBytes) {
   EXPECT_TRUE(CStringA("B") < "a" && CStringA("\x80") > CStringA("\x7F") && CStringA() == nullptr);
   EXPECT_EQ(CStringA("aBc").CompareNoCase("AbC"), 0);
-  EXPECT_LT(CStringA("_").CompareNoCase("A"), 0) << "letters count as small ones";
+  EXPECT_LT(CStringA("_").CompareNoCase("A"), 0) << "letters are compared in lower case";
   EXPECT_GT(CStringA("\xE9").CompareNoCase("\xC9"), 0);
 }
 
-TEST(StringA, FormatLeavesTheHostAlone) {
+TEST(StringA, FormatKeepsLocaleAndErrno) {
   // With a decimal comma, where it is installed.
   ASSERT_TRUE(std::setlocale(LC_ALL, "de_DE.UTF-8") || std::setlocale(LC_ALL, "C.UTF-8"));
   errno = 77;
@@ -139,7 +139,7 @@ TEST(StringA, FormatLeavesTheHostAlone) {
   EXPECT_EQ(MB_CUR_MAX, 1U);
 }
 
-TEST(StringA, ThreadsShareATextByCopies) {
+TEST(StringA, ThreadsMayUseCopiesOfOneText) {
   const auto work = [mine = CStringA("shared")] {
     for (int i = 0; i < 5000; ++i) {
       CStringA copy(mine);

@@ -10,7 +10,7 @@ BSTR with_nul() { return SysAllocStringLen(L"a\0b", 3); }
 
 std::wstring characters(BSTR text) { return {text, SysStringLen(text)}; }
 
-TEST(Bstr, CountsItsCharacters) {
+TEST(Bstr, KeepsItsLength) {
   const BSTR text = with_nul();
   EXPECT_EQ(characters(text), std::wstring(L"a\0b", 3));
   EXPECT_EQ(SysStringByteLen(text), 3 * sizeof(wchar_t));
@@ -21,7 +21,7 @@ TEST(Bstr, CountsItsCharacters) {
   EXPECT_TRUE(SysAllocString(nullptr) == nullptr && SysAllocStringLen(nullptr, 0xFFFFFFFFU) == nullptr);
 }
 
-TEST(Variant, CopiesOwnTheirText) {
+TEST(Variant, CopyHasItsOwnText) {
   VARIANT source{}, target{};
   source.vt = target.vt = VT_BSTR;
   source.bstrVal = with_nul();

@@ -8,7 +8,7 @@
 
 namespace {
 
-// "result text", the text with the year in full.
+// The result and the text of the record, with the year in full.
 std::string parsed(const char* text, int kind, int order) {
   orxDateTime record{-1, static_cast<int16_t>(order), static_cast<int16_t>(kind), 42};
   const int result = orxDateTime_ParseString(&record, text);
@@ -18,7 +18,7 @@ std::string parsed(const char* text, int kind, int order) {
   return std::to_string(result) + (record.value == -1 ? " unchanged" : std::string(" ") + written);
 }
 
-TEST(DateTimeParse, TextIsReadAsFarAsItGoes) {
+TEST(DateTimeParse, ReadsDateAndTimeInEitherOrder) {
   const struct {
     const char* text;
     const char* outcome;
@@ -29,16 +29,16 @@ TEST(DateTimeParse, TextIsReadAsFarAsItGoes) {
       {"2024/03/05xyz", "0 2024/03/05 00:00:00"},
       {"10:20", "0 2024/06/15 10:20:00"},
       {"3/5", "0 2024/03/05 00:00:00"},
-      {"3/5", "0 2024/05/03 00:00:00", 2, orxDayMonthYear},
-      {"5 12", "0 2024/06/05 12:00:00", 2, 3},
+      {"3/5", "0 2024/05/03 00:00:00", orxDateTimeFull, orxDayMonthYear},
+      {"5 12", "0 2024/06/05 12:00:00", orxDateTimeFull, 3},
       {"7 2024/3/5", "0 2024/03/05 07:00:00"},
       {"10:20 PM", "0 2024/06/10 00:00:00"},
       {"+24/ 3/-5", "1 error 3"},
-      {"+24/ 3/5", "0 2024/03/05 03:00:00"},  // behind the blank stands the time as well
+      {"+24/ 3/5", "0 2024/03/05 03:00:00"},  // the hour follows the blank
       {" 2024/3/5", "1 error 4"},
       {"", "0 2024/06/15 00:00:00"},
       {"12/25/2023", "1 error 1"},
-      {"2023/12/25", "1 error 1", 2, 3},
+      {"2023/12/25", "1 error 1", orxDateTimeFull, 3},
       {"4294967297/1/1", "1 error 2"},
       {"GETDATE()", "0 2024/06/15 08:09:10"},
       {"GETDATE()", "0 2024/06/15", orxDateTimeDate},

@@ -24,7 +24,7 @@ int set(orxDateTime& record, const Fields& f) {
   return orxDateTime_SetYearMonthDayHourMinuteSecond(&record, f[0], f[1], f[2], f[3], f[4], f[5]);
 }
 
-TEST(DateTime, ValuesAreReadToTheNearestSecond) {
+TEST(DateTime, RoundsToTheNearestSecond) {
   constexpr Fields kNoDate{-1, -1, -1, -1, -1, -1};
   const std::pair<double, Fields> cases[] = {
       {-1.25, {1899, 12, 29, 6, 0, 0}},  // the fraction counts forward
@@ -34,9 +34,9 @@ TEST(DateTime, ValuesAreReadToTheNearestSecond) {
       {-1.9999943, {1899, 12, 30, 0, 0, 0}},
       {-657434.999999, {100, 1, 2, 0, 0, 0}},
       {2958465.999988, {9999, 12, 31, 23, 59, 59}},
-      {0x1.5f905b9690e08p+15, {2023, 3, 15, 4, 17, 36}},     // half a second, stored as a little less
+      {0x1.5f905b9690e08p+15, {2023, 3, 15, 4, 17, 36}},     // half a second, stored as slightly less
       {-0x1.0daac75f623a6p+17, {1521, 12, 23, 13, 22, 56}},  // a millionth less than half a second
-      // The last one would be of the year 10000.
+      // The last value would be rounded to the year 10000.
       {-657435, kNoDate},
       {2958466, kNoDate},
       {std::nan(""), kNoDate},
@@ -45,8 +45,8 @@ TEST(DateTime, ValuesAreReadToTheNearestSecond) {
   for (const auto& [value, fields] : cases) EXPECT_EQ(fields_of(value), fields) << std::hexfloat << value;
 }
 
-// What the calendar of the C++ library says. A refused date leaves the value; another's is compared to the
-// last bit, by the quotients and the order of sums that other programs use.
+// Compares with the calendar of the C++ library. A refused date must leave the value unchanged. An accepted
+// date must have the quotients and the order of sums that other programs use, to the last bit.
 bool agrees(const Fields& fields) {
   using namespace std::chrono;
   const auto& [y, m, d, h, min, s] = fields;
@@ -60,7 +60,7 @@ bool agrees(const Fields& fields) {
   return refused == 0 && record.value == value && fields_of(value) == fields;
 }
 
-TEST(DateTime, EveryDayIsThatDay) {
+TEST(DateTime, EveryDayAgreesWithTheCalendarOfTheStandardLibrary) {
   std::mt19937 random(18991230);
   const auto below = [&](unsigned count) { return static_cast<int>(random() % count); };
   for (int year = 100; year <= 9999; ++year) {
@@ -73,36 +73,37 @@ TEST(DateTime, EveryDayIsThatDay) {
   }
 }
 
-TEST(DateTime, FieldsAreCompletedAndRefused) {
+TEST(DateTime, CompletesYearsAndDiagnosesInvalidFields) {
   const struct {
     int kind;
     Fields fields;
     int result, code;
     Fields read = {};
   } cases[] = {
-      {2, {99, 1, 2, 3, 4, 5}, 0, 0, {1999, 1, 2, 3, 4, 5}},
-      {2, {29, 1, 2, 0, 0, 0}, 0, 0, {2029, 1, 2, 0, 0, 0}},
-      {2, {30, 1, 2, 0, 0, 0}, 0, 0, {1930, 1, 2, 0, 0, 0}},
-      {2, {-1, 1, 2, 0, 0, 0}, 0, 0, {1899, 1, 2, 0, 0, 0}},
-      {2, {1900, 2, 29, 0, 0, 0}, 1, 1},  // told as a wrong month
-      {3, {2001, 2, 29, 0, 0, 0}, 1, 3},
-      {2, {2001, 13, 1, 0, 0, 0}, 1, 1},
-      {2, {10000, 1, 1, 0, 0, 0}, 1, 2},
-      {2, {INT_MIN, INT_MIN, INT_MIN, 0, 0, 0}, 1, 2},
-      {2, {2000, 1, 1, 24, 0, 0}, 1, 4},
-      {4, {2000, 1, 1, 23, 60, 0}, 1, 5},
-      {4, {2000, 1, 1, 23, 59, 60}, 1, 6},
-      {3, {2000, 1, 1, 24, 0, 0}, 1, 0},  // refused, but not for its date
-      {1, {2000, 13, 1, 0, 0, 0}, 1, 0},
+      {orxDateTimeFull, {99, 1, 2, 3, 4, 5}, 0, 0, {1999, 1, 2, 3, 4, 5}},
+      {orxDateTimeFull, {29, 1, 2, 0, 0, 0}, 0, 0, {2029, 1, 2, 0, 0, 0}},
+      {orxDateTimeFull, {30, 1, 2, 0, 0, 0}, 0, 0, {1930, 1, 2, 0, 0, 0}},
+      {orxDateTimeFull, {-1, 1, 2, 0, 0, 0}, 0, 0, {1899, 1, 2, 0, 0, 0}},
+      {orxDateTimeFull, {1900, 2, 29, 0, 0, 0}, 1, 1},  // reported as an invalid month
+      {orxDateTimeDate, {2001, 2, 29, 0, 0, 0}, 1, 3},
+      {orxDateTimeFull, {2001, 13, 1, 0, 0, 0}, 1, 1},
+      {orxDateTimeFull, {10000, 1, 1, 0, 0, 0}, 1, 2},
+      {orxDateTimeFull, {INT_MIN, INT_MIN, INT_MIN, 0, 0, 0}, 1, 2},
+      {orxDateTimeFull, {2000, 1, 1, 24, 0, 0}, 1, 4},
+      {orxDateTimeTime, {2000, 1, 1, 23, 60, 0}, 1, 5},
+      {orxDateTimeTime, {2000, 1, 1, 23, 59, 60}, 1, 6},
+      {orxDateTimeDate, {2000, 1, 1, 24, 0, 0}, 1, 0},  // this kind has no time to diagnose
+      {orxDateTimeNumber, {2000, 13, 1, 0, 0, 0}, 1, 0},
   };
   for (const auto& c : cases) {
-    orxDateTime record{7, 2, static_cast<int16_t>(c.kind), 99};
+    orxDateTime record{7, orxYearMonthDay, static_cast<int16_t>(c.kind), 99};
     EXPECT_EQ(set(record, c.fields), c.result);
     EXPECT_EQ(record.errorCode, c.code) << ::testing::PrintToString(c.fields);
     EXPECT_EQ(c.result == 0 ? fields_of(record.value) : Fields{}, c.read);
   }
-  for (const auto& [kind, code] : {std::pair(2, 2), {3, 0}, {4, 4}}) {
-    orxDateTime record{7, 2, static_cast<int16_t>(kind), 0};
+  for (const auto& [kind, code] :
+       {std::pair<int, int>(orxDateTimeFull, 2), {orxDateTimeDate, 0}, {orxDateTimeTime, 4}}) {
+    orxDateTime record{7, orxYearMonthDay, static_cast<int16_t>(kind), 0};
     EXPECT_EQ(orxDateTime_SetHourMinuteSecond(&record, 24, 0, 0), 1);
     EXPECT_EQ(record.errorCode, code) << kind;
   }
@@ -110,11 +111,11 @@ TEST(DateTime, FieldsAreCompletedAndRefused) {
   EXPECT_EQ(orxDateTime_SetHourMinuteSecond(nullptr, 0, 0, 0), 1);
 }
 
-TEST(DateTime, ErrorsHaveTexts) {
-  orxDateTime record{0, 2, 2, 7};
+TEST(DateTime, ErrorsHaveMessages) {
+  orxDateTime record{0, orxYearMonthDay, orxDateTimeFull, 7};
   char text[11] = "kept";
   EXPECT_EQ(orxDateTime_DiagnoseError(&record, text), 7);
-  EXPECT_STREQ(text, "kept") << "there is no such error";
+  EXPECT_STREQ(text, "kept") << "an unknown error has no text";
   EXPECT_EQ(orxDateTime_SetHourMinuteSecond(&record, 12, 0, 0), 0);
   EXPECT_EQ(orxDateTime_DiagnoseError(&record, text), 0);
   EXPECT_STREQ(text, "No errors.");

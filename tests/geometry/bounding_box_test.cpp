@@ -15,7 +15,7 @@ namespace {
 constexpr double kNan = NAN, kInf = INFINITY, kLow = BBOX_EMPTY_MIN, kHigh = BBOX_EMPTY_MAX;
 constexpr bbox kEmpty = {{kLow, kLow, kLow}, {kHigh, kHigh, kHigh}};
 
-// As bits, so that 0 and -0 differ.
+// Compares bits, so that 0 and -0 differ.
 bool same(const double* a, const double* b, std::size_t count) {
   return std::equal(a, a + count, b, [](double x, double y) {
     return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
@@ -64,7 +64,7 @@ TEST(BoundingBox, GrowsAroundBoxesAndByDistances) {
   expect_box(empty, {{1.2e15, 1.2e15, 1.2e15}, {-1.2e15, -1.2e15, -1.2e15}});
 }
 
-TEST(BoundingBox, TellsWhatIntersects) {
+TEST(BoundingBox, TouchingIntersectsInPlanAndInSpace) {
   const bbox box = {{0, 0, 0}, {2, 4, 6}};
   const struct {
     bbox other;
@@ -90,12 +90,12 @@ TEST(BoundingBox, TellsWhatIntersects) {
   }
 }
 
-TEST(BoundingBox, GivesItsCornersOrNothing) {
+TEST(BoundingBox, GetsCornersUnlessAnArgumentIsNull) {
   const bbox box = {{1, 2, 3}, {4, 5, 6}};
   const double expected[24] = {1, 1, 1, 1, 4, 4, 4, 4, 2, 2, 5, 5, 2, 2, 5, 5, 3, 6, 6, 3, 3, 6, 6, 3};
   double corners[24] = {}, values[6] = {};
   const double none[24] = {};
-  for (int null = 0; null <= 7; ++null) {  // at last none
+  for (int null = 0; null <= 7; ++null) {  // 7: no argument is null
     EXPECT_TRUE(same(values, none, 6) && same(corners, none, 24));
     const auto out = [&](int i) { return null == i ? nullptr : values + i - 1; };
     const auto axis = [&](int i) { return null == i ? nullptr : corners + 8 * (i - 1); };
@@ -107,7 +107,7 @@ TEST(BoundingBox, GivesItsCornersOrNothing) {
   EXPECT_TRUE(same(values, box.min, 3) && same(values + 3, box.max, 3) && same(corners, expected, 24));
 }
 
-TEST(BoundingBox, AnswersNullAndExhaustedMemory) {
+TEST(BoundingBox, HandlesNullAndOutOfMemory) {
   const bbox box = {{1, 2, 3}, {4, 5, 6}};
   bbox kept = box;
   EXPECT_EQ(bbox_update_from_bbox(nullptr, &box) + bbox_update_from_bbox(&kept, nullptr), 0);

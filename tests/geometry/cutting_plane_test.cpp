@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <iterator>
 #include <random>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -31,7 +33,7 @@ void seed(cutplane& cut, const Point& from, const Point& to) {
   EXPECT_EQ(cutplane_seed_line_segment(&cut, from[0], from[1], from[2], to[0], to[1], to[2]), 0);
 }
 
-// As bits, but for what is not a number: that is as good as any other.
+// Compares bits, so that 0 and -0 differ. All NaNs are equal.
 bool same(const double* a, const double* b, std::size_t count) {
   return std::equal(a, a + count, b, [](double x, double y) {
     return (std::isnan(x) && std::isnan(y)) ||
@@ -39,7 +41,7 @@ bool same(const double* a, const double* b, std::size_t count) {
   });
 }
 
-TEST(CuttingPlane, IsSeededAndMeasured) {
+TEST(CuttingPlane, SeedingComputesCoefficientsAndDirections) {
   cutplane cut = plane_through({1, 2, 3}, {2, 4, 5}, {3, 3, 1});
   EXPECT_TRUE(same(cut.plane, std::begin({-6., 6., -3., 3.}), 4) && cut.normal_len == 9);
   EXPECT_EQ(cutplane_distance_to_point(&cut, -1, 4, 2), 3);
@@ -56,6 +58,34 @@ TEST(CuttingPlane, IsSeededAndMeasured) {
   EXPECT_TRUE(same(p, std::begin({1., 2., 3., 2., 4., 7., 3., 6., 11.}), 9));
 }
 
+TEST(CuttingPlane, HorizontalPlaneCutsTheUnitCube) {
+  const bbox cube = {{0, 0, 0}, {1, 1, 1}};
+  using Corners = std::vector<std::pair<double, double>>;  // x and y of the points
+  const struct {
+    double z;
+    int is_between;  // the corners are on both sides
+    Corners points;
+  } cases[] = {
+      {0.5, 1, {{0, 0}, {0, 1}, {1, 0}, {1, 1}}},
+      // Each of the four corners comes from every edge that ends there, or that begins there in the plane.
+      {0, 0, {{0, 0}, {0, 1}, {0, 1}, {1, 0}, {1, 1}, {1, 1}, {0, 0}, {0, 1}}},
+      {2, 0, {}}};
+  for (const auto& [z, is_between, points] : cases) {
+    cutplane cut = plane_through({0, 0, z}, {1, 0, z}, {0, 1, z});
+    double xs[12], ys[12], zs[12];
+    const int count = cutplane_intersect_bbox_lines(&cut, &cube, xs, ys, zs);
+    Corners found;
+    for (int i = 0; i < count; ++i) found.emplace_back(xs[i], ys[i]);
+    EXPECT_EQ(found, points) << z;
+    EXPECT_EQ(std::count(zs, zs + count, z), count);
+    EXPECT_EQ(cutplane_intersects_bbox(&cut, &cube), is_between) << z;
+    EXPECT_EQ(cutplane_set_plane_bbox(&cut, &cube), points.empty() ? 1 : 0) << z;
+    if (count == 0) continue;
+    const bbox expected = {{0, 0, z}, {1, 1, z}};
+    EXPECT_TRUE(same(cut.plane_bbox.min, expected.min, 6)) << z;
+  }
+}
+
 // The corners that each edge joins.
 constexpr int kEdges[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
                                {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
@@ -68,7 +98,7 @@ Point corner(const bbox& box, int k, bool exchanged) {
 
 enum Extent { kSegment, kLine };
 
-// Where the plane meets the record's segment or its line, by the sums and comparisons one after the other.
+// The model: where the plane meets the record's segment or its line, with one comparison after the other.
 bool meets(cutplane& cut, Extent extent, Point& at) {
   const auto& [a, b, c, d] = cut.plane;
   const auto& u = cut.seg_dir;
@@ -100,7 +130,7 @@ int cut_one_by_one(cutplane& cut, const bbox& box, bool exchanged, double (&foun
   return count;
 }
 
-// Whether corners lie on both sides, by the signs of their sums; -1 when one is not a number.
+// Whether corners are on both sides of the plane; -1 when a sum is not a number.
 int crossed_by(const cutplane& cut, const bbox& box) {
   const auto& [a, b, c, d] = cut.plane;
   int below = 0;
@@ -113,7 +143,7 @@ int crossed_by(const cutplane& cut, const bbox& box) {
   return below % 8 != 0 && (a != 0 || b != 0 || c != 0) ? 1 : 0;
 }
 
-TEST(CuttingPlane, FollowsItsSums) {
+TEST(CuttingPlane, AgreesWithItsModelToTheLastBit) {
   constexpr unsigned kSeed = 20240511;
   SCOPED_TRACE(kSeed);
   std::mt19937 random(kSeed);
@@ -162,7 +192,7 @@ TEST(CuttingPlane, FollowsItsSums) {
   }
 }
 
-TEST(CuttingPlane, AnswersNullAndExhaustedMemory) {
+TEST(CuttingPlane, HandlesNullAndOutOfMemory) {
   cutplane* const made = cutplane_new();
   const cutplane zeros = {};
   EXPECT_TRUE(same(made->seg_x, zeros.seg_x, kDoubles));

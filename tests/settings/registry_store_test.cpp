@@ -4,11 +4,14 @@
 #include <orx/platform/posix/registry/database.h>
 #include <tests/support/registry.h>
 
+#include <cstring>
 #include <filesystem>
+#include <functional>
+#include <utility>
 
 namespace {
 
-// The file of the user's settings, as another program finds it.
+// The file of the user's settings, opened by a second connection as another program opens it.
 class StoreTest : public orx::testing::RegistryTest {
  protected:
   StoreTest() { orx::platform::registry_busy_timeout_ms = 20; }
@@ -37,14 +40,14 @@ class StoreTest : public orx::testing::RegistryTest {
   sqlite3* file_ = nullptr;
 };
 
-// "0": there is no such value.
+// Reads a digit; a missing value is 0.
 char read(const char* key1, const char* key2, const char* name) {
   char digit = '0';
   hvk_RegReadBinary(key1, key2, nullptr, nullptr, name, &digit, 1);
   return digit;
 }
 
-TEST_F(StoreTest, AStoreThatIsLockedFailsWhenPatienceEnds) {
+TEST_F(StoreTest, LockedStoreFailsAfterItsWaitingTime) {
   ASSERT_EQ(hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1), 0);
   OpenFile();
   int number = 0;
@@ -59,7 +62,33 @@ TEST_F(StoreTest, AStoreThatIsLockedFailsWhenPatienceEnds) {
   }
 }
 
-// Of a program that knew the capitals of ASCII alone on one day, and all capitals on another.
+std::function<void()> before_writing;
+
+// Calls `before_writing` once, when the connection begins a transaction that writes.
+int trace(unsigned /*event*/, void* /*context*/, void* /*statement*/, void* sql) {
+  if (before_writing && std::strcmp(static_cast<const char*>(sql), "BEGIN IMMEDIATE") == 0) {
+    std::exchange(before_writing, nullptr)();
+  }
+  return 0;
+}
+
+int trace_connection(sqlite3* opened) { return sqlite3_trace_v2(opened, SQLITE_TRACE_STMT, trace, nullptr); }
+
+TEST_F(StoreTest, InitialisingKeepsAValueThatIsWrittenBetweenItsChecks) {
+  OpenFile();
+  const auto extension = reinterpret_cast<void (*)()>(trace_connection);
+  sqlite3_auto_extension(extension);
+  EXPECT_EQ(hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "y", 1), 0);
+  before_writing = [this] { Run("UPDATE value SET name = 'x', folded = 'X'"); };
+  EXPECT_EQ(hvk_RegInitInt("A", nullptr, nullptr, nullptr, "x", 2), 0);
+  sqlite3_cancel_auto_extension(extension);
+  EXPECT_FALSE(before_writing) << "the value was not written";
+  int number = 0;
+  EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "x", &number), 0);
+  EXPECT_EQ(number, 1);
+}
+
+// Written by two versions of a program: one folded only ASCII capitals, the other all capitals.
 constexpr char kOldStore[] = R"(
 CREATE TABLE key (id INTEGER PRIMARY KEY, parent INTEGER REFERENCES key ON DELETE CASCADE, name TEXT NOT NULL,
   folded TEXT NOT NULL, UNIQUE (parent, folded));
@@ -77,11 +106,11 @@ INSERT INTO value (key, name, folded, type, data) VALUES
   (7, 'x', 'X', 3, '6'), (8, 'y', 'Y', 3, '7'), (9, 'x', 'X', 3, '8');
 )";
 
-TEST_F(StoreTest, AnOlderStoreIsFoldedAnewOnce) {
+TEST_F(StoreTest, OlderStoreIsFoldedAgainOnce) {
   OpenFile();
   Run(kOldStore);
   Run("BEGIN IMMEDIATE");
-  EXPECT_EQ(read("MÜLLER", nullptr, "Ä"), '4') << "it can be read while it cannot be written";
+  EXPECT_EQ(read("MÜLLER", nullptr, "Ä"), '4') << "reading needs no conversion";
   EXPECT_EQ(hvk_RegWriteBinary("MÜLLER", nullptr, nullptr, nullptr, "Ä", "5", 1), -1);
   Run("ROLLBACK");
   for (const char* key : {"Müller", "müller", "MÜLLER"}) {

@@ -29,7 +29,7 @@ class SettingsTest : public orx::testing::RegistryTest {
     return Made("Software\\Halvark Software\\TESSEL\\6.9.1\\" + below_product);
   }
 
-  // Its values, each as "Name=1:616200 ": the type and the bytes.
+  // The values of a key, each as "Name=1:616200 ": name, type and bytes.
   std::string Stored(const std::string& below_product = "") {
     const HKEY key = Key(below_product);
     std::string all;
@@ -48,7 +48,7 @@ class SettingsTest : public orx::testing::RegistryTest {
   }
 };
 
-TEST_F(SettingsTest, EveryTypeIsStoredInItsForm) {
+TEST_F(SettingsTest, StoresEachTypeInItsFormat) {
   EXPECT_EQ(hvk_RegWriteInt("Süd", "b b", "c", "d", "Count", 5 - INT_MAX), 0);
   EXPECT_EQ(hvk_RegWriteString("Süd", "b b", "c", "d", "Name", "abc"), 0);
   EXPECT_EQ(hvk_RegWriteString("Süd", "b b", "c", "d", nullptr, ""), 0);
@@ -73,18 +73,19 @@ TEST_F(SettingsTest, EveryTypeIsStoredInItsForm) {
   EXPECT_EQ(std::string(name) + std::string(raw, 4), std::string("abc\x01\0\xFF#", 7));
 }
 
-TEST_F(SettingsTest, ReadingAnswersBySizeAndNotByType) {
+TEST_F(SettingsTest, ReadingChecksSizeButNotType) {
   ASSERT_EQ(hvk_RegWriteString("A", nullptr, nullptr, nullptr, "Name", "a"), 0);
   int number = 0x11111111;
   EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "Name", &number), 0);
   EXPECT_EQ(number, 0x11110061) << "two bytes of four";
-  EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "Name", nullptr), 0) << "asks whether it is there";
+  EXPECT_EQ(hvk_RegReadInt("A", nullptr, nullptr, nullptr, "Name", nullptr), 0)
+      << "only checks for the value";
   char buffer[2] = "";
   EXPECT_EQ(hvk_RegReadString("A", nullptr, nullptr, nullptr, "Name", buffer, 1), -1) << "never cut";
   EXPECT_EQ(hvk_RegReadBinary("A", nullptr, nullptr, nullptr, "Name", buffer, -1), -1);
 }
 
-TEST_F(SettingsTest, WhatFailsLeavesNoKeysBehind) {
+TEST_F(SettingsTest, FailedReadingAndOpeningLeaveNoKeys) {
   HKEY key = nullptr;
   int number = 7;
   ASSERT_EQ(hvk_RegWriteInt("Kept", nullptr, nullptr, nullptr, "x", 1), 0);
@@ -100,19 +101,19 @@ TEST_F(SettingsTest, WhatFailsLeavesNoKeysBehind) {
   EXPECT_EQ(sub_keys(Key("Kept")), Names{});
 }
 
-TEST_F(SettingsTest, WritingTakesAnEmptyLevelForTheKeyBeforeIt) {
+TEST_F(SettingsTest, WritingSkipsEmptyLevels) {
   EXPECT_EQ(hvk_RegWriteInt("A", "", "B", nullptr, "x", 1), 0);
   EXPECT_EQ(hvk_RegWriteInt("", "C\\D", nullptr, "ignored", "x", 2), 0);
   EXPECT_EQ(Stored("A\\B") + Stored("C\\D"), "x=4:01000000 x=4:02000000 ");
   EXPECT_EQ(hvk_RegWriteInt("E", "\\F", nullptr, nullptr, "x", 1), -1);
-  EXPECT_EQ(hvk_RegWriteString("G", nullptr, nullptr, nullptr, "x", nullptr), -1) << "one byte from nowhere";
+  EXPECT_EQ(hvk_RegWriteString("G", nullptr, nullptr, nullptr, "x", nullptr), -1) << "a null text";
   EXPECT_EQ(hvk_RegWriteBinary("G", nullptr, nullptr, nullptr, "x", "abc", -1), -1);
   EXPECT_EQ(hvk_RegWriteInt("G", nullptr, nullptr, nullptr, std::string(16384, 'n').c_str(), 1), -1);
   EXPECT_EQ(sub_keys(Key()), (Names{"A", "C", "E", "G"})) << "levels made before a failure stay";
   EXPECT_EQ(Stored("G"), "");
 }
 
-TEST_F(SettingsTest, InitialisingKeepsWhatIsThere) {
+TEST_F(SettingsTest, InitialisingKeepsExistingValues) {
   EXPECT_EQ(hvk_RegInitInt(nullptr, nullptr, nullptr, nullptr, "n", 1), 0);
   EXPECT_EQ(hvk_RegInitInt(nullptr, nullptr, nullptr, nullptr, "N", 2), 0);
   EXPECT_EQ(hvk_RegInitString("A", "", nullptr, nullptr, nullptr, "x"), 0);
@@ -121,7 +122,7 @@ TEST_F(SettingsTest, InitialisingKeepsWhatIsThere) {
   EXPECT_EQ(Stored() + Stored("A"), "n=4:01000000 =1:7800 ");
 }
 
-TEST_F(SettingsTest, KeysAreDeletedAloneOrWithAllBelow) {
+TEST_F(SettingsTest, DeletesAKeyAloneOrWithItsSubKeys) {
   ASSERT_EQ(hvk_RegWriteInt("A", "B", "C", "D", "x", 1), 0);
   EXPECT_EQ(hvk_RegDeleteKey("A", "B"), -1) << "has sub-keys";
   EXPECT_EQ(hvk_RegDeleteKey("A", "b\\c\\d"), 0);
@@ -134,7 +135,7 @@ TEST_F(SettingsTest, KeysAreDeletedAloneOrWithAllBelow) {
       EXPECT_EQ(hvk_RegSHDeleteKey(key1, name), -1);
     }
   }
-  EXPECT_EQ(sub_keys(Key()), (Names{"A", "New"})) << "the key to delete from is made";
+  EXPECT_EQ(sub_keys(Key()), (Names{"A", "New"})) << "a missing key1 is created";
   ASSERT_EQ(hvk_RegWriteInt("New", "Sub", nullptr, nullptr, "x", 1), 0);
   EXPECT_EQ(hvk_RegDeleteKey("New", nullptr), -1);
   EXPECT_EQ(hvk_RegSHDeleteKey("New", nullptr), 0);
@@ -145,7 +146,7 @@ TEST_F(SettingsTest, KeysAreDeletedAloneOrWithAllBelow) {
   EXPECT_EQ(hvk_RegDeleteKey(nullptr, ""), -1) << "although nothing is below the product key";
 }
 
-TEST_F(SettingsTest, AnOpenedKeyIsTheCallersToClose) {
+TEST_F(SettingsTest, CallerClosesAnOpenedKey) {
   HKEY key = nullptr;
   ASSERT_EQ(hvk_RegOpenKey("A", "B", nullptr, nullptr, &key), 0);
   EXPECT_EQ(RegSetValueExA(key, "x", 0, REG_BINARY, nullptr, 0), ERROR_SUCCESS);
@@ -155,11 +156,11 @@ TEST_F(SettingsTest, AnOpenedKeyIsTheCallersToClose) {
   EXPECT_EQ(hvk_RegCloseKey(&key) + hvk_RegCloseKey(nullptr), -2);
 }
 
-TEST_F(SettingsTest, ThePlottingProductIsFoundByItsFolder) {
+TEST_F(SettingsTest, GetsTheFolderOfThePlottingProduct) {
   char folder[8] = "before";
   EXPECT_EQ(hvk_GetChartwrightInstallFolder(folder, sizeof folder), -1);
-  EXPECT_STREQ(folder, "before") << "a default stays";
-  EXPECT_FALSE(std::filesystem::exists(folder_.path("etc"))) << "asking makes nothing";
+  EXPECT_STREQ(folder, "before") << "the buffer is unchanged";
+  EXPECT_FALSE(std::filesystem::exists(folder_.path("etc"))) << "no file is created";
   const HKEY key = Made("SOFTWARE\\Halvark Software\\Chartwright", HKEY_LOCAL_MACHINE);
   const std::tuple<std::string, int, int, const char*> kRows[] = {
       {std::string("C:\\chw", 7), 7, 0, "C:\\chw"},
@@ -177,7 +178,7 @@ TEST_F(SettingsTest, ThePlottingProductIsFoundByItsFolder) {
   EXPECT_EQ(hvk_GetChartwrightInstallFolder(nullptr, 8), -1);
 }
 
-TEST_F(SettingsTest, AChangeIsKeptAsAWholeOrNotAtAll) {
+TEST_F(SettingsTest, ChangeIsKeptCompletelyOrNotAtAll) {
   const auto change = [](void* result) {
     EXPECT_EQ(hvk_RegWriteInt("A", "B", nullptr, nullptr, "number", 7), 0);
     EXPECT_EQ(hvk_RegSHDeleteKey(nullptr, "old"), 0);
@@ -200,14 +201,15 @@ TEST_F(SettingsTest, AChangeIsKeptAsAWholeOrNotAtAll) {
   };
   EXPECT_THROW(orx_registry_change(HKEY_CURRENT_USER, throws, &undone), int);
   EXPECT_NE(Key("A\\new"), nullptr);
-  EXPECT_EQ(RegSetValueExA(undone, "x", 0, REG_SZ, nullptr, 0), ERROR_KEY_DELETED) << "not the next one made";
+  EXPECT_EQ(RegSetValueExA(undone, "x", 0, REG_SZ, nullptr, 0), ERROR_KEY_DELETED)
+      << "its number may be used again";
   EXPECT_EQ(RegCloseKey(undone), ERROR_SUCCESS);
   EXPECT_EQ(sub_keys(Key()), Names{"A"});
   EXPECT_EQ(orx_registry_change(HKEY_CURRENT_USER, nullptr, nullptr), ERROR_INVALID_PARAMETER);
   EXPECT_EQ(orx_registry_change(nullptr, change, &result), ERROR_INVALID_HANDLE);
 }
 
-TEST_F(SettingsTest, FilesAreMadeOnFirstUseForTheirReaders) {
+TEST_F(SettingsTest, FilesAreCreatedWithTheirPermissions) {
   const mode_t host_mask = umask(0);
   int number;
   EXPECT_EQ(hvk_RegReadInt(nullptr, nullptr, nullptr, nullptr, "x", &number), -1);
@@ -226,7 +228,7 @@ TEST_F(SettingsTest, FilesAreMadeOnFirstUseForTheirReaders) {
   EXPECT_EQ(orx_registry_file(nullptr, path, sizeof path), -1) << "only a root has a file";
 }
 
-TEST_F(SettingsTest, WhatFailsIsToldToTheDebugger) {
+TEST_F(SettingsTest, FailuresAreReportedToTheDebugger) {
   const ScopedVariable output("ORX_DEBUG_OUTPUT", folder_.path("debug.txt").c_str());
   const std::string notes = folder_.path("notes.db");
   orx::testing::write_file(notes, "These are my notes.");
@@ -248,7 +250,7 @@ TEST_F(SettingsTest, WhatFailsIsToldToTheDebugger) {
   EXPECT_EQ(hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1), 0) << "another file is a store again";
 }
 
-TEST_F(SettingsTest, AStoreThatWasReplacedIsOpenedAnew) {
+TEST_F(SettingsTest, ReplacedStoreIsOpenedAgain) {
   ASSERT_EQ(hvk_RegWriteInt(nullptr, nullptr, nullptr, nullptr, "x", 1), 0);
   const HKEY stale = Key();
   std::filesystem::rename(folder_.path("config/user.db"), folder_.path("saved.db"));
@@ -265,7 +267,7 @@ TEST_F(SettingsTest, AStoreThatWasReplacedIsOpenedAnew) {
   EXPECT_EQ(RegQueryValueExA(machine, "x", nullptr, nullptr, nullptr, nullptr), ERROR_KEY_DELETED);
 }
 
-TEST_F(SettingsTest, AForkedProcessGoesOnWithTheKeysOfItsParent) {
+TEST_F(SettingsTest, ForkedProcessUsesKeysOfItsParent) {
   ASSERT_EQ(hvk_RegWriteInt(nullptr, nullptr, nullptr, nullptr, "x", 1), 0);
   const HKEY key = Key();
   orx::testing::in_new_process([key] {
@@ -276,7 +278,7 @@ TEST_F(SettingsTest, AForkedProcessGoesOnWithTheKeysOfItsParent) {
   EXPECT_EQ(Stored(), "x=4:02000000 ");
 }
 
-TEST_F(SettingsTest, AProcessEndsWhileAThreadChangesSettings) {
+TEST_F(SettingsTest, ProcessEndsWhileAThreadChangesSettings) {
   orx::testing::in_new_process([] {
     alarm(20);  // kills the process if it waits for the thread
     const auto change = [](void*) -> LSTATUS {
@@ -287,7 +289,7 @@ TEST_F(SettingsTest, AProcessEndsWhileAThreadChangesSettings) {
   });
 }
 
-TEST_F(SettingsTest, ACancelledThreadEndsAfterItsCall) {
+TEST_F(SettingsTest, CancelledThreadEndsAfterItsCall) {
   orx::testing::on_cancelled_thread([] { hvk_RegWriteInt("A", nullptr, nullptr, nullptr, "x", 1); });
   EXPECT_EQ(Stored("A"), "x=4:01000000 ");
 }

@@ -1,5 +1,4 @@
-// What a test finds around it: files in a folder of its own, which goes with its scope, and environment
-// variables.
+// Files in a temporary folder and environment variables, both restored at the end of the scope.
 #pragma once
 
 #include <gtest/gtest.h>

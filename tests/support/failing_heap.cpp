@@ -31,7 +31,7 @@ bool may_allocate() {
   return false;
 }
 
-// Memory that may be lost: nobody looks for leaks here. Each block begins with its size, 0 once it is freed.
+// Memory that is not checked for leaks. Before each block is its size plus one, or 0 once it is freed.
 constexpr std::size_t kHeader = alignof(std::max_align_t);
 alignas(std::max_align_t) char arena[std::size_t{16} << 20];
 std::size_t arena_used = 0;
@@ -85,7 +85,7 @@ char* copy_text(const char* text) {
   return copy != nullptr ? static_cast<char*>(std::memcpy(copy, text, size)) : nullptr;
 }
 
-// Before anything that libxml2 allocates.
+// Runs before libxml2 allocates anything.
 [[maybe_unused]] const int set_up = xmlMemSetup(release, allocate, reallocate, copy_text);
 
 }  // namespace

@@ -1,22 +1,21 @@
-// A heap that fails when a test wants it to: operator new, malloc of the library's objects, and what libxml2
-// allocates.
+// Lets allocations fail: operator new, malloc in the objects of the library, and the allocations of libxml2.
 #pragma once
 
 namespace orx::testing {
 
 enum class HeapFailure { kOnce, kFromThen };
 
-// Lets `count` allocations of this thread succeed; then the next or all others fail.
+// Lets `count` allocations of this thread succeed. After that the next one fails, or all of them.
 void fail_heap_after(int count, HeapFailure how);
 
-// Lets all succeed again. Whether any has failed.
+// Lets all allocations succeed again. Returns whether one has failed.
 bool restore_heap();
 
-// From fail_heap_after to restore_heap, takes new blocks from memory that may be lost, since libxml2 loses
-// some of its own. A block that is freed twice ends the process.
+// Takes new blocks between fail_heap_after and restore_heap from an arena, which hides the leaks of libxml2
+// itself. A block that is freed twice ends the process.
 void use_arena(bool uses);
 
-// How many blocks of operator new and libxml2 are in use.
+// The number of blocks of operator new and libxml2 that are in use.
 int blocks_in_use();
 
 }  // namespace orx::testing

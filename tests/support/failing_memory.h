@@ -1,9 +1,9 @@
-// Memory that runs out when a test wants it to.
+// Lets operator new (std::nothrow) run out of memory.
 #pragma once
 
 namespace orx::testing {
 
-// How many allocations by the new that does not throw still succeed; as many as one likes at first.
+// The number of allocations that still succeed, initially INT_MAX.
 extern int allocations_left;
 
 }  // namespace orx::testing

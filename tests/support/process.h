@@ -1,4 +1,4 @@
-// What a process does only once, tested in a process of its own.
+// Runs part of a test in a process of its own, for effects that a process has only once.
 #pragma once
 
 #include <grp.h>
@@ -12,7 +12,7 @@
 
 namespace orx::testing {
 
-// Failures of the body are failures of the process; what else it changes goes with it.
+// Starts a process that runs the body. It fails if a check of the body fails.
 template <class Body>
 pid_t start_process(Body body, void (*end)(int) = std::exit) {
   std::fflush(nullptr);
@@ -35,7 +35,8 @@ void in_new_process(Body body, void (*end)(int) = std::exit) {
   expect_success(start_process(body, end));
 }
 
-// As a user without privileges; the search for leaks at a usual end would need them.
+// Runs the body as a user without privileges. The process ends with _exit, because the leak check of exit
+// needs privileges.
 template <class Body>
 void as_nobody(Body body) {
   const auto run = [&] {

@@ -17,7 +17,7 @@ class RegistryTest : public ::testing::Test {
     for (const HKEY key : opened_) RegCloseKey(key);
   }
 
-  // Null when the key cannot be made. It is closed with the test.
+  // Creates or opens a key, and closes it after the test. Null when that fails.
   HKEY Made(const std::string& path, HKEY from = HKEY_CURRENT_USER, REGSAM access = KEY_ALL_ACCESS) {
     HKEY key = nullptr;
     RegCreateKeyExA(from, path.c_str(), 0, nullptr, 0, access, nullptr, &key, nullptr);
@@ -31,7 +31,7 @@ class RegistryTest : public ::testing::Test {
   std::vector<HKEY> opened_;
 };
 
-// What one of the two listing functions lists.
+// All names that one of the two listing functions lists.
 template <class List>
 std::vector<std::string> names(HKEY key, List list) {
   std::vector<std::string> found;

@@ -1,4 +1,4 @@
-// What tests ask a document.
+// Queries of a document.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 #include <orx/text/field_value.h>
 
 #include <gtest/gtest.h>
+#include <orx/datetime/date_time.h>
 #include <tests/support/failing_memory.h>
 
 #include <cerrno>
@@ -9,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -26,18 +28,18 @@ std::ostream& operator<<(std::ostream& out, const Outcome& outcome) {
   return out << outcome.value << " special " << outcome.special << " result " << outcome.result;
 }
 
-// The limits are 3 and 4. The value stands at an odd address, and nothing is written beyond it.
+// The limits are 3 and 4. The value is at an odd address, and the bytes around it must not change.
 template <typename Value>
 Outcome read_as(int type, int subtype, const char* text) {
   const Value low = 3, high = 4;
-  char room[sizeof(Value) + 2];
-  std::memset(room, '#', sizeof room);
+  char bytes[sizeof(Value) + 2];
+  std::memset(bytes, '#', sizeof bytes);
   Outcome outcome{0, -9, 0};
   outcome.result =
-      orxdb_StrToVal(text, &low, &high, type, subtype, sizeof(Value), &outcome.special, room + 1);
-  EXPECT_TRUE(room[0] == '#' && room[sizeof room - 1] == '#');
+      orxdb_StrToVal(text, &low, &high, type, subtype, sizeof(Value), &outcome.special, bytes + 1);
+  EXPECT_TRUE(bytes[0] == '#' && bytes[sizeof bytes - 1] == '#');
   Value value;
-  std::memcpy(&value, room + 1, sizeof value);
+  std::memcpy(&value, bytes + 1, sizeof value);
   outcome.value = static_cast<double>(value);
   return outcome;
 }
@@ -47,116 +49,114 @@ Outcome read(int type, int subtype, const char* text) {
   return type == orxdbFloat ? read_as<float>(type, subtype, text) : read_as<double>(type, subtype, text);
 }
 
-TEST(FieldValue, Reads) {
+struct Row {
+  const char* text;
+  double value;
+  int special = orxdbOrdinary;
+  int result = 0;
+};
+
+Row refused(const char* text) { return {text, 0, orxdbOrdinary, -1}; }
+
+TEST(FieldValue, ReadsTheTextOfEachType) {
+  const double tenth = 0.1F;
   const struct {
     int type, subtype;
-    const char* text;
-    Outcome outcome;
-  } rows[] = {
-      {1, 0, "  42abc", {42, 0, 0}},
-      {1, 0, "\t+7", {7, 0, 0}},
-      {1, 0, "+-7", {0, 0, 0}},
-      {1, 0, "abc", {0, 0, 0}},
-      {1, 0, "99999999999999999999", {2147483647, 0, 0}},
-      {1, 0, "-2147483649", {-2147483648.0, 0, 0}},
-      {1, 0, "<5", {5, 1, 0}},
-      {1, 0, "7 < 6 > 5", {6, 1, 0}},
-      {1, 0, "<", {3, 1, 0}},
-      {1, 0, " > ", {0, 2, 0}},  // a blank follows
-      {9, 0, "<>", {0, 1, 0}},
-      {2, 0, ">", {4, 2, 0}},
-      {2, 0, "1.5e3", {1500, 0, 0}},
-      {2, 0, "0.1", {static_cast<double>(0.1F), 0, 0}},
-      {2, 0, "-1e39", {-kInfinity, 0, 0}},
-      {9, 0, "1.25D+2x", {125, 0, 0}},
-      {9, 11, "1d", {1, 0, 0}},
-      {9, 0, "1e2d3", {100, 0, 0}},
-      {9, -1, "0x1F", {0, 0, 0}},
-      {9, 0, "inf", {0, 0, 0}},
-      {9, 3, "90", {90, 0, 0}},
-      {9, 5, "90", {kPi / 2, 0, 0}},
-      {9, 1, "45:30:36", {45.51 / 180 * kPi, 0, 0}},
-      {9, 6, "0:36", {0.6 / 180 * kPi, 0, 0}},
-      {9, 7, "-1:0:36", {-1.01 / 180 * kPi, 0, 0}},
-      {9, 8, "1:30:36", {1.5 / 180 * kPi, 0, 0}},
-      {9, 9, "2", {2, 0, 0}},
-      {9, 10, "200", {kPi, 0, 0}},
-      {9, 10, "NS", {0, 0, 0}},  // an angle has fewer tokens
-      {9, 4, "NS", {0, 4, 0}},
-      {10, 0, "180", {kPi, 0, 0}},
-      {16, 0, "err", {0, 7, 0}},
-      {17, 0, "<5", {0, 0, 0}},
-      {17, 0, "-1.5", {-1.5, 0, 0}},
-      {17, 0, "-", {0, 6, 0}},
-      {17, 0, "   ", {0, 6, 0}},
-      {17, 0, nullptr, {0, 6, 0}},
-      {4, 0, "yes", {1, 0, 0}},
-      {4, 0, "TRUE", {1, 0, 0}},
-      {4, 0, "n", {0, 0, 0}},
-      {4, 0, "0", {0, 0, 0}},
-      {4, 0, "yes ", {0, 0, -1}},
-      {4, 0, "", {0, 0, -1}},
-      {6, 1, "05/03/2024", {45356, 0, 0}},
-      {6, 0, "05/03/2024", {45415, 0, 0}},
-      {6, 2, "05/03/2024", {0, 0, -1}},
-      {6, 1, "05/03/2024 12:00", {45356.5, 0, 0}},  // the midnight that a date gets comes too late
-      {6, 1, "NE", {0, 6, 0}},
-      {7, 0, "12:00", {0.5, 0, 0}},
-      {7, 0, "24:00", {0, 0, -1}},
-      {8, 2, "2024/03/05 18:00", {45356.75, 0, 0}},
-      {8, 3, "2024/03/05", {0, 0, -1}},
-      {8, 65538, "2024/03/05", {0, 0, -1}},  // no order either
-      {6, -65535, "05/03/2024", {0, 0, -1}},
-      {8, 2, "soon 12:00", {0, 0, -1}},
-      {5, 0, "1", {0, 0, 0}},
-      {99, 0, "1", {0, 0, 0}},
-      {-1, 0, "1", {0, 0, 0}},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(read(row.type, row.subtype, row.text), row.outcome) << row.type << ' ' << row.text;
+    std::vector<Row> rows;
+  } types[] = {
+      {orxdbInteger,
+       0,
+       {Row{"  42abc", 42}, Row{"\t+7", 7}, Row{"+-7", 0}, Row{"abc", 0}, Row{"<5", 5, orxdbBelow},
+        Row{"<", 3, orxdbBelow}, Row{"7 < 6 > 5", 6, orxdbBelow}, Row{" > ", 0, orxdbAbove},
+        Row{"99999999999999999999", 2147483647}, Row{"-2147483649", -2147483648.0}}},
+      {orxdbFloat,
+       0,
+       {Row{">", 4, orxdbAbove}, Row{"1.5e3", 1500}, Row{"0.1", tenth}, Row{"-1e39", -kInfinity}}},
+      {orxdbDouble, 0, {Row{"<>", 0, orxdbBelow}, Row{"1.25D+2x", 125}, Row{"1e2d3", 100}, Row{"inf", 0}}},
+      {orxdbDouble, -1, {Row{"0x1F", 0}}},
+      {orxdbDouble, 1, {Row{"45:30:36", 45.51 / 180 * kPi}}},
+      {orxdbDouble, 3, {Row{"90", 90}}},
+      {orxdbDouble, 4, {Row{"NS", 0, orxdbNS}}},
+      {orxdbDouble, 5, {Row{"90", kPi / 2}}},
+      {orxdbDouble, 6, {Row{"0:36", 0.6 / 180 * kPi}}},
+      {orxdbDouble, 7, {Row{"-1:0:36", -1.01 / 180 * kPi}}},
+      {orxdbDouble, 8, {Row{"1:30:36", 1.5 / 180 * kPi}}},
+      {orxdbDouble, 9, {Row{"2", 2}}},
+      {orxdbDouble, 10, {Row{"200", kPi}, Row{"NS", 0}}},
+      {orxdbDouble, 11, {Row{"1d", 1}}},
+      {orxdbDegrees, 0, {Row{"180", kPi}}},
+      {orxdbDegreesMinutesDecimalSeconds, 0, {Row{"err", 0, orxdbERR}}},
+      {orxdbNumber,
+       0,
+       {Row{"<5", 0}, Row{"-1.5", -1.5}, Row{"-", 0, orxdbNE}, Row{"   ", 0, orxdbNE},
+        Row{nullptr, 0, orxdbNE}}},
+      {orxdbYesNo,
+       0,
+       {refused("yes "), refused(""), Row{"True", 1}, Row{"t", 1}, Row{"1", 1}, Row{"YES", 1}, Row{"Y", 1},
+        Row{"False", 0}, Row{"F", 0}, Row{"0", 0}, Row{"no", 0}, Row{"n", 0}}},
+      {orxdbDate,
+       orxDayMonthYear,
+       {Row{"05/03/2024", 45356}, Row{"05/03/2024 12:00", 45356.5}, Row{"NE", 0, orxdbNE}}},
+      {orxdbDate, orxMonthDayYear, {Row{"05/03/2024", 45415}}},
+      {orxdbDate, orxYearMonthDay, {refused("05/03/2024")}},
+      {orxdbDate, -65535, {refused("05/03/2024")}},  // unknown orders must not be truncated to known ones
+      {orxdbTime, 0, {Row{"12:00", 0.5}, refused("24:00")}},
+      {orxdbDateTime, orxYearMonthDay, {Row{"2024/03/05 18:00", 45356.75}, refused("soon 12:00")}},
+      {orxdbDateTime, 3, {refused("2024/03/05")}},
+      {orxdbDateTime, 65538, {refused("2024/03/05")}},
+      {orxdbNothing, 0, {Row{"1", 0}}},
+      {99, 0, {Row{"1", 0}}},
+      {-1, 0, {Row{"1", 0}}}};
+  for (const auto& [type, subtype, rows] : types) {
+    for (const auto& [text, value, special, result] : rows) {
+      EXPECT_EQ(read(type, subtype, text), (Outcome{value, special, result}))
+          << type << ' ' << (text ? text : "null");
+    }
   }
 }
 
-TEST(FieldValue, KnowsTokens) {
+TEST(FieldValue, RecognisesTheTokensOfEachGroup) {
   const std::string late_sign = std::string(127, ' ') + "<";
+  constexpr int kNone = orxdbOrdinary;
   const struct {
     const char* text;
-    int measurement, value, text_code;  // as in orxdbInteger, orxdbNumber and orxdbText; -1: ordinary
-  } rows[] = {{" nC ", 3, 3, 0},   {"ns", 4, -1, 0},  {"IS", 5, -1, 0},    {"Err", 7, 7, 0},
-              {"ERRO", -1, -1, 0}, {"a<b", 1, -1, 0}, {"a>b<", 1, -1, 0},  {"->", 2, -1, 0},
-              {"ne", 6, 6, 0},     {"-", 6, 6, 0},    {"\tNC", -1, -1, 0}, {late_sign.c_str(), 6, 6, 0}};
+    int measurement, value;  // the codes for orxdbInteger and orxdbNumber
+  } rows[] = {{" nC ", orxdbNC, orxdbNC},  {"ns", orxdbNS, kNone},    {"IS", orxdbIS, kNone},
+              {"Err", orxdbERR, orxdbERR}, {"ERRO", kNone, kNone},    {"a<b", orxdbBelow, kNone},
+              {"a>b<", orxdbBelow, kNone}, {"->", orxdbAbove, kNone}, {"ne", orxdbNE, orxdbNE},
+              {"-", orxdbNE, orxdbNE},     {"\tNC", kNone, kNone},    {late_sign.c_str(), orxdbNE, orxdbNE}};
   for (const auto& row : rows) {
-    const std::pair<int, int> expected[] = {
-        {orxdbInteger, row.measurement}, {orxdbNumber, row.value}, {orxdbText, row.text_code}};
-    for (const auto& [type, code] : expected) {
+    for (const auto& [type, code] :
+         {std::pair(orxdbInteger, row.measurement), {orxdbNumber, row.value}, {orxdbText, kNone}}) {
       int special = -9;
-      EXPECT_EQ(orxdb_StrToSpecialVal(type, row.text, &special), code < 0 ? -1 : 0) << row.text;
-      EXPECT_EQ(special, std::max(code, 0)) << row.text << " as " << type;
+      const int result = code == kNone && type != orxdbText ? -1 : 0;
+      EXPECT_EQ(orxdb_StrToSpecialVal(type, row.text, &special), result) << row.text << " as " << type;
+      EXPECT_EQ(special, code) << row.text << " as " << type;
     }
   }
   EXPECT_EQ(orxdb_StrToSpecialVal(orxdbNumber, "NC", nullptr), 0);
 }
 
-TEST(FieldValue, CutsOnlyTextAndClearsTheSize) {
+TEST(FieldValue, CutsOnlyTextAndClearsItsBytes) {
   const struct {
     int type, size;
-    const char *text, *stored;  // the first bytes of eight that were '#'
+    const char *text, *stored;  // eight bytes that were '#'
     int result;
-  } rows[] = {{3, 4, "abcdef", "abc\0####", -3},
-              {15, 4, "abc", "abc\0####", 0},
-              {3, 6, "NE", "NE\0\0\0\0##", 0},
-              {3, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a character is not cut
-              {3, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
-              {3, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // it is not text
-              {3, 1, "", "\0#######", 0},
-              {3, 1, "a", "\0#######", -3},
-              {3, 0, "", "########", -3},
-              {1, 8, "1", "\1\0\0\0\0\0\0\0", 0},
-              {1, 2, "-2", "\xFE\xFF\xFF\xFF####", 0},
-              {4, -1, "yes", "\1\0\0\0####", 0},
-              {9, 4, ">", "\0\0\0\0\0\0\1@", 0},
-              {10, 3, "NC", "\0\0\0#####", 0},
-              {5, 8, "1", "\0\0\0\0\0\0\0\0", 0}};
+  } rows[] = {{orxdbText, 4, "abcdef", "abc\0####", -3},
+              {orxdbLongText, 4, "abc", "abc\0####", 0},
+              {orxdbText, 6, "NE", "NE\0\0\0\0##", 0},
+              {orxdbText, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a cut never splits a character
+              {orxdbText, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
+              {orxdbText, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // not valid text
+              {orxdbText, 1, "", "\0#######", 0},
+              {orxdbText, 1, "a", "\0#######", -3},
+              {orxdbText, 0, "", "########", -3},
+              {orxdbInteger, 8, "1", "\1\0\0\0\0\0\0\0", 0},
+              {orxdbInteger, 2, "-2", "\xFE\xFF\xFF\xFF####", 0},
+              {orxdbYesNo, -1, "yes", "\1\0\0\0####", 0},
+              {orxdbDouble, 4, ">", "\0\0\0\0\0\0\1@", 0},
+              {orxdbDegrees, 3, "NC", "\0\0\0#####", 0},
+              {orxdbNothing, 8, "1", "\0\0\0\0\0\0\0\0", 0}};
   const double high = 2.125;
   for (const auto& row : rows) {
     char dst[] = "########";
@@ -170,7 +170,7 @@ TEST(FieldValue, CutsOnlyTextAndClearsTheSize) {
   EXPECT_EQ(value, 0);
 }
 
-TEST(FieldValue, DatesSetTheOrderOfTheDatabase) {
+TEST(FieldValue, DatesSetTheOrderOfTheDatabaseEvenIfRefused) {
   int order = -9;
   EXPECT_EQ(orxdb_SetDateFormat(7) + orxdb_GetDateFormat(&order) + orxdb_GetDateFormat(nullptr), 0);
   EXPECT_EQ(order, 7);
@@ -183,11 +183,11 @@ TEST(FieldValue, DatesSetTheOrderOfTheDatabase) {
   orxdb_SetDateFormat(1);
 }
 
-TEST(FieldValue, AlikeInEveryLocaleAndLinearInTheText) {
+TEST(FieldValue, IgnoresTheLocaleAndIsLinearInTheText) {
   ASSERT_TRUE(std::setlocale(LC_ALL, "de_DE.UTF-8") || std::setlocale(LC_ALL, "C.UTF-8"));
   errno = EDOM;
   EXPECT_EQ(read(orxdbDouble, 0, "1.5,5"), (Outcome{1.5, 0, 0}));
-  orx::testing::allocations_left = 0;  // without room for the copy that it takes, the exponent is not read
+  orx::testing::allocations_left = 0;  // without memory for a copy the exponent is ignored
   EXPECT_EQ(read(orxdbDouble, 0, "1.5D2"), (Outcome{1.5, 0, 0}));
   orx::testing::allocations_left = 1'000'000;
   EXPECT_EQ(errno, EDOM);

@@ -29,7 +29,7 @@ int swap(int i, int j) {
   return -1;
 }
 
-// A comparison that sorts something else first, both ways.
+// Sorts another collection with both sorts before it compares.
 int sort_and_compare(int i, int j) {
   const std::string outer_calls = calls;
   const Values outer = std::exchange(values, {2, 3, 1});
@@ -40,7 +40,7 @@ int sort_and_compare(int i, int j) {
   return compare(i, j);
 }
 
-TEST(Sorting, CallsInADefinedOrder) {
+TEST(Sorting, CallsComeInADefinedOrder) {
   const struct {
     Values values;
     const char *quick, *shell;
@@ -75,7 +75,7 @@ TEST(Sorting, CallsInADefinedOrder) {
   }
 }
 
-TEST(Sorting, OfNothingOrWithoutACallbackCallsNothing) {
+TEST(Sorting, NullCallbacksAndEmptyCollectionsCallNothing) {
   calls.clear();
   qksort(-1, compare, swap);
   qksort(2, nullptr, swap);
@@ -84,7 +84,7 @@ TEST(Sorting, OfNothingOrWithoutACallbackCallsNothing) {
   EXPECT_EQ(calls, "");
 }
 
-// Every pivot leaves two greater elements on its right, so that as many parts wait as ever can.
+// Every pivot leaves two greater elements on its right, so the greatest possible number of parts waits.
 Values waiting_parts(int n) {
   Values made{0, 1, 2};
   for (int i = 3; i < n; i += 3) {
@@ -96,21 +96,21 @@ Values waiting_parts(int n) {
 
 std::uintptr_t shallowest, deepest;
 
-int compare_and_look_at_the_stack(int i, int j) {
+int compare_and_measure_stack(int i, int j) {
   const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
   shallowest = std::max(shallowest, here);
   deepest = std::min(deepest, here);
   return value(i) - value(j);
 }
 
-TEST(Sorting, NeedsTheSameStackForEveryInput) {
+TEST(Sorting, StackDoesNotDependOnTheInput) {
   Values sorted(4500);
   std::iota(sorted.begin(), sorted.end(), 0);
   for (const Values& input : {sorted, Values(sorted.rbegin(), sorted.rend()), waiting_parts(4500)}) {
     values = input;
     shallowest = 0;
     deepest = UINTPTR_MAX;
-    qksort(4500, compare_and_look_at_the_stack, swap);
+    qksort(4500, compare_and_measure_stack, swap);
     EXPECT_EQ(values, sorted);
     EXPECT_LT(shallowest - deepest, 4096U);
   }

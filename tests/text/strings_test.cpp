@@ -15,7 +15,7 @@ struct Buffer {
   char chars[32] = {};
 };
 
-TEST(Strings, Trim) {
+TEST(Strings, TrimRemovesOnlyBlanks) {
   const char* const kRows[][3] = {{"   ", "", ""}, {" a b  ", "a b", " a b"}, {"\ta ", "\ta", "\ta"}};
   for (const auto& [text, trimmed, trimmed_at_end] : kRows) {
     EXPECT_STREQ(trim(Buffer(text).chars), trimmed);
@@ -23,7 +23,7 @@ TEST(Strings, Trim) {
   }
 }
 
-TEST(Strings, DeleteAndInsert) {
+TEST(Strings, DeleteAndInsertIgnoreIndicesOutside) {
   const struct {
     const char* text;
     int position;
@@ -39,7 +39,7 @@ TEST(Strings, DeleteAndInsert) {
   }
 }
 
-TEST(Strings, BoundedPrint) {
+TEST(Strings, BoundedPrintAlwaysTerminates) {
   const std::tuple<std::size_t, const char*, int, const char*> kRows[] = {{4, "abcdef", -1, "abcd"},
                                                                           {4, "abcd", 4, "abcd"},
                                                                           {4, "ab", 2, "ab"},
@@ -53,7 +53,7 @@ TEST(Strings, BoundedPrint) {
   }
 }
 
-TEST(Strings, UpperAndBoundedCopy) {
+TEST(Strings, UpperAndBoundedCopyConvertAndFill) {
   Buffer buffer("az{\xE9##");
   upperstr(buffer.chars);
   EXPECT_STREQ(buffer.chars, "AZ{\xE9##");
@@ -62,7 +62,7 @@ TEST(Strings, UpperAndBoundedCopy) {
   EXPECT_STREQ(ORX_strncpy(buffer.chars, nullptr, 3), "");
 }
 
-TEST(Strings, Numbers) {
+TEST(Strings, RecognisesNumbers) {
   for (const char* text :
        {"12", " -3.5 ", "1.5e-3", "2E+10", "-1.e5", "+", ".", " \t", "5e", "5e-", "1 e5", "- e5", "\v1\f"}) {
     EXPECT_TRUE(IsNumeric(text)) << text;
@@ -74,7 +74,7 @@ TEST(Strings, Numbers) {
   EXPECT_FALSE(IsNumeric(CStringA("1\0", 2)));
 }
 
-TEST(StringArray, GrowsAndShrinks) {
+TEST(StringArray, GrowsAndChecksIndices) {
   CAtlStringArray strings;
   EXPECT_EQ(strings.Add("a") + strings.Add("b"), 1U);
   strings.SetSize(SIZE_MAX);  // stays as it is

@@ -1,4 +1,4 @@
-// Linked with --wrap=malloc, which puts __wrap_malloc in the place of malloc.
+// Linked with --wrap=malloc, so that the library calls __wrap_malloc instead of malloc.
 #include <orx/text/token_parser.h>
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ extern "C" void* __wrap_malloc(std::size_t size) {
 
 namespace {
 
-TEST(TokenParser, GivesNothingWhenMemoryRunsOut) {
+TEST(TokenParser, OutOfMemoryGivesNoTokens) {
   errno = 0;
   for (const int allocations : {0, 1, 2, 3}) {
     int count = 7;

@@ -17,7 +17,7 @@ Texts split(const std::string& text, const char* delimiters) {
   return found;
 }
 
-TEST(TokenParser, Splits) {
+TEST(TokenParser, EveryDelimiterEndsAToken) {
   const struct {
     const char *text, *delimiters;
     Texts tokens;
@@ -43,7 +43,7 @@ TEST(TokenParser, AtMost25Tokens) {
   EXPECT_EQ(split(long_token + ":", ":"), (Texts{long_token, ""}));
 }
 
-TEST(TokenParser, NothingToSplit) {
+TEST(TokenParser, EmptyAndNullTextGiveNoTokens) {
   int count = 7;
   EXPECT_EQ(orx_token_parser("", ":", &count), nullptr);
   EXPECT_EQ(orx_token_parser(nullptr, ":", &count), nullptr);

@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -13,22 +14,23 @@ constexpr char kNow[] = "240305235959";
 
 int readings;
 
-// The fourth reading is that of the next second.
+// The next second begins with the fourth reading.
 orx::platform::LocalTime clock() {
   if (readings++ < 3) return {2024, 3, 5, 23, 59, 59};
   return {2024, 3, 6, 0, 0, 0};
 }
 
-TEST(UniqueKey, IsTheStampOfTheSecondAndTheCounter) {
+TEST(UniqueKey, ConsistsOfStampAndCounter) {
   const struct {
     int counter;
     const char *last_stamp, *key;
     int readings = 1, size = 32, order = orxYearMonthDay, four_digits = 0;
   } cases[] = {{0, "", "240305235959000001"},
                {41, kNow, "240305235959000042"},
-               {999998, kNow, "240305235959999999"},
-               {999999, "240305235958", "240305235959000001"},
-               {999999, "2403052359590", "240305235959000001"},
+               {ORX_KEY_COUNTER_MAX - 1, kNow, "240305235959999999"},
+               {ORX_KEY_COUNTER_MAX, "240305235958", "240305235959000001"},
+               {ORX_KEY_COUNTER_MAX, "2403052359590", "240305235959000001"},
+               {ORX_KEY_COUNTER_MAX, kNow, "240306000000000001", 4},
                {INT_MAX, kNow, "240306000000000001", 4},
                {-8, kNow, "240305235959-00007"},
                {INT_MIN, kNow, "240305235959-2147483647"},
@@ -38,7 +40,7 @@ TEST(UniqueKey, IsTheStampOfTheSecondAndTheCounter) {
                {41, "", "03052024235959000042", 1, INT_MAX, orxMonthDayYear, 1}};
   orx::platform::replace_clock(clock);
   for (const auto& c : cases) {
-    char out[32], last_stamp[32];
+    char out[32], last_stamp[ORX_KEY_STAMP_SIZE];
     std::memset(out, '#', sizeof out);
     std::strcpy(last_stamp, c.last_stamp);
     int counter = c.counter;
@@ -47,7 +49,7 @@ TEST(UniqueKey, IsTheStampOfTheSecondAndTheCounter) {
     GenerateKey(out, c.size, last_stamp, &counter);
     EXPECT_STREQ(out, c.key);
     EXPECT_EQ(out[std::strlen(c.key) + 1], '#') << c.key;
-    EXPECT_EQ(counter, c.counter >= 999999 ? 1 : c.counter + 1);
+    EXPECT_EQ(counter, c.counter >= ORX_KEY_COUNTER_MAX ? 1 : c.counter + 1);
     EXPECT_EQ(readings, c.readings) << "date and time of " << c.key;
     if (c.size > 18) EXPECT_EQ(std::string(out).find(last_stamp), 0U) << last_stamp;
   }
@@ -55,19 +57,16 @@ TEST(UniqueKey, IsTheStampOfTheSecondAndTheCounter) {
   orxDateTime_SetStaticDefaults(orxYearMonthDay, 30, 0);
 }
 
-TEST(UniqueKey, NeedsAllItIsGiven) {
-  char out[] = "###", last_stamp[32] = "stamp";
-  int counter = 999999;
+TEST(UniqueKey, NullPointersGiveNoKeyAndChangeNothing) {
+  char out[] = "###", empty[] = "###", last_stamp[ORX_KEY_STAMP_SIZE] = "stamp";
+  int counter = 7;
   GenerateKey(nullptr, 32, last_stamp, &counter);
   GenerateKey(out, 0, last_stamp, &counter);
-  EXPECT_STREQ(out, "###");
-  for (const bool has_stamp : {false, true}) {
-    out[0] = '#';
-    GenerateKey(out, 4, has_stamp ? last_stamp : nullptr, has_stamp ? nullptr : &counter);
-    EXPECT_STREQ(out, "");
-  }
-  EXPECT_STREQ(last_stamp, "stamp");
-  EXPECT_EQ(counter, 999999);
+  GenerateKey(empty, 4, last_stamp, nullptr);
+  EXPECT_EQ(std::string(out) + empty, "###");
+  empty[0] = '#';
+  GenerateKey(empty, 4, nullptr, &counter);
+  EXPECT_EQ(std::string(empty) + last_stamp + std::to_string(counter), "stamp7");
 }
 
 }  // namespace
