@@ -16,7 +16,6 @@ prints '{*"Default": "beta"*}' list default all.qpl --json
 succeeds list default all.qpl --none
 succeeds list remove all.qpl Grün
 succeeds list remove all.qpl beta
-fails "all.qpl: lists no project 'beta'" list remove all.qpl beta
 prints '\[\]' list show all.qpl --json
 
 succeeds list add all.qpl show list  # names of subcommands

@@ -16,13 +16,13 @@ cat > all.json << 'JSON'
     "Raw/ä": {
       "values": {
         "Bytes": {"type": "binary", "data": "00FF"},
-        "Number": {"type": "dword", "data": 4294967291}
+        "Number": {"type": "dword", "data": 4294967295}
       }
     }
   }
 }
 JSON
-sed 's/4294967291/-5/' all.json > written.json
+sed 's/"data": 4294967295/"data": -1/' all.json > written.json
 succeeds registry import written.json
 prints "$(sed 's/[][\*?]/\\&/g' all.json)" registry export 'hklm\Software\B'
 succeeds registry export 'HKLM\Software\B' written.json

@@ -7,7 +7,6 @@ parse 25/12/23 --order dmy --kind date|45285|25/12/23|2023/12/25
 parse 12/25/2031 --order mdy|48207|12/25/2031 00:00:00|2031/12/25 00:00:00
 parse 7:08 --kind time|0.2972222222222222|07:08:00| 7:08:00
 parse 3.25abc --kind number|3.25|3|3
-format -1.25|-1.25|1899/12/29 06:00:00
 END
 prints $'Value     45356*FullText  2024/03/05\nYear      2024\nMonth     3\nDay       5' date parse 24/3/5 --kind date
 prints '24/03/05 12:00:00' date format 45356.5
@@ -38,7 +37,6 @@ done << 'END'
 0|0.1|2,*"above|0|float '>' --high 0.1
 0|0.0|6,*"NE|0|number -
 0|"Süd \\\\ \\"Feld\\""|0,*"ordinary|0|text 'Süd \ "Feld"' --size 14
-0|"list"|0,*"ordinary|0|long-text list --size 5
 1|"S"|0,*"ordinary|-3|text Süd --size 3|it does not fit into 3 bytes
 0|0.0|3,*"NC|0|dm nc --size 7
 1|0|0,*"ordinary|-1|yes-no ''|it is not yes or no
@@ -54,7 +52,6 @@ done << 'END'
 END
 expect 1 $'Value        abc\nSpecial      0\nSpecialName  ordinary\nResult       -3' 'orx: abcdef: it *4 bytes' field text abcdef --size 4
 rejects_usage "TYPE: 'Integer' is not one of integer, " field Integer 1
-rejects_usage "TYPE: '18' is not one of " field 18 1
 rejects_usage "--low: '1.5' is not a valid integer " field integer '<' --low 1.5
 rejects_usage '--high: degrees has no limits ' field degrees 1 --high 1
 rejects_usage '--size: ' field text a --size -1
