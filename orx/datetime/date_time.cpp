@@ -1,6 +1,7 @@
 #include <orx/datetime/date_time.h>
 
 #include <orx/base/calendar.h>
+#include <orx/base/errno_guard.h>
 #include <orx/datetime/static_defaults.h>
 #include <orx/platform/clock.h>
 
@@ -89,6 +90,7 @@ double value_of(const Fields& fields) {
 orxDateTime* orxDateTime_New(int kind) {
   using orx::datetime::to_record_field;
   const std::int16_t order = to_record_field(orx::datetime::static_defaults.order);
+  const orx::ErrnoGuard errno_guard;
   return new (std::nothrow) orxDateTime{0.0, order, to_record_field(kind), kNoError};
 }
 
