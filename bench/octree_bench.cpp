@@ -334,7 +334,7 @@ int count_and_compare(void* a, void* b) {
 
 std::unique_ptr<CORXOcTreeNode> made_tree(Points& points, double low, double high) {
   auto tree = std::make_unique<CORXOcTreeNode>();
-  tree->SetFunctions(hidden(count_and_compare), hidden(locate), nullptr);
+  tree->SetFunctions(hide_from_optimizer(count_and_compare), hidden(locate), nullptr);
   tree->Init(low, low, low, high, high, high, 0);
   for (Point& point : points) tree->AddNode(&point);
   return tree;
@@ -343,7 +343,7 @@ std::unique_ptr<CORXOcTreeNode> made_tree(Points& points, double low, double hig
 void find_in_region(benchmark::State& state) {
   const auto& [name, low, high, stray] = kRegions[state.range(0)];
   state.SetLabel(name);
-  Points points = made_points(kUniform);
+  Points points = make_points(kUniform);
   points.resize(200'000);
   points[1000].fill(stray);
   const auto tree = made_tree(points, low, high);
@@ -357,7 +357,7 @@ void find_in_region(benchmark::State& state) {
 
 void build_of_coincident(benchmark::State& state) {
   constexpr std::size_t kPlaces = 1000, kPointsAtPlace = 100;
-  Points points = made_points(kUniform);
+  Points points = make_points(kUniform);
   points.resize(kPlaces * kPointsAtPlace);
   for (std::size_t i = kPlaces; i < points.size(); ++i) points[i] = points[i % kPlaces];
   for (auto _ : state) {
