@@ -334,7 +334,7 @@ int count_and_compare(void* a, void* b) {
 
 std::unique_ptr<CORXOcTreeNode> made_tree(Points& points, double low, double high) {
   auto tree = std::make_unique<CORXOcTreeNode>();
-  tree->SetFunctions(hide_from_optimizer(count_and_compare), hidden(locate), nullptr);
+  tree->SetFunctions(hide_from_optimizer(count_and_compare), hide_from_optimizer(locate), nullptr);
   tree->Init(low, low, low, high, high, high, 0);
   for (Point& point : points) tree->AddNode(&point);
   return tree;
