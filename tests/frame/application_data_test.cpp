@@ -35,7 +35,7 @@ class ApplicationData : public RegistryTest {
   const ScopedVariable drives_{"ORX_DRIVES", folder_.path().c_str()};
 };
 
-TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
+TEST_F(ApplicationData, IsCreatedBelowPublicFolder) {
   const std::string made = folder_.path("c/Halvark/TESSEL/6.9.1");
   const std::pair<std::string, bool> cases[] = {
       {"C:", true}, {folder_.path("c"), true}, {"C:\\missing", false}};
@@ -62,7 +62,7 @@ TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
   }
 }
 
-TEST_F(ApplicationData, IsAsItIsConfigured) {
+TEST_F(ApplicationData, ConfiguredFolderIsUsedUnchanged) {
   fs::create_directory(folder_.path("c"));
   const std::string of_public = "C:\\Halvark\\TESSEL\\6.9.1\\", longest = "X:" + std::string(257, 'n');
   const std::tuple<std::string, DWORD, std::string> cases[] = {{"C:\\TESSEL", REG_SZ, "C:\\TESSEL"},
@@ -80,7 +80,7 @@ TEST_F(ApplicationData, IsAsItIsConfigured) {
     EXPECT_TRUE(fs::is_directory(folder_.path("c") + "/" + made)) << made;
 }
 
-TEST_F(ApplicationData, IsNotKeptWhenTheConfiguredFolderCouldNotBeRead) {
+TEST_F(ApplicationData, IsLookedForAgainAfterRegistryFailure) {
   in_new_process([&] { Configure("C:\\TESSEL", REG_SZ); });
   in_new_process([&] {
     rlimit files;

@@ -7,12 +7,12 @@
 
 using namespace orx::testing;
 
-TEST(DebugLogHeader, TellsNameAndTime) {
+TEST(DebugLogHeader, InitWritesPathAndTwelveHourTime) {
   static orx::platform::LocalTime now;
   const auto running_clock = [] {
-    const auto read = now;
-    now.minute++;  // each time that it is read
-    return read;
+    const auto result = now;
+    now.minute++;  // at each call
+    return result;
   };
   const TempFolder folder;
   const std::tuple<int, const char*, const char*> cases[] = {{0, "", "12:07 AM on 26/11/16 00:07:42"},

@@ -6,7 +6,7 @@
 
 #include <thread>
 
-TEST(NativePath, ConvertsIntoABufferThatIsLargeEnough) {
+TEST(NativePath, ConversionNeedsSpaceForResultAndNul) {
   char out[] = "###############";
   EXPECT_EQ(orx_path_from_native("/tmp/./pit1.qpr", out, 14), 0) << "fits exactly";
   EXPECT_STREQ(out, "\\tmp\\pit1.qpr");
@@ -20,7 +20,7 @@ TEST(NativePath, ConvertsIntoABufferThatIsLargeEnough) {
   EXPECT_EQ(orx_path_to_native("", out, 0) + orx_path_to_native("", nullptr, 16), -2);
 }
 
-TEST(NativePath, FollowsTheEnvironmentOnceTheHostSaysThatItChanged) {
+TEST(NativePath, UsesNewEnvironmentOnceHostReportsChange) {
   const auto drive = [] {
     char out[8] = "";
     orx_path_to_native("C:", out, sizeof out);

@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 using namespace orx::platform;
 using namespace orx::testing;
 
-TEST(SystemPath, IsTheSystemsFormOfASuitePath) {
+TEST(SystemPath, ConvertsDrivesServersAndSeparators) {
   const ScopedVariable drives("ORX_DRIVES", "/drives");
   const char* const cases[][2] = {
       {"C:\\Projects\\pit1.qpr", "/drives/c/Projects/pit1.qpr"},
@@ -26,7 +26,7 @@ TEST(SystemPath, IsTheSystemsFormOfASuitePath) {
   for (const auto& [path, expected] : cases) EXPECT_EQ(system_path(path), expected) << path;
 }
 
-TEST(SystemPath, FindsTheDriveFolder) {
+TEST(SystemPath, DriveFolderComesFromEnvironment) {
   const char* const cases[][3] = {
       {"/d", "/data", "/d/c"},
       {"", "/data", "/data/orx/drives/c"},
@@ -40,7 +40,7 @@ TEST(SystemPath, FindsTheDriveFolder) {
   }
 }
 
-TEST(SuitePath, IsTheSuitesFormOfANativePath) {
+TEST(SuitePath, IsAbsoluteWithoutDots) {
   const TempFolder folder;
   fs::create_directories(folder.path("real/sub"));
   fs::create_directory_symlink("real/sub", folder.path("link"));

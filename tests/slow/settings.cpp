@@ -103,7 +103,7 @@ class SettingsTest : public RegistryTest {
   }
 };
 
-TEST_F(SettingsTest, WhatManyWriteAtOnceIsAllThere) {
+TEST_F(SettingsTest, ConcurrentWritesAreAllStored) {
   std::vector<pid_t> writers;
   for (int first = 0; first < kWriters * kValuesOfWriter; first += kValuesOfWriter) {
     writers.push_back(start_process([first] {
@@ -117,7 +117,7 @@ TEST_F(SettingsTest, WhatManyWriteAtOnceIsAllThere) {
   CheckDatabase();
 }
 
-TEST_F(SettingsTest, WhatWasReportedSurvivesAKill) {
+TEST_F(SettingsTest, ReportedChangesSurviveKill) {
   std::mt19937 random(20'261);
   std::uniform_int_distribution<int> life(0, kLongestLife);
   int last = -1;
