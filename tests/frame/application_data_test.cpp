@@ -51,11 +51,11 @@ TEST_F(ApplicationData, IsCreatedBelowPublicFolder) {
       EXPECT_EQ(Found("D:"), found) << "kept";
       EXPECT_FALSE(fs::exists(made) || fs::exists(folder_.path("c/missing")));
       for (const int size : {0, 3, ORX_APPLICATION_DATA_PATH_SIZE - 1}) {
-        std::string buffer(ORX_APPLICATION_DATA_PATH_SIZE + 1, '#');
+        std::string buffer(static_cast<std::size_t>(size) + 2, '#');
         GetApplicationDataPath(buffer.data(), size);
         GetApplicationDataPath(buffer.data(), -1);
-        const auto end = static_cast<std::size_t>(size);
-        EXPECT_TRUE(buffer.c_str() == found.substr(0, end) && buffer[end + 1] == '#') << buffer;
+        EXPECT_EQ(buffer.c_str(), found.substr(0, static_cast<std::size_t>(size)));
+        EXPECT_TRUE(buffer.ends_with('#')) << "the function wrote beyond the buffer";
       }
       GetApplicationDataPath(nullptr, 260);
     });
