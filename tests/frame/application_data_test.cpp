@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <orx/frame/debug_log.h>
+#include <orx/settings/registry.h>
 #include <sys/resource.h>
 #include <tests/support/process.h>
 #include <tests/support/registry.h>
@@ -26,8 +27,7 @@ class ApplicationData : public RegistryTest {
   }
 
   void Configure(const std::string& value, DWORD type) {
-    const HKEY key =
-        Made("Software\\Halvark Software\\TESSEL\\6.9.1\\INSTALL_PARAMETERS", HKEY_LOCAL_MACHINE);
+    const HKEY key = Made(ORX_PRODUCT_KEY "\\INSTALL_PARAMETERS", HKEY_LOCAL_MACHINE);
     const auto* data = reinterpret_cast<const BYTE*>(value.c_str());
     RegSetValueExA(key, "ConfigFolder", 0, type, data, static_cast<DWORD>(value.size() + 1));
   }
@@ -35,7 +35,7 @@ class ApplicationData : public RegistryTest {
   const ScopedVariable drives_{"ORX_DRIVES", folder_.path().c_str()};
 };
 
-TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
+TEST_F(ApplicationData, IsCreatedBelowPublicFolder) {
   const std::string made = folder_.path("c/Halvark/TESSEL/6.9.1");
   const std::pair<std::string, bool> cases[] = {
       {"C:", true}, {folder_.path("c"), true}, {"C:\\missing", false}};
@@ -43,26 +43,26 @@ TEST_F(ApplicationData, IsMadeBelowTheFolderThatAllUsersShare) {
     fs::remove_all(folder_.path("c"));
     fs::create_directory(folder_.path("c"));
     in_new_process([&, &shared = shared, is_made = is_made] {
-      EXPECT_EQ(Found(nullptr) + Found(""), "") << "looked for again";
+      EXPECT_EQ(Found(nullptr) + Found(""), "") << "a folder that is not found is not kept";
       EXPECT_EQ(Found(std::string(239, 'n').c_str()), "") << "too long";
       const std::string found = Found(shared.c_str());
       EXPECT_EQ(found, shared + "\\Halvark\\TESSEL\\6.9.1\\");
       EXPECT_EQ(fs::remove(made), is_made);
       EXPECT_EQ(Found("D:"), found) << "kept";
       EXPECT_FALSE(fs::exists(made) || fs::exists(folder_.path("c/missing")));
-      for (const std::size_t size : {0U, 3U, 260U}) {
-        std::string buffer(262, '#');
-        GetApplicationDataPath(buffer.data(), static_cast<int>(size));
+      for (const int size : {0, 3, ORX_APPLICATION_DATA_PATH_SIZE - 1}) {
+        std::string buffer(static_cast<std::size_t>(size) + 2, '#');
+        GetApplicationDataPath(buffer.data(), size);
         GetApplicationDataPath(buffer.data(), -1);
-        EXPECT_EQ(buffer.c_str(), found.substr(0, size));
-        EXPECT_EQ(buffer[size + 1], '#') << "beyond the buffer";
+        EXPECT_EQ(buffer.c_str(), found.substr(0, static_cast<std::size_t>(size)));
+        EXPECT_TRUE(buffer.ends_with('#')) << "the function wrote beyond the buffer";
       }
       GetApplicationDataPath(nullptr, 260);
     });
   }
 }
 
-TEST_F(ApplicationData, IsAsItIsConfigured) {
+TEST_F(ApplicationData, ConfiguredFolderIsUsedUnchanged) {
   fs::create_directory(folder_.path("c"));
   const std::string of_public = "C:\\Halvark\\TESSEL\\6.9.1\\", longest = "X:" + std::string(257, 'n');
   const std::tuple<std::string, DWORD, std::string> cases[] = {{"C:\\TESSEL", REG_SZ, "C:\\TESSEL"},
@@ -80,7 +80,7 @@ TEST_F(ApplicationData, IsAsItIsConfigured) {
     EXPECT_TRUE(fs::is_directory(folder_.path("c") + "/" + made)) << made;
 }
 
-TEST_F(ApplicationData, IsNotKeptWhenTheConfiguredFolderCouldNotBeRead) {
+TEST_F(ApplicationData, IsLookedForAgainAfterRegistryFailure) {
   in_new_process([&] { Configure("C:\\TESSEL", REG_SZ); });
   in_new_process([&] {
     rlimit files;

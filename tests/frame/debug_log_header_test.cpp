@@ -7,15 +7,15 @@
 
 using namespace orx::testing;
 
-TEST(DebugLogHeader, TellsNameAndTime) {
+TEST(DebugLogHeader, InitWritesPathAndTwelveHourTime) {
   static orx::platform::LocalTime now;
   const auto running_clock = [] {
-    const auto read = now;
-    now.minute++;  // each time that it is read
-    return read;
+    const auto result = now;
+    now.minute++;  // at each call
+    return result;
   };
   const TempFolder folder;
-  const std::tuple<int, const char*, const char*> cases[] = {{0, "", "12:07 AM on 26/11/16 00:07:42"},
+  const std::tuple<int, const char*, std::string> cases[] = {{0, "", "12:07 AM on 26/11/16 00:07:42"},
                                                              {11, "\\", "11:07 AM on 26/11/16 11:07:42"},
                                                              {12, "", "12:07 PM on 26/11/16 12:07:42"},
                                                              {13, "\\", "1:07 PM on 26/11/16 13:07:42"}};
@@ -25,8 +25,8 @@ TEST(DebugLogHeader, TellsNameAndTime) {
       now = {2026, 11, 16, hour, 7, 42};
       EXPECT_EQ(halvark_log_debug_init((folder.suite_path() + log_folder).c_str()), 0);
     });
-    EXPECT_EQ(read_file(folder.path("DEBUG.LOG")), "Log file '" + folder.suite_path("DEBUG.LOG") +
-                                                       "' opened at " + time +
-                                                       ".\r\n---------------------------\r\n");
+    const std::string expected =
+        "Log file '" + folder.suite_path("DEBUG.LOG") + "' opened at " + time + ".\r\n";
+    EXPECT_EQ(read_file(folder.path("DEBUG.LOG")), expected + "---------------------------\r\n");
   }
 }

@@ -24,7 +24,7 @@ class DebugLog : public ::testing::Test {
     fs::create_directory(folder.path("sub"));
   }
 
-  // What a log holds, with H and E in the place of headers and error lines.
+  // The content of a log, with H in place of its header and E in place of error lines.
   std::string Content(const std::string& path) const {
     static const std::regex header("Log file '[^']*' opened at [^\r]*\\.\r\n-{27}\r\n"),
         error("halvark_error: \r\n");
@@ -35,17 +35,19 @@ class DebugLog : public ::testing::Test {
   const ScopedVariable no_registry{"ORX_MACHINE_REGISTRY", folder.path("registry.db").c_str()};
   const ScopedVariable shared{"PUBLIC", folder.path().c_str()};
   const std::string main = "Halvark/TESSEL/6.9.1/DEBUG.LOG", second = "Halvark/TESSEL/6.9.1/DEBUGThread.LOG";
+  const std::string sub = "sub/DEBUG.LOG";
 };
 
-TEST_F(DebugLog, KeepsTextAsItIsAndFormatsUpTo4096Characters) {
+TEST_F(DebugLog, WriteKeepsTextAndFormattedLineIsCut) {
   const char* volatile none = nullptr;
   const wchar_t no_character[] = {WCHAR_MIN, 0};
-  const std::string most(4096, '0'), large(3'000'000, 'x');
+  const std::string most(ORX_LOG_LINE_LENGTH, '0'), large(3'000'000, 'x');
   in_new_process([&] {
     halvark_log_debug_init(nullptr);
     for (const char* text : {"%s %n", "a\nb\r\nc\r", "\n", "\xC3\xBC\xFF", large.c_str()})
       EXPECT_EQ(halvark_log_debug_write(text), 0);
-    for (const int length : {4095, 4096, 5000}) EXPECT_EQ(halvark_log_debug_write_n("%0*d", length, 0), 0);
+    for (const int more : {-1, 0, 900})
+      EXPECT_EQ(halvark_log_debug_write_n("%0*d", ORX_LOG_LINE_LENGTH + more, 0), 0);
     EXPECT_EQ(halvark_log_debug_write_n_thread("%.2f%s%ls%%", 1.5, none, L"\u20AC"), 0);
     EXPECT_EQ(halvark_log_debug_write_n_thread("as far as %ls", no_character), 0);
     EXPECT_EQ(halvark_log_debug_write(nullptr) + halvark_log_debug_write(""), -2);
@@ -56,7 +58,7 @@ TEST_F(DebugLog, KeepsTextAsItIsAndFormatsUpTo4096Characters) {
   EXPECT_EQ(Content(second), "1.50(null)\xE2\x82\xAC%\r\nas far as \r\n");
 }
 
-TEST_F(DebugLog, IsInTheApplicationDataFolderUnlessItIsStartedElsewhere) {
+TEST_F(DebugLog, IsInApplicationDataFolderUnlessStartedElsewhere) {
   const std::map<char, std::function<int()>> calls = {
       {'w', [] { return halvark_log_debug_write("w"); }},
       {'t', [] { return halvark_log_debug_write_thread("t"); }},
@@ -65,32 +67,29 @@ TEST_F(DebugLog, IsInTheApplicationDataFolderUnlessItIsStartedElsewhere) {
       {'i', [] { return halvark_log_debug_init(""); }},
       {'s', [&] { return halvark_log_debug_init(folder.suite_path("sub").c_str()); }},
       {'m', [&] { return halvark_log_debug_init(folder.suite_path("missing").c_str()) + 1; }}};
-  const struct {
-    std::string made, contents;  // the calls, and what the three logs then hold, without line ends
-  } cases[] = {
+  // The calls, and the contents of the three logs after them, without line ends. In the last row, the line of
+  // the thread log is the reason why the error starts the main log.
+  const std::pair<std::string, std::string> cases[] = {
       {"wcw", "oww,,"}, {"tt", "o,tt,"},  {"iwi", "H,,"},     {"swte", "o,t,HwE"}, {"sie", "HE,,H"},
-      {"e", "oE,,"},    {"mew", "HEw,,"}, {"smwe", "owE,,H"}, {"te", "HE,t,"}};  // a line of the other log,
-                                                                                 // too, means that this one
-                                                                                 // should have been started
-  const std::string sub = "sub/DEBUG.LOG";
-  for (const auto& row : cases) {
+      {"e", "oE,,"},    {"mew", "HEw,,"}, {"smwe", "owE,,H"}, {"te", "HE,t,"}};
+  for (const auto& [made, expected] : cases) {
     for (const std::string& path : {main, second, sub})
       write_file(folder.path(path), path == main ? "o" : "");
-    in_new_process([&] {
-      for (const char call : row.made) EXPECT_EQ(calls.at(call)(), 0) << row.made << ", " << call;
+    in_new_process([&, &made = made] {
+      for (const char call : made) EXPECT_EQ(calls.at(call)(), 0) << made << ", " << call;
     });
     const std::string contents = Content(main) + ',' + Content(second) + ',' + Content(sub);
-    EXPECT_EQ(std::regex_replace(contents, std::regex("\r\n"), ""), row.contents) << row.made;
+    EXPECT_EQ(std::regex_replace(contents, std::regex("\r\n"), ""), expected) << made;
   }
 }
 
-// The first character names the process. Some fill pages of the file, or are longer than what is formatted.
+// The first character is the number of the process. Some lines are longer than a page or a formatted line.
 std::string line_of(int process, int number) {
   const auto filling = static_cast<std::size_t>(number) * 7919 % 12'000;
   return std::to_string(process) + ' ' + std::to_string(number) + ' ' + std::string(filling, '-') + '.';
 }
 
-TEST_F(DebugLog, LinesOfManyProcessesAreWholeAndInOrder) {
+TEST_F(DebugLog, LinesOfSeveralProcessesAreNotMixed) {
   constexpr int kProcesses = 8, kLines = 500;
   in_new_process([&] {
     halvark_log_debug_init(folder.suite_path("sub").c_str());
@@ -103,7 +102,7 @@ TEST_F(DebugLog, LinesOfManyProcessesAreWholeAndInOrder) {
     }
     for (const pid_t writer : writers) expect_success(writer);
   });
-  std::ifstream log(folder.path("sub/DEBUG.LOG"), std::ios::binary);
+  std::ifstream log(folder.path(sub), std::ios::binary);
   std::string line;
   for (int header = 0; header < 2; ++header) std::getline(log, line);
   std::map<int, int> found;
@@ -114,9 +113,8 @@ TEST_F(DebugLog, LinesOfManyProcessesAreWholeAndInOrder) {
   for (int process = 0; process < kProcesses; ++process) EXPECT_EQ(found[process], kLines);
 }
 
-TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
-  const std::string path = folder.path("sub/DEBUG.LOG"), out = folder.path("out"),
-                    debugger = folder.path("debugger");
+TEST_F(DebugLog, LineGoesToOutputAndDebuggerWhenFileFails) {
+  const std::string path = folder.path(sub), out = folder.path("out"), debugger = folder.path("debugger");
   const std::pair<std::function<void()>, int> obstacles[] = {
       {[&] { fs::remove(folder.path("sub")); }, -1},
       {[&] { fs::create_directories(path); }, -1},
@@ -141,44 +139,44 @@ TEST_F(DebugLog, TellsOthersWhateverBecomesOfTheFile) {
   EXPECT_EQ(read_file(debugger), "%s\n%s\n%s\n%s\n%s\n");
 }
 
-TEST_F(DebugLog, WritesTheLineOfAThreadThatIsCancelled) {
+TEST_F(DebugLog, LineOfCancelledThreadIsWritten) {
   in_new_process([&] {
     halvark_log_debug_init(folder.suite_path("sub").c_str());
     int result = 1;
     on_cancelled_thread([&] { result = halvark_log_debug_write("line"); });
     EXPECT_EQ(result, 0);
   });
-  EXPECT_EQ(Content("sub/DEBUG.LOG"), "Hline\r\n");
+  EXPECT_EQ(Content(sub), "Hline\r\n");
 }
 
-TEST_F(DebugLog, IsForEverybodyWhoMayUseTheFolderThatAllUsersShare) {
+TEST_F(DebugLog, NewLogGetsRightsAndGroupOfFolder) {
   for (const mode_t mode : {01777U, 02777U, 0700U}) {
     fs::remove_all(folder.path("Halvark"));
     chmod(folder.path().c_str(), mode);
     in_new_process([] {
       umask(077);
-      EXPECT_EQ(setgid(5678), geteuid() == 0 ? 0 : -1);  // the group of the folder is passed on
+      EXPECT_EQ(setgid(5678), geteuid() == 0 ? 0 : -1);  // not the group of the folder
       EXPECT_EQ(halvark_log_debug_write("first"), 0);
     });
     struct stat parent, level, log;
-    ASSERT_EQ(stat(folder.path().c_str(), &parent) | stat(folder.path("Halvark/TESSEL").c_str(), &level) |
-                  stat(folder.path(main).c_str(), &log),
-              0);
+    for (const auto& [path, status] :
+         {std::pair("", &parent), {"Halvark/TESSEL", &level}, {main.c_str(), &log}})
+      ASSERT_EQ(stat(folder.path(path).c_str(), status), 0) << path;
     EXPECT_EQ(level.st_mode, parent.st_mode);
     EXPECT_EQ(log.st_mode & 07777, mode & 0666);
-    EXPECT_EQ(std::pair(level.st_gid, log.st_gid), std::pair(parent.st_gid, parent.st_gid));
+    EXPECT_TRUE(level.st_gid == parent.st_gid && log.st_gid == parent.st_gid) << level.st_gid << log.st_gid;
     if (mode != 0700) as_nobody([] { EXPECT_EQ(halvark_log_debug_write("second"), 0); });
   }
 }
 
-TEST_F(DebugLog, IsNotATrapInASharedFolder) {
-  const std::string path = folder.path("sub/DEBUG.LOG"), victim = folder.path("victim");
+TEST_F(DebugLog, LinkOfOtherUserIsRefusedInSharedFolder) {
+  const std::string path = folder.path(sub), victim = folder.path("victim");
   const auto link_of_another = [&] {
     fs::create_symlink("../victim", path);
     return lchown(path.c_str(), 1234, 1234) == 0;  // only the administrator can pretend to be another user
   };
-  const auto second_name = [&] { return fs::create_hard_link(victim, path), true; };
-  const auto own_link = [&] { return fs::create_symlink("../victim", path), false; };
+  const auto second_name = [&] { return link(victim.c_str(), path.c_str()) == 0; };
+  const auto own_link = [&] { return symlink("../victim", path.c_str()) != 0; };  // false: it is not refused
   const std::pair<mode_t, std::function<bool()>> cases[] = {{0777, link_of_another}, {01777, link_of_another},
                                                             {0775, second_name},     {0777, own_link},
                                                             {0755, link_of_another}, {0755, second_name}};
@@ -187,13 +185,13 @@ TEST_F(DebugLog, IsNotATrapInASharedFolder) {
     write_file(victim, "victim");
     chmod(folder.path("sub").c_str(), mode);
     const bool is_refused = plant() && mode != 0755;
-    in_new_process(
-        [&] { EXPECT_EQ(halvark_log_debug_init(folder.suite_path("sub").c_str()), is_refused ? -1 : 0); });
+    const int expected = is_refused ? -1 : 0;
+    in_new_process([&] { EXPECT_EQ(halvark_log_debug_init(folder.suite_path("sub").c_str()), expected); });
     EXPECT_EQ(Content("victim"), is_refused ? "victim" : "H") << mode;
   }
 }
 
-TEST_F(DebugLog, DeletesOnlyWhatIsInTheCurrentDirectory) {
+TEST_F(DebugLog, ResetDeletesLogsInCurrentDirectoryOnly) {
   in_new_process([&] {
     fs::current_path(folder.path("sub"));
     for (const char* name : {"DEBUG.LOG", "DEBUGThread.LOG", "other"}) write_file(name, "");
@@ -203,22 +201,23 @@ TEST_F(DebugLog, DeletesOnlyWhatIsInTheCurrentDirectory) {
   });
 }
 
-TEST_F(DebugLog, CutsLongNamesAndNeedsAFolder) {
+TEST_F(DebugLog, PathIsCutAndFolderIsLookedForAgain) {
   in_new_process([&] {
     const std::string name(254 - folder.path().size(), 'n');
     fs::create_directory(folder.path(name));
     const std::string header = "Log file '" + folder.suite_path(name);
     EXPECT_EQ(halvark_log_debug_init(folder.suite_path(name).c_str()), 0);
-    EXPECT_TRUE(read_file(folder.path(name + "/DEBU")).starts_with(header.substr(0, 260) + "\r\n-"));
+    const std::string first_line = header.substr(0, ORX_LOG_PATH_LENGTH) + "\r\n-";
+    EXPECT_TRUE(read_file(folder.path(name + "/DEBU")).starts_with(first_line));
     EXPECT_EQ(halvark_log_debug_init(std::string(100'000, 'n').c_str()), -1);
     const std::string words = kEightyLetters + "/" + kEightyLetters;
     fs::create_directories(folder.path(words));
     EXPECT_EQ(halvark_log_debug_init(folder.suite_path(words).c_str()), 0);
-    EXPECT_EQ(Content(words + "/DEBUG.LOG"), "H") << "characters are counted";
+    EXPECT_EQ(Content(words + "/DEBUG.LOG"), "H") << "the limit counts characters, not bytes";
     unsetenv("PUBLIC");
     EXPECT_EQ(halvark_log_debug_init(nullptr) + halvark_log_debug_write_thread("line"), -2);
     setenv("PUBLIC", folder.path().c_str(), 1);
-    EXPECT_EQ(halvark_log_debug_write_thread("line"), 0) << "it is looked for again";
+    EXPECT_EQ(halvark_log_debug_write_thread("line"), 0) << "the folder is looked for again";
   });
 }
 

@@ -16,7 +16,7 @@ using namespace orx::testing;
 
 namespace {
 
-// What the five functions say: there, a folder, readable; the length, the size.
+// The results of the five functions, in the order in which answers() calls them.
 using Answers = std::tuple<int, int, int, uint32_t, int32_t>;
 
 Answers answers(const std::string& path) {
@@ -29,7 +29,7 @@ Answers answers(const std::string& path) {
 
 class FileQueries : public ::testing::Test {
  protected:
-  // Holes: they take no room on the disk.
+  // The files are holes: they take no space on the disk.
   void Create(const std::map<std::string, std::uintmax_t>& sizes) const {
     for (const auto& [name, size] : sizes) {
       write_file(folder.path(name), "");
@@ -41,7 +41,7 @@ class FileQueries : public ::testing::Test {
   const ScopedVariable drives{"ORX_DRIVES", folder.path().c_str()};
 };
 
-TEST_F(FileQueries, AboutWhatAPathNames) {
+TEST_F(FileQueries, AnswerForFilesFoldersPipesAndMissingNames) {
   constexpr std::uintmax_t kGiB = 1 << 30;
   constexpr Answers kNothing{}, kFolder{0, 1, 0, 0, 0}, kFile{1, 0, 1, 1234, 1234}, kEmpty{1, 0, 1, 0, 0};
   fs::create_directories(folder.path("c/Grün tal"));
@@ -67,11 +67,11 @@ TEST_F(FileQueries, AboutWhatAPathNames) {
     for (const std::string& path : paths) EXPECT_EQ(answers(path), expected) << path;
   }
   char event[512];
-  EXPECT_EQ(read(opened, event, sizeof event), -1) << "a writer that waits for the pipe would have gone on";
+  EXPECT_EQ(read(opened, event, sizeof event), -1) << "the pipe was opened, which wakes a writer";
   close(opened);
 }
 
-TEST_F(FileQueries, ExistenceIsAskedOfTheFirst260Characters) {
+TEST_F(FileQueries, ExistenceUsesFirst260Characters) {
   const std::string name(250 - folder.path().size(), 'd'), parent = folder.suite_path(name);
   const std::string file(259 - parent.size(), 'f'), longest = parent + "\\" + file;
   fs::create_directory(folder.path(name));
@@ -86,7 +86,7 @@ TEST_F(FileQueries, ExistenceIsAskedOfTheFirst260Characters) {
   }
 }
 
-TEST_F(FileQueries, WhatMayNotBeReadIsThereAllTheSame) {
+TEST_F(FileQueries, UnreadableFilesExistAndCancelledThreadGetsAnswers) {
   Create({{"file", 3}});
   fs::permissions(folder.path("file"), fs::perms(0));
   fs::permissions(folder.path(), fs::perms(0755));
@@ -95,16 +95,13 @@ TEST_F(FileQueries, WhatMayNotBeReadIsThereAllTheSame) {
     EXPECT_EQ(answers(folder.path("file")), Answers(1, 0, 0, 3, 0));
     EXPECT_EQ(answers(folder.path("pipe")), Answers(1, 0, 0, 0, 0));
   });
-}
-
-TEST_F(FileQueries, AreAnsweredBeforeAThreadIsCancelled) {
-  Create({{"file", 3}});
+  fs::permissions(folder.path("file"), fs::perms(0600));
   Answers result;
   on_cancelled_thread([&] { result = answers(folder.path("file")); });
   EXPECT_EQ(result, Answers(1, 0, 1, 3, 3));
 }
 
-TEST_F(FileQueries, TheFirstMatchOfAPatternIsMeasured) {
+TEST_F(FileQueries, GetFileLengthReturnsFirstMatchOfWildcards) {
   fs::create_directories(folder.path("c/sub.fol"));
   Create({{"c/b.txt", 1}, {"c/A.TXT", 2}, {"c/_a.txt", 3}, {"c/pit10.dat", 4}, {"c/pit1.dat", 5}});
   Create({{"c/pit.dat", 6}, {"c/x", 7}, {"c/sub.fol/(", 8}, {"c/(1)", 9}, {"c/a.b.tx", 10}});
@@ -123,7 +120,7 @@ TEST_F(FileQueries, TheFirstMatchOfAPatternIsMeasured) {
   }
 }
 
-TEST_F(FileQueries, FreeSpaceIsThatOfTheVolume) {
+TEST_F(FileQueries, DiskSpaceIsThatOfVolume) {
   const std::pair<const char*, const char*> targets[] = {{"a", "."}, {"b", "/dev/shm"}, {"z", "/proc"}};
   for (const auto& [drive, target] : targets) fs::create_symlink(target, folder.path(drive));
   Create({{"file", 0}});
@@ -131,7 +128,8 @@ TEST_F(FileQueries, FreeSpaceIsThatOfTheVolume) {
       {0, nullptr, "."}, {1, "A:", folder.path()}, {2, "B:\\", "/dev/shm"}, {26, "Z:", "/proc"}};
   for (const auto& [drive, path, volume] : cases) {
     bool agree = false;
-    // Others write to the volumes: they must be still for the three questions.
+    // Other processes write to the volumes, so the three calls are repeated until nothing changes between
+    // them.
     for (int i = 0; i < 1000 && !agree; ++i) {
       const std::uintmax_t space = fs::space(volume).available;
       const auto capped = static_cast<int>(std::min<std::uintmax_t>(space, INT_MAX));
@@ -147,7 +145,7 @@ TEST_F(FileQueries, FreeSpaceIsThatOfTheVolume) {
   EXPECT_EQ(errno, 77);
 }
 
-TEST_F(FileQueries, OneBackslashIsRemoved) {
+TEST_F(FileQueries, RemoveTrailingBackSlashRemovesOne) {
   for (const auto& [path, expected] : {std::pair("", ""), {"\\", ""}, {"a\\\\", "a\\"}, {"a/", "a/"}}) {
     std::string buffer = path;
     RemoveTrailingBackSlash(buffer.data());
@@ -156,13 +154,13 @@ TEST_F(FileQueries, OneBackslashIsRemoved) {
   RemoveTrailingBackSlash(nullptr);
 }
 
-TEST(DiskFull, IsToldAndEndsTheProcess) {
-  const auto told = [] {
+TEST(NoDiskSpace, ShowsErrorAndExits) {
+  const auto run_out = [] {
     SetShowErrorCallback([](const char* message) { std::cerr << '[' << message << ']'; });
     std::atexit([] { std::cerr << " at exit"; });
     no_disk_space();
   };
-  EXPECT_EXIT(told(), ::testing::ExitedWithCode(1),
+  EXPECT_EXIT(run_out(), ::testing::ExitedWithCode(1),
               "^\\[You have run out of space on your data disk\\.\nPlease free some disk space and re-run\n"
               "the system\\. Thank you\\.\\] at exit$");
   EXPECT_EXIT(no_disk_space(), ::testing::ExitedWithCode(1), "^$");

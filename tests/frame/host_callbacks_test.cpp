@@ -11,7 +11,7 @@ namespace {
 std::ostringstream passed;
 
 template <class... Arguments>
-int note(Arguments... arguments) {
+int record(Arguments... arguments) {
   ((passed << arguments << ' '), ...);
   return 0;
 }
@@ -25,15 +25,15 @@ std::vector<int> answers(int otherwise) {
           SelectFromPickList(at(4), otherwise), HandleDuplicates(otherwise)};
 }
 
-TEST(HostCallbacks, AnswerInPlaceOfTheDefault) {
+TEST(HostCallbacks, ResultOfCallbackReplacesDefault) {
   EXPECT_EQ(answers(7), std::vector(4, 7));
   for (const bool set : {true, false}) {
-    SetShowErrorCallback(set ? [](const char* message) { note(message); } : ShowErrorCallback());
-    SetConfirmationCallback(set ? note<void*, void*> : nullptr);
-    SetInputStringCallback(set ? note<void*, void*, unsigned char, int> : nullptr);
-    SetSelectFromPickListCallback(set ? note<void*> : nullptr);
-    SetHandleDuplicatesCallback(set ? note<> : nullptr);
-    EXPECT_EQ(answers(8), std::vector(4, set ? 0 : 8));  // 0 is an answer like any other
+    SetShowErrorCallback(set ? [](const char* message) { record(message); } : ShowErrorCallback());
+    SetConfirmationCallback(set ? record<void*, void*> : nullptr);
+    SetInputStringCallback(set ? record<void*, void*, unsigned char, int> : nullptr);
+    SetSelectFromPickListCallback(set ? record<void*> : nullptr);
+    SetHandleDuplicatesCallback(set ? record<> : nullptr);
+    EXPECT_EQ(answers(8), std::vector(4, set ? 0 : 8));  // a callback may also return 0
     EXPECT_EQ(passed.str(), set ? "two\nlines 0x1 0 0x2 0x3 c -2 0x4 " : "");
   }
 }

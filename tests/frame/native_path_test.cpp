@@ -6,7 +6,7 @@
 
 #include <thread>
 
-TEST(NativePath, ConvertsIntoABufferThatIsLargeEnough) {
+TEST(NativePath, ConversionNeedsSpaceForResultAndNul) {
   char out[] = "###############";
   EXPECT_EQ(orx_path_from_native("/tmp/./pit1.qpr", out, 14), 0) << "fits exactly";
   EXPECT_STREQ(out, "\\tmp\\pit1.qpr");
@@ -16,11 +16,11 @@ TEST(NativePath, ConvertsIntoABufferThatIsLargeEnough) {
   EXPECT_EQ(orx_path_from_native("/tmp/./pit1.qpr", out, 13), -1);
   EXPECT_STREQ(out, "");
   EXPECT_EQ(orx_path_to_native("", out, 1), 0);
-  EXPECT_EQ(orx_path_to_native(nullptr, out, 1), -1);
-  EXPECT_EQ(orx_path_to_native("", out, 0) + orx_path_to_native("", nullptr, 16), -2);
+  for (const auto& [path, buffer, size] : {std::tuple("", out, 0U), {nullptr, out, 1U}, {"", nullptr, 16U}})
+    EXPECT_EQ(orx_path_to_native(path, buffer, size), -1) << size;
 }
 
-TEST(NativePath, FollowsTheEnvironmentOnceTheHostSaysThatItChanged) {
+TEST(NativePath, UsesNewEnvironmentOnceHostReportsChange) {
   const auto drive = [] {
     char out[8] = "";
     orx_path_to_native("C:", out, sizeof out);

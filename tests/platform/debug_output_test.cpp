@@ -5,7 +5,7 @@
 
 #include <sys/stat.h>
 
-TEST(DebugOutput, IsAppendedToTheFileButWaitsForNobody) {
+TEST(DebugOutput, AppendsLinesWithoutWaitingForPipe) {
   const orx::testing::TempFolder folder;
   ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0666), 0);
   for (const char* name : {"log", "pipe"}) {

@@ -27,6 +27,12 @@ std::string replace(const std::string& path, const std::string& content) {
   return reason;
 }
 
+struct stat status_of(const std::string& path) {
+  struct stat status {};
+  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+  return status;
+}
+
 class Replacement : public ::testing::Test {
  protected:
   std::ptrdiff_t Entries() const { return std::distance(fs::directory_iterator(folder.path()), {}); }
@@ -35,11 +41,11 @@ class Replacement : public ::testing::Test {
   const std::string old = folder.path("old");
 };
 
-TEST_F(Replacement, ShowsAllThatWasWrittenOnceItIsCommitted) {
+TEST_F(Replacement, CommitReplacesWholeContent) {
   write_file(old, "old");
   std::string reason, expected;
   FileReplacement file;
-  EXPECT_TRUE(FileReplacement().Open(old.c_str(), reason)) << reason;  // and given up
+  EXPECT_TRUE(FileReplacement().Open(old.c_str(), reason)) << reason;  // and abandoned
   ASSERT_TRUE(file.Open(folder.suite_path("old").c_str(), reason)) << reason;
   for (const std::size_t size : {1U, 200'000U, 1U, 65'536U, 0U, 65'535U, 2U}) {
     expected.append(size, static_cast<char>('a' + expected.size() % 26));
@@ -52,7 +58,7 @@ TEST_F(Replacement, ShowsAllThatWasWrittenOnceItIsCommitted) {
   EXPECT_FALSE(file.Write("c", 1, reason) || file.Commit(reason));
 }
 
-TEST_F(Replacement, KeepsPermissionsOwnerAndLinks) {
+TEST_F(Replacement, CommitKeepsPermissionsOwnerAndLinks) {
   const std::string longest = folder.path(std::string(255, 'n'));
   write_file(old, "old");
   [[maybe_unused]] const int only_as_root = chown(old.c_str(), 1234, 5678);
@@ -61,20 +67,19 @@ TEST_F(Replacement, KeepsPermissionsOwnerAndLinks) {
   fs::create_symlink("sub/second", folder.path("first"));
   fs::create_symlink("../old", folder.path("sub/second"));
   fs::create_symlink(longest, folder.path("dangling"));
-  struct stat before, after, created;
-  stat(old.c_str(), &before);
+  const struct stat before = status_of(old);
   const mode_t mask = umask(027);
   EXPECT_EQ(replace(folder.path("first"), "new") + replace(folder.path("dangling"), "new"), "");
   umask(mask);
-  ASSERT_TRUE(stat(old.c_str(), &after) == 0 && stat(longest.c_str(), &created) == 0);
+  const struct stat after = status_of(old);
   EXPECT_TRUE(fs::is_symlink(folder.path("first")) && fs::is_symlink(folder.path("sub/second")));
   EXPECT_EQ(read_file(old) + read_file(longest), "newnew");
   EXPECT_EQ(std::tie(after.st_mode, after.st_uid, after.st_gid),
             std::tie(before.st_mode, before.st_uid, before.st_gid));
-  EXPECT_EQ(created.st_mode & 0777, 0640U) << "a new file is as the umask says";
+  EXPECT_EQ(status_of(longest).st_mode & 0777, 0640U) << "of a new file, limited by the umask";
 }
 
-TEST_F(Replacement, RefusesWhatIsNotAFile) {
+TEST_F(Replacement, OpenRefusesWhatIsNotARegularFile) {
   fs::create_directory(folder.path("sub"));
   fs::create_symlink("sub", folder.path("link"));
   fs::create_symlink("loop", folder.path("loop"));
@@ -95,7 +100,7 @@ TEST_F(Replacement, RefusesWhatIsNotAFile) {
   EXPECT_EQ(Entries(), 4);
 }
 
-TEST_F(Replacement, RefusesWhatTheUserMayNotWrite) {
+TEST_F(Replacement, ReadOnlyFileIsRefusedAndReadOnlyFolderIsWrittenInPlace) {
   fs::create_directory(folder.path("closed"));
   for (const char* name : {"closed/file", "read_only"}) write_file(folder.path(name), "old");
   const std::pair<const char*, unsigned> modes[] = {
@@ -105,7 +110,7 @@ TEST_F(Replacement, RefusesWhatTheUserMayNotWrite) {
     EXPECT_EQ(replace(folder.path("new"), "new"), "");
     for (const char* name : {"read_only", "closed/new"})
       EXPECT_EQ(replace(folder.path(name), "new"), "Permission denied") << name;
-    for (const char* content : {"in place, since the folder refuses a temporary", "new"}) {
+    for (const char* content : {"in place, because the folder refuses a temporary file", "new"}) {
       EXPECT_EQ(replace(folder.path("closed/file"), content), "");
       EXPECT_EQ(read_file(folder.path("closed/file")), content);
     }
@@ -116,10 +121,10 @@ TEST_F(Replacement, RefusesWhatTheUserMayNotWrite) {
     EXPECT_EQ(read_file(folder.path("closed/file")), "new") << "restored";
   });
   EXPECT_EQ(Entries(), 3);
-  fs::permissions(folder.path("closed"), fs::perms(0777));  // or its owner can't remove it
+  fs::permissions(folder.path("closed"), fs::perms(0777));  // so that its owner can remove it
 }
 
-TEST_F(Replacement, KeepsTheAccessControlList) {
+TEST_F(Replacement, CommitKeepsAccessControlList) {
   // u::rw- u:1234:r-- g::--- m::rw- o::---
   const unsigned char list[] = {2, 0,   0,   0,   1,   0,   6,  0, 255, 255, 255, 255, 2,   0,  4,
                                 0, 210, 4,   0,   0,   4,   0,  0, 0,   255, 255, 255, 255, 16, 0,
@@ -136,10 +141,10 @@ TEST_F(Replacement, KeepsTheAccessControlList) {
   EXPECT_EQ(setxattr(folder.path().c_str(), "system.posix_acl_default", list, sizeof list, 0), 0);
   EXPECT_EQ(removexattr(old.c_str(), kName), 0);
   EXPECT_EQ(replace(old, "new"), "");
-  EXPECT_EQ(getxattr(old.c_str(), kName, kept, sizeof kept), -1) << "the folder's list is for new files";
+  EXPECT_EQ(getxattr(old.c_str(), kName, kept, sizeof kept), -1) << "the folder's default list is not used";
 }
 
-TEST_F(Replacement, RemovesWhatAKilledOneLeft) {
+TEST_F(Replacement, OpenRemovesTemporaryFilesOfKilledProcesses) {
   write_file(old, "old");
   FileReplacement running;
   std::string reason;
@@ -154,7 +159,7 @@ TEST_F(Replacement, RemovesWhatAKilledOneLeft) {
   ASSERT_EQ(waitpid(child, nullptr, 0), child);
   EXPECT_EQ(Entries(), 3);
   EXPECT_EQ(replace(folder.path("other"), "") + replace(old, "new"), "");
-  EXPECT_EQ(Entries(), 3) << "only the temporary of the running one is left, beside two files";
+  EXPECT_EQ(Entries(), 3) << "two files, and the temporary file of the running replacement";
   ASSERT_TRUE(running.Write("last", 4, reason) && running.Commit(reason)) << reason;
   EXPECT_EQ(read_file(old), "last");
 }

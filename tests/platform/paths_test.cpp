@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 using namespace orx::platform;
 using namespace orx::testing;
 
-TEST(SystemPath, IsTheSystemsFormOfASuitePath) {
+TEST(SystemPath, ConvertsDrivesServersAndSeparators) {
   const ScopedVariable drives("ORX_DRIVES", "/drives");
   const char* const cases[][2] = {
       {"C:\\Projects\\pit1.qpr", "/drives/c/Projects/pit1.qpr"},
@@ -26,7 +26,7 @@ TEST(SystemPath, IsTheSystemsFormOfASuitePath) {
   for (const auto& [path, expected] : cases) EXPECT_EQ(system_path(path), expected) << path;
 }
 
-TEST(SystemPath, FindsTheDriveFolder) {
+TEST(SystemPath, DriveFolderComesFromEnvironment) {
   const char* const cases[][3] = {
       {"/d", "/data", "/d/c"},
       {"", "/data", "/data/orx/drives/c"},
@@ -40,7 +40,7 @@ TEST(SystemPath, FindsTheDriveFolder) {
   }
 }
 
-TEST(SuitePath, IsTheSuitesFormOfANativePath) {
+TEST(SuitePath, IsAbsoluteWithoutDots) {
   const TempFolder folder;
   fs::create_directories(folder.path("real/sub"));
   fs::create_directory_symlink("real/sub", folder.path("link"));
@@ -67,18 +67,16 @@ TEST(DrivePath, FindsNamesInAnyLetterCase) {
   const ScopedVariable drives("ORX_DRIVES", folder.path().c_str());
   fs::create_directories(folder.path("c/Süd/Pit"));
   fs::create_directories(folder.path("unc/Server/Share"));
-  write_file(folder.path("c/Süd/Pit/a.qpr"), "a");
-  write_file(folder.path("c/Süd/Pit/twice"), "1");
-  write_file(folder.path("c/Süd/Pit/TWICE"), "2");
-  write_file(folder.path("unc/Server/Share/b"), "b");
+  for (const char* name : {"c/Süd/Pit/a.qpr", "c/Süd/Pit/twice", "c/Süd/Pit/TWICE", "unc/Server/Share/b"})
+    write_file(folder.path(name), "a");
   const std::pair<const char*, EntryKind> cases[] = {
       {"C:\\SÜD\\PIT\\A.QPR", EntryKind::kFile},  {"c:/süd/pit", EntryKind::kFolder},
       {"\\\\SERVER\\share\\B", EntryKind::kFile}, {"//server/share/b", EntryKind::kFile},
       {"C:\\Süd\\Pit\\twice", EntryKind::kFile},  {"C:\\Süd\\Pit\\Twice", EntryKind::kNone},
       {"C:\\Süd\\Pit\\none", EntryKind::kNone},   {"C:\\sud\\pit\\a.qpr", EntryKind::kNone}};
   for (const auto& [path, kind] : cases) EXPECT_EQ(entry_kind(path), kind) << path;
-  const std::string exact = folder.path("c/süd");
-  EXPECT_EQ(entry_kind(exact.c_str()), EntryKind::kNone) << "paths of the system are exact";
+  EXPECT_EQ(entry_kind(folder.path("c/süd").c_str()), EntryKind::kNone)
+      << "letter case matters to the system";
   EXPECT_EQ(existing_path("c:\\süd\\pit\\A.qpr"), folder.path("c/Süd/Pit/a.qpr"));
   EXPECT_EQ(existing_path("c:\\süd\\new\\A.qpr"), folder.path("c/Süd/new/A.qpr"));
   EXPECT_EQ(first_match_size("c:\\süd\\pit\\A*"), 1U);

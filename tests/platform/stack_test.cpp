@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kFrame = 10'000;
 constexpr std::size_t kMiB = 1 << 20;
 
-// What is left `depth` frames down.
+// Returns what is left after `depth` calls.
 [[gnu::noinline]] std::size_t left_at(int depth) {
   volatile char frame[kFrame] = {};
   return depth == 0 ? stack_left() : left_at(depth - 1) + static_cast<std::size_t>(frame[depth]);
@@ -30,7 +30,7 @@ std::size_t expect_between(std::size_t smallest, std::size_t largest) {
   return left;
 }
 
-TEST(Stack, OfTheFirstThreadGrowsAsFarAsTheLimit) {
+TEST(Stack, OfFirstThreadFollowsLimit) {
   const auto run = [] {
     rlimit limit{};
     getrlimit(RLIMIT_STACK, &limit);
@@ -45,14 +45,14 @@ TEST(Stack, OfTheFirstThreadGrowsAsFarAsTheLimit) {
   in_new_process(run, _exit);
 }
 
-TEST(Stack, OfAnotherThreadIsItsOwn) {
+TEST(Stack, OfOtherThreadHasItsOwnSize) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
   pthread_attr_setstacksize(&attributes, 2 * kMiB);
   pthread_attr_setguardsize(&attributes, kMiB);
   const auto run = [](void*) -> void* {
-    // More than without the guard pages, though a sanitizer has its data at the end of the stack; in a child
-    // too, whether the parent has asked before or not.
+    // The lower bound includes some of the guard pages, because a sanitizer keeps data at the end of the
+    // stack. A child process asks before and after its parent has asked.
     const auto expect_size = [] { expect_between(2 * kMiB + 1, 3 * kMiB); };
     in_new_process(expect_size, _exit);
     expect_size();

@@ -7,8 +7,8 @@
 namespace orx::platform::utf8 {
 namespace {
 
-// Whole, and in two pieces.
-void expect(std::string_view text, bool valid) {
+// Checks a text as a whole and in two pieces.
+void expect_validity(std::string_view text, bool valid) {
   EXPECT_EQ(is_valid(text), valid) << text;
   const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
   for (std::size_t cut = 0; cut <= text.size(); ++cut) {
@@ -18,18 +18,18 @@ void expect(std::string_view text, bool valid) {
   }
 }
 
-TEST(Utf8, TellsTextFromBytes) {
+TEST(Utf8, ValidatorAcceptsOnlyValidText) {
   for (const char* text : {"", "plain text of more than eight bytes", "12345678\xC2\x80\xDF\xBF",
                            "\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF",
                            "\xF0\x90\x80\x80\xF1\x80\x80\x80\xF4\x8F\xBF\xBF."})
-    expect(text, true);
+    expect_validity(text, true);
   for (const char* bytes : {"1234567\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",  // overlong
                             "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF", "\xC3(",
                             "\xE2\x82\xC3\xA9", "\xE2\x82"})
-    expect(bytes, false);
+    expect_validity(bytes, false);
 }
 
-TEST(Utf8, EveryCodePointGoesThereAndBack) {
+TEST(Utf8, EveryCodePointRoundTrips) {
   std::string text;
   for (std::uint32_t c = 0; c <= 0x110000; c += c < 0x10800 ? 1 : 61) {
     const auto wide = static_cast<wchar_t>(c);
@@ -46,11 +46,11 @@ TEST(Utf8, EveryCodePointGoesThereAndBack) {
   EXPECT_THROW(to_wide("a\xFF"), CAtlException);
 }
 
-TEST(Utf8, LettersHaveTheCapitalsOfWindows) {
+TEST(Utf8, CapitalsAreThoseOfWindows) {
   const std::pair<const char*, const char*> kRows[] = {
       {"müller Ünïcode", "MÜLLER ÜNÏCODE"},
       {"жук ως ǆ ა", "ЖУК ΩΣ Ǆ Ა"},
-      {"ß ẞ ı İ ſ µ ǅ", "ß ẞ ı İ ſ µ ǅ"},  // a capital of another letter, or none
+      {"ß ẞ ı İ ſ µ ǅ", "ß ẞ ı İ ſ µ ǅ"},  // without a capital, or with that of another letter
   };
   std::string upper;
   for (const auto& [text, expected] : kRows) {

@@ -4,9 +4,10 @@
 
 #include <bit>
 #include <cmath>
-#include <initializer_list>
 #include <limits>
 #include <numbers>
+#include <tuple>
+#include <vector>
 
 namespace orx::platform {
 namespace {
@@ -30,31 +31,28 @@ std::string text_of(const VARIANT& value) {
   return text;
 }
 
-std::string texts(int type, std::initializer_list<double> numbers) {
-  std::string all;
-  for (const double number : numbers) all += text_of(real(type, number)) + ", ";
-  return all;
-}
-
-TEST(VariantText, Reals) {
+TEST(VariantText, RealsAndDatesAreTextsOfTheirType) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(texts(VT_R4, {0.1, 16777216, std::numbers::pi}), "0.1, 1.677722E+07, 3.141593, ");
-  EXPECT_EQ(texts(VT_R8, {1.0 / 3, 0.1 + 0.2, -0.0, 100, 1e15, 1e-5, 0.0001, 5e-324}),
-            "0.333333333333333, 0.3, 0, 100, 1E+15, 1E-05, 0.0001, 4.94065645841247E-324, ");
-  EXPECT_EQ(texts(VT_R8, {kInfinity, -kInfinity, -std::nan("")}), "INF, -INF, NAN, ");
+  const std::tuple<int, std::vector<double>, const char*> kRows[] = {
+      {VT_R4, {0.1, 16777216, std::numbers::pi}, "0.1, 1.677722E+07, 3.141593, "},
+      {VT_R8, {1.0 / 3, 0.1 + 0.2, -0.0, 100, 1e15}, "0.333333333333333, 0.3, 0, 100, 1E+15, "},
+      {VT_R8, {1e-5, 0.0001, 5e-324}, "1E-05, 0.0001, 4.94065645841247E-324, "},
+      {VT_R8, {kInfinity, -kInfinity, -std::nan("")}, "INF, -INF, NAN, "},
+      {VT_DATE, {45000.5, 45000, 0.25}, "3/15/2023 12:00:00 PM, 3/15/2023, 6:00:00 AM, "},
+      {VT_DATE, {0, 0.9999942}, "12:00:00 AM, 11:59:59 PM, "},
+      {VT_DATE, {-657434.75, 2958465.999988}, "1/1/0100 6:00:00 PM, 12/31/9999 11:59:59 PM, "},
+      // The fraction of a date before the first day counts forward, and rounding goes to the next day.
+      {VT_DATE, {-1.25, -1.9999943}, "12/29/1899 6:00:00 AM, 12:00:00 AM, "}};
+  for (const auto& [type, numbers, expected] : kRows) {
+    std::string all;
+    for (const double number : numbers) all += text_of(real(type, number)) + ", ";
+    EXPECT_EQ(all, expected);
+  }
 }
 
-TEST(VariantText, Dates) {
-  EXPECT_EQ(texts(VT_DATE, {45000.5, 45000, 0.25, 0, 0.9999942}),
-            "3/15/2023 12:00:00 PM, 3/15/2023, 6:00:00 AM, 12:00:00 AM, 11:59:59 PM, ");
-  EXPECT_EQ(texts(VT_DATE, {-657434.75, 2958465.999988}), "1/1/0100 6:00:00 PM, 12/31/9999 11:59:59 PM, ");
-  // Fractions count forward, and so does the rounding into the next day.
-  EXPECT_EQ(texts(VT_DATE, {-1.25, -1.9999943}), "12/29/1899 6:00:00 AM, 12:00:00 AM, ");
-}
-
-TEST(VariantText, Integers) {
+TEST(VariantText, IntegersAreDecimal) {
   const std::pair<int, const char*> kRows[] = {
-      // all bits are set but the lowest
+      // all bits but the lowest are set
       {VT_I1, "-2"},     {VT_I2, "-2"},   {VT_I4, "-2"},           {VT_I8, "-2"},
       {VT_INT, "-2"},    {VT_UI1, "254"}, {VT_UI2, "65534"},       {VT_UI4, "4294967294"},
       {VT_BOOL, "-2"},   {VT_EMPTY, ""},  {VT_UINT, "4294967294"}, {VT_UI8, "18446744073709551614"},
@@ -63,7 +61,7 @@ TEST(VariantText, Integers) {
   EXPECT_EQ(text_of(variant(VT_CY, 100000)), "10");
 }
 
-TEST(VariantText, WideText) {
+TEST(VariantText, WideTextBecomesUtf8) {
   wchar_t characters[] = L"\x20AC\0b";
   VARIANT value = variant(VT_BSTR, 0);
   EXPECT_EQ(text_of(value), "");  // a null text
@@ -71,12 +69,12 @@ TEST(VariantText, WideText) {
   EXPECT_EQ(text_of(value), "\xE2\x82\xAC");
 }
 
-TEST(VariantText, Refusals) {
+TEST(VariantText, UnsupportedTypesAndDatesAreRefused) {
   std::string text("kept");
   for (const int type : {+VT_NULL, +VT_ERROR, +VT_DISPATCH, VT_ARRAY | VT_I4, VT_BYREF | VT_I4})
     EXPECT_EQ(variant_text(variant(type, 0), text), DISP_E_TYPEMISMATCH) << type;
   EXPECT_EQ(variant_text(variant(99, 0), text), DISP_E_BADVARTYPE);
-  // The last one would round into the year 10000.
+  // The last date would round to the year 10000.
   for (const double days : {-657435.0, 2958466.0, std::nan(""), 2958465.999999})
     EXPECT_EQ(variant_text(real(VT_DATE, days), text), E_INVALIDARG) << days;
   EXPECT_EQ(text, "kept");

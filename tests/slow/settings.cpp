@@ -1,5 +1,5 @@
-// The store of settings under many writers, and under kills: what was reported as done has to be done,
-// nothing may be done by halves, and the database has to be sound.
+// The store of settings with many writers and with kills: a change that was reported is stored, a change is
+// never stored in part, and the database is never damaged.
 #include <orx/settings/registry.h>
 
 #include <gtest/gtest.h>
@@ -22,10 +22,10 @@ namespace {
 constexpr int kWriters = 8;
 constexpr int kValuesOfWriter = 1000;
 constexpr int kKills = 200;
-constexpr int kGroup = 10;            // values in a key; then the key before it is deleted
-constexpr int kLongestLife = 80'000;  // microseconds
+constexpr int kGroup = 10;  // values in a key; after the last of them the key before is deleted
+constexpr std::chrono::microseconds kLongestLife(80'000);
 
-// Of unequal length, and large ones among them, which take long enough to be killed at.
+// The values have different sizes. Every fifth may be so large that a kill often interrupts its write.
 std::string bytes_of(int n) {
   const auto size = static_cast<std::size_t>(n) * 997 % (n % 5 == 0 ? 400'000 : 1500);
   return std::string(size, static_cast<char>(n));
@@ -40,7 +40,7 @@ bool has_value(const std::string& key, int n, const std::string& bytes) {
   std::string stored(bytes.size() + 1, '#');
   const int result = hvk_RegReadBinary(key.c_str(), "all", nullptr, nullptr, std::to_string(n).c_str(),
                                        stored.data(), static_cast<int>(stored.size()));
-  EXPECT_TRUE(result != 0 || stored == bytes + '#') << "value " << n << " is another";
+  EXPECT_TRUE(result != 0 || stored == bytes + '#') << "value " << n << " has wrong bytes";
   return result == 0;
 }
 
@@ -53,14 +53,15 @@ std::string group_key(int n) { return "group " + std::to_string(n / kGroup); }
     if (write_value(group_key(n), n, bytes_of(n)) != 0) _exit(1);
     const bool is_end = n % kGroup == kGroup - 1 && n >= kGroup;
     const bool is_deleted = is_end && hvk_RegSHDeleteKey(nullptr, group_key(n - kGroup).c_str()) == 0;
-    // The first change may have been made already, by the process that was killed.
-    if (is_end && !is_deleted && n != first) _exit(1);
-    if (write(report, &n, sizeof n) != sizeof n) _exit(1);
+    // The killed process may have made the first change without reporting it.
+    const bool has_failed = is_end && !is_deleted && n != first;
+    if (has_failed || write(report, &n, sizeof n) != sizeof n) _exit(1);
   }
 }
 
-// Makes changes from the n-th on until it is killed; the last that was reported.
-int changed_until_killed(int n, std::chrono::microseconds life) {
+// Starts a process that makes changes from the n-th on, and kills it. Returns the last change that it
+// reported.
+int change_until_killed(int n, std::chrono::microseconds life) {
   int report[2];
   EXPECT_EQ(pipe(report), 0);
   const pid_t writer = start_process([&] { change_and_report(n, report[1]); });
@@ -75,7 +76,7 @@ int changed_until_killed(int n, std::chrono::microseconds life) {
   return last;
 }
 
-// The change after the last reported one may be there, too.
+// The change after the last reported one may be stored, too.
 void check_changes(int last) {
   const int first_kept = std::max(0, (last + 1) / kGroup - 1) * kGroup;
   for (int n = 0; n <= last; ++n) {
@@ -93,8 +94,7 @@ class SettingsTest : public RegistryTest {
     sqlite3* database = nullptr;
     std::string found;
     const auto add = [](void* text, int, char** columns, char**) {
-      static_cast<std::string*>(text)->append(columns[0]);
-      return 0;
+      return static_cast<std::string*>(text)->append(columns[0]).empty() ? 1 : 0;
     };
     sqlite3_open(folder_.path("config/user.db").c_str(), &database);
     sqlite3_exec(database, "PRAGMA integrity_check; PRAGMA foreign_key_check", add, &found, nullptr);
@@ -103,26 +103,26 @@ class SettingsTest : public RegistryTest {
   }
 };
 
-TEST_F(SettingsTest, WhatManyWriteAtOnceIsAllThere) {
+TEST_F(SettingsTest, ConcurrentWritesAreAllStored) {
+  const auto short_bytes = [](int n) { return bytes_of(n).substr(0, 2000); };
   std::vector<pid_t> writers;
   for (int first = 0; first < kWriters * kValuesOfWriter; first += kValuesOfWriter) {
-    writers.push_back(start_process([first] {
+    writers.push_back(start_process([&] {
       for (int n = first; n < first + kValuesOfWriter; ++n)
-        EXPECT_EQ(write_value(writer_key(n), n, bytes_of(n).substr(0, 2000)), 0) << n;
+        EXPECT_EQ(write_value(writer_key(n), n, short_bytes(n)), 0) << n;
     }));
   }
   for (const pid_t writer : writers) expect_success(writer);
   for (int n = 0; n < kWriters * kValuesOfWriter; ++n)
-    EXPECT_TRUE(has_value(writer_key(n), n, bytes_of(n).substr(0, 2000))) << n << " is lost";
+    EXPECT_TRUE(has_value(writer_key(n), n, short_bytes(n))) << n << " is lost";
   CheckDatabase();
 }
 
-TEST_F(SettingsTest, WhatWasReportedSurvivesAKill) {
+TEST_F(SettingsTest, ReportedChangesSurviveKill) {
   std::mt19937 random(20'261);
-  std::uniform_int_distribution<int> life(0, kLongestLife);
   int last = -1;
   for (int i = 0; i < kKills && !HasFailure(); ++i) {
-    last = changed_until_killed(last + 1, std::chrono::microseconds(life(random)));
+    last = change_until_killed(last + 1, std::chrono::microseconds(random() % kLongestLife.count()));
     check_changes(last);
     CheckDatabase();
   }

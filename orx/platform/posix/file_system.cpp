@@ -28,7 +28,8 @@ namespace {
 constexpr std::size_t kBufferSize = 64 * 1024;
 constexpr int kMaxLinks = 40;  // the limit of the system itself
 constexpr int kMaxTemporaryNames = 100;
-// The search for temporary files of killed processes ends after so many entries, that is some milliseconds.
+// The search for temporary files of killed processes ends after this number of entries, which takes some
+// milliseconds.
 constexpr int kMaxEntriesSearched = 10'000;
 constexpr char kAccessControlList[] = "system.posix_acl_access";
 constexpr mode_t kPermissionBits = 0777;

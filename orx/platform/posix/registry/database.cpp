@@ -87,7 +87,7 @@ constexpr struct {
 };
 
 LSTATUS status_of(int sqlite_error) {
-  constexpr int kPrimaryCode = 0xFF;  // the bits above it tell the details
+  constexpr int kPrimaryCode = 0xFF;  // the bits above it are details
   for (const auto& row : kErrors) {
     if (row.sqlite_error == (sqlite_error & kPrimaryCode)) return row.status;
   }
