@@ -28,6 +28,15 @@ volatile std::sig_atomic_t end_is_requested = 0;
 
 void request_end(int /*signal*/) { end_is_requested = 1; }
 
+// Keeps at most the first `count` characters of a UTF-8 text.
+void cut_characters(std::string& text, std::size_t count) {
+  const auto is_first_too_many = [&count](char c) {
+    const bool starts_character = (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+    return starts_character && count-- == 0;
+  };
+  text.erase(std::find_if(text.begin(), text.end(), is_first_too_many), text.end());
+}
+
 std::string log_file_of(const LogArguments& arguments) {
   std::array<char, ORX_LOG_PATH_LENGTH + 1> folder{};
   GetApplicationDataPath(folder.data(), ORX_LOG_PATH_LENGTH);
@@ -35,7 +44,7 @@ std::string log_file_of(const LogArguments& arguments) {
   if (name.empty()) throw Failure("the log", "there is no folder for it (PUBLIC is not set)");
   if (!name.ends_with('\\')) name += '\\';
   name += arguments.thread_log ? ORX_THREAD_LOG_NAME : ORX_LOG_NAME;
-  name.resize(std::min<std::size_t>(name.size(), ORX_LOG_PATH_LENGTH));
+  cut_characters(name, ORX_LOG_PATH_LENGTH);  // as the library does
   std::array<char, kPathSize> path{};
   if (orx_path_to_native(name.c_str(), path.data(), path.size()) != 0) {
     throw Failure(name, "the path is too long, or its drive has no folder");

@@ -176,6 +176,7 @@ Descriptor open_plain_log(const std::string& path) {
 
 Descriptor open_log(const char* path) {
   SystemPath where = parse_path(path);
+  errno = 0;  // a file that opens but is not a plain file sets no error
   Descriptor file = open_plain_log(where.name);
   if (file.is_open()) return file;
   // A log that exists in other letter case is used, not a new one.
