@@ -24,7 +24,7 @@ std::string failure_to_load(const std::string& path) {
   return "";
 }
 
-// What a getter of text answers, in a buffer that shows whether it was touched.
+// The result of a getter and the buffer, which shows whether it was written.
 template <class Getter>
 std::string answer(Getter get) {
   char buffer[300] = "untouched";
@@ -53,7 +53,7 @@ class CurrentProject : public ::testing::Test {
   QPRInfo& info = *GetCurrentQPRInfo()->GetQPRInfo();
 };
 
-TEST_F(CurrentProject, IsReadThroughItsGetters) {
+TEST_F(CurrentProject, GettersReadEmptyAndLoadedProject) {
   const struct {
     int (*get)(char*);
     std::string empty, loaded;
@@ -86,11 +86,11 @@ TEST_F(CurrentProject, IsReadThroughItsGetters) {
   info.SiteDatabasePlatform = 13;
   EXPECT_EQ(answer(ProjectSetting_GetDatabaseServerName), "-1:untouched");
 
-  EXPECT_EQ(ProjectSetting_SaveCurrentQPRInfo("elsewhere"), 1);  // where it came from
+  EXPECT_EQ(ProjectSetting_SaveCurrentQPRInfo("elsewhere"), 1);  // saves to the file of the project
   EXPECT_NE(read_file(folder.path("Pit1/a.qpr")).find("SQL2019"), std::string::npos);
 }
 
-TEST_F(CurrentProject, NameIsCopiedIntoTheRoomThereIs) {
+TEST_F(CurrentProject, GetProjectNameExRespectsTheLengthOfTheBuffer) {
   std::size_t length = 0;
   const auto get = [&](char* buffer) { return ProjectSetting_GetProjectNameEx(buffer, &length); };
   std::strcpy(info.ProjectName, "Pit 1");
@@ -102,12 +102,12 @@ TEST_F(CurrentProject, NameIsCopiedIntoTheRoomThereIs) {
   EXPECT_EQ(ProjectSetting_GetProjectNameEx(nullptr, nullptr), -1);
 }
 
-TEST_F(CurrentProject, PathsHaveRoomFor259Bytes) {
-  const std::string room(258, 'x');
-  const std::string cases[][3] = {{'\\' + room, "1:\\" + room, "0:"},
-                                  {room + "\\y", "0:untouched", "0:" + room},
-                                  {room + "x\\y", "0:untouched", "0:" + room + 'x'},
-                                  {room + "xx\\y", "0:untouched", "-1:untouched"},
+TEST_F(CurrentProject, PathGettersHaveSpaceFor259Bytes) {
+  const std::string longest(258, 'x');
+  const std::string cases[][3] = {{'\\' + longest, "1:\\" + longest, "0:"},
+                                  {longest + "\\y", "0:untouched", "0:" + longest},
+                                  {longest + "x\\y", "0:untouched", "0:" + longest + 'x'},
+                                  {longest + "xx\\y", "0:untouched", "-1:untouched"},
                                   {"bare.qpr", "1:bare.qpr", "0:"}};
   for (const auto& [file, path, project_path] : cases) {
     GetCurrentQPRInfo()->SetFileName(file.c_str());
@@ -116,7 +116,7 @@ TEST_F(CurrentProject, PathsHaveRoomFor259Bytes) {
   }
 }
 
-TEST_F(CurrentProject, TextsThatDoNotFitLeaveTheBufferEmpty) {
+TEST_F(CurrentProject, GettersLeaveBufferEmptyWhenTextDoesNotFit) {
   const struct {
     int (*get)(char*);
     int (*get_sized)(char*, std::size_t, std::size_t*);
@@ -158,10 +158,10 @@ TEST_F(CurrentProject, TextsThatDoNotFitLeaveTheBufferEmpty) {
   std::memset(info.SiteName, 'x', sizeof info.SiteName);
   EXPECT_EQ(answer([](char* buffer) { return ProjectSetting_GetSiteNameN(buffer, 300, nullptr); }),
             "0:" + std::string(sizeof info.SiteName - 1, 'x'))
-      << "a host that left out the NUL";
+      << "a host has filled the field without a NUL";
 }
 
-TEST_F(CurrentProject, FailuresThrowAndChangeNothing) {
+TEST_F(CurrentProject, LoadThrowsAndKeepsProjectsWhenItFails) {
   const std::string a = Write("a.qpr", "A"), b = Write("b.qpr", "B"), nameless = Write("c.qpr", "");
   const std::string missing = folder.suite_path("missing"), directory = folder.suite_path("Pit1");
   const std::string distant = "C:\\" + std::string(300, 'x');
@@ -185,7 +185,7 @@ TEST_F(CurrentProject, FailuresThrowAndChangeNothing) {
   }
 }
 
-TEST(LocalSettings, KeepThreeFolders) {
+TEST(LocalSettings, GettersReturnFoldersThatWereSet) {
   CLocalProjectSettings& settings = *GetLocalProjectSettings();
   CStringA a, b, c;
   settings.SetLocalProjectsFolder("a");
@@ -204,7 +204,7 @@ bool is_used_at_end = false;
   if (is_used_at_end && GetQPLInfo()->GetProject("late", path) != 1) _exit(1);
 }
 
-TEST(ProcessWide, ObjectsMayBeUsedUntilTheProcessHasEnded) {
+TEST(ProcessWide, ObjectsMayBeUsedByDestructorsOfTheHost) {
   in_new_process([] {
     is_used_at_end = true;
     GetQPLInfo()->SetProject("late", "path");

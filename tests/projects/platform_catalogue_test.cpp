@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 using Catalogue = CDbPlatformUtil;
+constexpr int kJet = enDbPlatformTypeJET, kSql = enDbPlatformTypeSQL;
 
-TEST(PlatformCatalogue, KnowsItsPlatformsByNameAndIdentifier) {
+TEST(PlatformCatalogue, FindsEveryPlatformByNameAndIdentifier) {
   CAtlArray<CStringA> names;
   Catalogue::GetPlatformNameList(&names, 1);
   Catalogue::GetPlatformNameList(&names, 0);
@@ -30,20 +31,21 @@ TEST(PlatformCatalogue, KnowsItsPlatformsByNameAndIdentifier) {
                "ACCESS 2007 8 0 1; JET4 3 0 0; ");
 }
 
-TEST(PlatformCatalogue, FindsFirstAndLatestOfAType) {
+TEST(PlatformCatalogue, FindsFirstAndLatestPlatformOfType) {
   int jet = 0, sql = 0;
   CStringA first, latest, short_name;
-  EXPECT_EQ(Catalogue::GetLatestPlatform(0, &jet) + Catalogue::GetLatestPlatform(1, &sql), 2);
+  EXPECT_EQ(Catalogue::GetLatestPlatform(kJet, &jet) + Catalogue::GetLatestPlatform(kSql, &sql), 2);
   EXPECT_TRUE(jet == 8 && sql == 13) << jet << sql;
-  EXPECT_EQ(Catalogue::GetLatestPlatform(0, 1, latest) + Catalogue::GetLatestPlatform(1, 0, short_name), 2);
-  EXPECT_EQ(Catalogue::GetLongNamePlatformType(1, first), 1);
+  EXPECT_EQ(Catalogue::GetLatestPlatform(kJet, 1, latest) + Catalogue::GetLatestPlatform(kSql, 0, short_name),
+            2);
+  EXPECT_EQ(Catalogue::GetLongNamePlatformType(kSql, first), 1);
   EXPECT_EQ(Catalogue::GetLatestPlatform(2, &jet) + Catalogue::GetLatestPlatform(2, 1, latest), 0);
   EXPECT_STREQ(first + "|" + latest + "|" + short_name, "SQL Server 2019|Access 2016|SQL2019");
   EXPECT_EQ(Catalogue::GetLongNamePlatformType(2, first), 0);
-  EXPECT_STREQ(first, "") << "unlike the others";
+  EXPECT_STREQ(first, "") << "this function empties the name";
 }
 
-TEST(PlatformCatalogue, LeavesOutputsOfWhatItDoesNotHold) {
+TEST(PlatformCatalogue, UnknownNameOrIdentifierLeavesOutputsUnchanged) {
   int out = 99;
   for (const char* name : {"", "SQL2019 ", "SQL", "Access"}) {
     EXPECT_EQ(Catalogue::IsNameValid(name) + Catalogue::CanBeCreated(name), 0) << name;

@@ -1,4 +1,5 @@
-// Out of memory at every allocation: the documented exception or result, and everything is as it was.
+// Out of memory at each allocation in turn: the documented exception or result, and everything stays as it
+// was.
 #include <gtest/gtest.h>
 #include <orx/projects/current_project.h>
 #include <orx/projects/qpl_file.h>
@@ -48,7 +49,7 @@ const Operation kOperations[] = {
     kMakeCurrent,
 };
 
-TEST(ProjectMemory, OperationsSucceedOrLeaveEverythingAsItWas) {
+TEST(ProjectMemory, OperationSucceedsOrLeavesEverythingAsItWasWhenMemoryRunsOut) {
   const TempFolder folder;
   for (const Operation& operation : kOperations) {
     bool has_failed = true;

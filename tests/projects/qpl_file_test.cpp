@@ -34,7 +34,7 @@ class QplFile : public ::testing::Test {
   CQPLFile list;
 };
 
-TEST_F(QplFile, ReadsEveryProjectThatHasNameAndPath) {
+TEST_F(QplFile, LoadReadsEveryProjectWithNameAndPath) {
   ASSERT_EQ(Load("<X><PROJECT NAME=' beta ' QPRPATH='\tb '/><PROJECTS><PROJECT NAME='Beta' QPRPATH='B' "
                  "DEFAULT='yes'/>"
                  "<PROJECT NAME='alpha' QPRPATH='a' DEFAULT=' true'/><PROJECT NAME=' ' QPRPATH='x'/>"
@@ -43,7 +43,7 @@ TEST_F(QplFile, ReadsEveryProjectThatHasNameAndPath) {
             1)
       << failure_of(list);
   EXPECT_EQ(content_of(list), "Beta=B alpha=a beta=b /Beta")
-      << "the last mark wins, also that of a second entry";
+      << "the last mark counts, also on a second entry of the name";
   ASSERT_EQ(Load("<QPL><PROJECTS/><PROJECT NAME='a' QPRPATH='b' DEFAULT=' true'/></QPL>"), 1);
   EXPECT_EQ(content_of(list), "a=b /a");
   for (const char* text : {"<QPL>", "<QPL><PROJECT NAME='a' QPRPATH='b'/></QPL>"}) {
@@ -54,7 +54,7 @@ TEST_F(QplFile, ReadsEveryProjectThatHasNameAndPath) {
   }
 }
 
-TEST_F(QplFile, IsSavedInOrderWithItsDefault) {
+TEST_F(QplFile, SaveWritesEntriesInOrderWithDefault) {
   list.SetProject("b", "C:\\b.qpr");
   list.SetProject("B & \u00FC", "C:\\B.qpr");
   list.SetProject("empty", "");
@@ -70,7 +70,7 @@ TEST_F(QplFile, IsSavedInOrderWithItsDefault) {
   EXPECT_EQ(content_of(list), "B & \u00FC=C:\\B.qpr b=C:\\b.qpr /");
 }
 
-TEST_F(QplFile, IsEditedByExactName) {
+TEST_F(QplFile, NamesAreComparedWithLetterCase) {
   CStringA path = "kept";
   list.SetProject("Pit1", "old");
   list.SetProject("Pit1", "new");
@@ -83,14 +83,14 @@ TEST_F(QplFile, IsEditedByExactName) {
   EXPECT_EQ(list.IsEmpty(), 1);
 }
 
-TEST_F(QplFile, AWalkEndsWithWhatItStandsOn) {
+TEST_F(QplFile, IterationEndsWhenItsEntryIsRemoved) {
   CStringA name = "kept", path;
   EXPECT_FALSE(list.GetNextProject(name, path) || list.GetFirstProject(name, path));
   EXPECT_EQ(name, "kept");
   for (const char* each : {"a", "b", "c", "d"}) list.SetProject(each, each);
   ASSERT_TRUE(list.GetFirstProject(name, path) && list.RemoveProject("b"));
   CQPLFile copy(list);
-  EXPECT_EQ(copy.GetNextProject(name, path), 0) << "a copy has no walk under way";
+  EXPECT_EQ(copy.GetNextProject(name, path), 0) << "a copy has no iteration";
   EXPECT_TRUE(list.GetNextProject(name, path) && name == "c")
       << "the removal of another entry does not matter";
   ASSERT_EQ(list.RemoveProject("c"), 1);

@@ -47,7 +47,7 @@ class QprFile : public ::testing::Test {
   QPRInfo& info = *file.GetQPRInfo();
 };
 
-TEST_F(QprFile, IsSavedAsItsPropertiesInOrder) {
+TEST_F(QprFile, SaveWritesPropertiesInOrder) {
   std::strcpy(info.SiteName, "A & \u00FC");
   std::strcpy(info.SiteDatabase, "D:\\s.mdb");
   info.SiteDatabasePlatform = 8;
@@ -73,10 +73,10 @@ TEST_F(QprFile, IsSavedAsItsPropertiesInOrder) {
   EXPECT_EQ(read_file(path), expected);
   ASSERT_EQ(file.Load(), 1) << failure_of(file);
   EXPECT_EQ(fields_of(info), "A & \u00FC|" + base + "\\Pit 1\\s.mdb|8||||" + base + "|||0.-7.0")
-      << "a JET database lies beside its project";
+      << "a JET database is in the folder of its project";
 }
 
-TEST_F(QprFile, ReadsPropertiesByName) {
+TEST_F(QprFile, LoadReadsPropertiesByNameWithoutLetterCase) {
   ASSERT_EQ(
       Load(property("sitename", "first") + property("SITENAME", "last") + property("Unknown", "x") +
            property("SiteDatabasePlatform", "sql server 2014") + property("SiteDatabase", "\\\\srv\\db") +
@@ -87,12 +87,12 @@ TEST_F(QprFile, ReadsPropertiesByName) {
       1)
       << failure_of(file);
   EXPECT_EQ(fields_of(info), "last|\\\\srv\\db|10||||" + base + "|local|text|6.2147483647.-2147483648");
-  // The names of the elements around do not matter, and a second file resets all but two properties.
+  // The names of the other elements do not matter. The second load resets all properties except two.
   ASSERT_EQ(LoadText("<X><PROJECT/><Y>" + property("SiteDatabasePlatform", "dBase") + "</Y></X>"), 1);
   EXPECT_EQ(fields_of(info), "||-1||||" + base + "|local|text|0.0.0");
 }
 
-TEST_F(QprFile, LimitsCountCharacters) {
+TEST_F(QprFile, LoadKeepsRecordWhenTextHasTooManyCharacters) {
   const std::tuple<const char*, int, char*> fields[] = {
       {"SiteName", ORX_SITE_NAME_LENGTH, info.SiteName},
       {"SiteDatabase", ORX_SITE_DATABASE_LENGTH, info.SiteDatabase},
@@ -116,7 +116,7 @@ TEST_F(QprFile, LimitsCountCharacters) {
     }
     const std::string saved = read_file(path), too_long(static_cast<std::size_t>(length) + 1, 'z');
     std::strcpy(field, too_long.c_str());
-    EXPECT_EQ(file.Save(), 0) << "could not be loaded";
+    EXPECT_EQ(file.Save(), 0) << "Load would refuse it";
     EXPECT_EQ(read_file(path), saved);
     field[0] = '\0';
   }
@@ -124,7 +124,7 @@ TEST_F(QprFile, LimitsCountCharacters) {
   EXPECT_EQ(failure_of(file), "there is no PROJECT element");
 }
 
-TEST_F(QprFile, NeedsAFolderInAFolder) {
+TEST_F(QprFile, LoadFailsWithoutBasePathAndFillsRecord) {
   const ScopedVariable drives("ORX_DRIVES", folder.path().c_str());
   std::filesystem::create_directories(folder.path("c/Projects/Pit1"));
   const std::tuple<std::string, int, const char*> cases[] = {
@@ -143,7 +143,7 @@ TEST_F(QprFile, NeedsAFolderInAFolder) {
   const std::string name(255, 'x');
   file.SetFileName((base + "\\Pit 1\\a.qpr").c_str());
   ASSERT_EQ(Load(property("SiteDatabasePlatform", "JET4") + property("SiteDatabase", name)), 1);
-  EXPECT_EQ(info.SiteDatabase, name) << "stays where its new path would not fit";
+  EXPECT_EQ(info.SiteDatabase, name) << "unchanged, since the new path would be too long";
   std::string deep = "Pit 1";
   for (int i = 0; i < 6; ++i) deep += '/' + std::string(250, '\x80');
   std::filesystem::create_directories(folder.path(deep));
@@ -152,13 +152,13 @@ TEST_F(QprFile, NeedsAFolderInAFolder) {
   EXPECT_EQ(failure_of(file), "the path is too long to hold a project folder");
 }
 
-TEST_F(QprFile, VerifyNamesTheFirstBrokenRule) {
+TEST_F(QprFile, VerifyReportsFirstBrokenRule) {
   ASSERT_EQ(Load(property("SiteName", "s") + property("SiteDatabase", "d") + property("ProjectName", "p") +
                  property("DataGroupName", "g")),
             1);
   info.SiteDatabasePlatform = 0;
   CStringA message = "kept";
-  EXPECT_EQ(file.Verify(message), 1) << "a cleared platform is none of the catalogue, but no broken rule";
+  EXPECT_EQ(file.Verify(message), 1) << "the platform of a cleared record breaks no rule";
   EXPECT_EQ(message, "kept");
   const std::tuple<char*, int, const char*> breaks[] = {
       {info.DataGroupName, 0, "The data group name cannot be empty"},
@@ -177,7 +177,7 @@ TEST_F(QprFile, VerifyNamesTheFirstBrokenRule) {
   }
 }
 
-TEST_F(QprFile, CopiesTakeRecordAndFileName) {
+TEST_F(QprFile, CopiesHaveRecordAndFileName) {
   std::strcpy(info.SiteName, "s");
   CQPRFile other;
   for (CQPRFile* source : {&file, &other, static_cast<CQPRFile*>(nullptr)}) other.CopyFrom(source);

@@ -1,7 +1,6 @@
 #include <libxml/xmlmemory.h>
 #include <tests/support/failing_heap.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -10,51 +9,47 @@
 #include <cstring>
 #include <iterator>
 #include <new>
-#include <utility>
 
 extern "C" void* __real_malloc(std::size_t size);
 extern "C" void* __real_realloc(void* block, std::size_t size);
 
 namespace {
 
-thread_local int left = INT_MAX;
-thread_local auto failure = orx::testing::HeapFailure::kOnce;
+using orx::testing::HeapFailure;
+
+thread_local int left = INT_MAX;  // the allocations that succeed before the next failure
+thread_local HeapFailure failure = HeapFailure::kOnce;
 thread_local bool has_failed = false;
-thread_local bool is_waiting = false;  // from fail_heap_after to restore_heap
 std::atomic<int> in_use = 0;
+
+// Memory for blocks that may be lost. A mark before each block says that the block is in use.
+thread_local bool uses_arena = false;
+constexpr std::size_t kMark = alignof(std::max_align_t);
+alignas(std::max_align_t) char arena[std::size_t{16} << 20];
+std::size_t arena_used = 0;
+
+bool is_in_arena(const void* block) { return block >= arena && block < std::end(arena); }
+char& mark_of(void* block) { return static_cast<char*>(block)[-static_cast<std::ptrdiff_t>(kMark)]; }
+
+void* allocate_in_arena(std::size_t size) {
+  void* block = arena + arena_used + kMark;
+  arena_used += (kMark + size + kMark - 1) / kMark * kMark;
+  if (arena_used > sizeof arena) std::abort();
+  mark_of(block) = 1;
+  return block;
+}
 
 bool may_allocate() {
   if (left == INT_MAX || left-- > 0) return true;
-  if (failure == orx::testing::HeapFailure::kOnce) left = INT_MAX;
+  left = failure == HeapFailure::kOnce ? INT_MAX : 0;
   has_failed = true;
   errno = ENOMEM;
   return false;
 }
 
-// Memory that is not checked for leaks. Before each block is its size plus one, or 0 once it is freed.
-constexpr std::size_t kHeader = alignof(std::max_align_t);
-alignas(std::max_align_t) char arena[std::size_t{16} << 20];
-std::size_t arena_used = 0;
-bool uses_arena = false;
-
-bool is_in_arena(const void* block) { return block >= arena && block < std::end(arena); }
-
-std::size_t& size_of(void* block) {
-  return *reinterpret_cast<std::size_t*>(static_cast<char*>(block) - kHeader);
-}
-
-void* allocate_in_arena(std::size_t size) {
-  const std::size_t rounded = (size + 2 * kHeader - 1) / kHeader * kHeader;
-  if (rounded > sizeof arena - arena_used) std::abort();
-  void* block = arena + arena_used + kHeader;
-  arena_used += rounded;
-  size_of(block) = size + 1;
-  return block;
-}
-
 void* allocate(std::size_t size) {
   if (!may_allocate()) return nullptr;
-  if (uses_arena && is_waiting) return allocate_in_arena(size);
+  if (uses_arena) return allocate_in_arena(size);
   void* block = __real_malloc(size);
   if (block != nullptr) ++in_use;
   return block;
@@ -62,7 +57,8 @@ void* allocate(std::size_t size) {
 
 void release(void* block) {
   if (is_in_arena(block)) {
-    if (std::exchange(size_of(block), 0) == 0) std::abort();
+    if (mark_of(block) == 0) std::abort();  // freed twice
+    mark_of(block) = 0;
     return;
   }
   if (block != nullptr) --in_use;
@@ -74,7 +70,7 @@ void* reallocate(void* block, std::size_t size) {
   if (!is_in_arena(block)) return may_allocate() ? __real_realloc(block, size) : nullptr;
   void* moved = allocate(size);
   if (moved == nullptr) return nullptr;
-  std::memcpy(moved, block, std::min(size, size_of(block) - 1));
+  std::memmove(moved, block, size);  // also copies what follows the old block, which does no harm
   release(block);
   return moved;
 }
@@ -85,29 +81,27 @@ char* copy_text(const char* text) {
   return copy != nullptr ? static_cast<char*>(std::memcpy(copy, text, size)) : nullptr;
 }
 
-// Runs before libxml2 allocates anything.
+// Before libxml2 allocates anything.
 [[maybe_unused]] const int set_up = xmlMemSetup(release, allocate, reallocate, copy_text);
 
 }  // namespace
 
 namespace orx::testing {
 
-void fail_heap_after(int count, HeapFailure how) {
+void fail_heap_after(int count, HeapFailure how, bool may_lose_blocks) {
   left = count;
   failure = how;
+  uses_arena = may_lose_blocks;
   has_failed = false;
-  is_waiting = true;
 }
 
 bool restore_heap() {
   left = INT_MAX;
-  is_waiting = false;
+  uses_arena = false;
   return has_failed;
 }
 
 int blocks_in_use() { return in_use; }
-
-void use_arena(bool uses) { uses_arena = uses; }
 
 }  // namespace orx::testing
 

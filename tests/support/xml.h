@@ -1,10 +1,11 @@
-// Queries of a document.
+// Helpers for tests of documents.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <orx/projects/xml_handle.h>
 #include <orx/xml/xml_document.h>
 
+#include <memory>
 #include <string>
 
 namespace orx::testing {
@@ -23,6 +24,14 @@ inline std::string text_of(COrxXMLDoc& document) {
   std::string text = "?";
   EXPECT_EQ(document.GetXMLText(text), 1);
   return text;
+}
+
+inline int set_attribute(COrxXMLDoc& document, IXMLDOMNode* element, const char* name, const wchar_t* text) {
+  VARIANT value{};
+  value.vt = VT_BSTR;
+  value.bstrVal = SysAllocString(text);
+  const std::unique_ptr<wchar_t, decltype(&SysFreeString)> owner(value.bstrVal, &SysFreeString);
+  return value.bstrVal != nullptr ? document.SetXMLAttribute(element, name, value) : 0;
 }
 
 }  // namespace orx::testing

@@ -22,38 +22,31 @@ class XmlDocument : public ::testing::Test {
     ASSERT_EQ(document.SetXMLText(root.Out(), text), 1) << failure_of(document);
   }
 
-  // The names of the nodes that are left.
+  // The names of the remaining nodes of a list.
   std::string Walk(IXMLDOMNodeList* list) {
     std::string names, name;
     NodeRef node;
     for (; document.NextXMLNode(list, node.Out()); names += name + ' ')
       EXPECT_EQ(document.GetXMLName(node, name), 1);
-    EXPECT_TRUE(node == nullptr && !document.NextXMLNode(list, node.Out())) << "the end stays the end";
+    EXPECT_TRUE(node == nullptr && !document.NextXMLNode(list, node.Out())) << "the list stays at its end";
     return names;
-  }
-
-  int SetAttribute(IXMLDOMElement* element, const char* name, const wchar_t* text) {
-    VARIANT value{};
-    value.vt = VT_BSTR;
-    value.bstrVal = SysAllocString(text);
-    const int result = document.SetXMLAttribute(element, name, value);
-    VariantClear(&value);
-    return result;
   }
 
   COrxXMLDoc document;
   Element root;
 };
 
-TEST_F(XmlDocument, IsBuiltIndentedSavedAndRead) {
+TEST_F(XmlDocument, BuiltDocumentIsIndentedSavedAndLoaded) {
   const TempFolder folder;
   Element child;
   const wchar_t* value = L"\x20AC <&\"'> \r\n\t";
   ASSERT_EQ(document.CreateXMLDocument(root.Out(), "R"), 1);
   EXPECT_EQ(text_of(document), "<R/>\n");
-  ASSERT_TRUE(document.CreateXMLElement(root, "P", child.Out()) && SetAttribute(child, "A", value));
+  ASSERT_TRUE(document.CreateXMLElement(root, "P", child.Out()) &&
+              set_attribute(document, child, "A", value));
   ASSERT_TRUE(document.CreateXMLElement(root, "Q", child.Out()) && document.IndentXMLDocument());
-  EXPECT_EQ(document.CreateXMLElement(root, "late", child.Out()), 1) << "old nodes belong to the old content";
+  EXPECT_EQ(document.CreateXMLElement(root, "late", child.Out()), 1)
+      << "an old node belongs to the old content";
   const std::string text =
       kDeclaration + "<R>\n\t<P A=\"\u20AC &lt;&amp;&quot;'&gt; &#13;&#10;&#9;\"/>\n\t<Q/>\n</R>\n";
   EXPECT_EQ(text_of(document), text);
@@ -62,7 +55,7 @@ TEST_F(XmlDocument, IsBuiltIndentedSavedAndRead) {
   ASSERT_EQ(document.SaveXMLFile(), 1) << failure_of(document);
   EXPECT_EQ(read_file(folder.path("a.xml")), text);
   ASSERT_EQ(document.LoadXMLDocument(root.Out()), 1);
-  EXPECT_EQ(text_of(document), text) << "a document that came in lines goes out in lines";
+  EXPECT_EQ(text_of(document), text) << "a document that was loaded with lines is written with lines";
   NodeRef node;
   VARIANT read;
   ASSERT_EQ(document.SelectSingleXMLNode("//P", node.Out()), 1);
@@ -75,14 +68,14 @@ TEST_F(XmlDocument, IsBuiltIndentedSavedAndRead) {
   EXPECT_EQ(read_file(folder.path("a.xml")), text);
 }
 
-TEST_F(XmlDocument, IndentingKeepsMixedContentAndTheTextOfOtherDocuments) {
+TEST_F(XmlDocument, IndentKeepsMixedContentAndIsSeenByCopies) {
   Parse(
       "<?xml version='1.1'?><a><b>x <c/></b><d xml:space='preserve'> </d><!--e-->"
       "<f><![CDATA[]]]]><![CDATA[>]]></f></a>");
   COrxXMLDoc copy, &same = document;
   document = same;
   copy = document;
-  for (int i = 0; i < 2; ++i) {  // twice is once
+  for (int i = 0; i < 2; ++i) {  // the second time changes nothing
     ASSERT_EQ(document.IndentXMLDocument(), 1);
     EXPECT_EQ(text_of(copy), kDeclaration +
                                  "<a>\n\t<b>x <c/></b>\n\t<d xml:space=\"preserve\"> </d>\n"
@@ -91,7 +84,7 @@ TEST_F(XmlDocument, IndentingKeepsMixedContentAndTheTextOfOtherDocuments) {
   }
 }
 
-TEST_F(XmlDocument, NodesOutliveTheirDocumentAndTheirPlaceInIt) {
+TEST_F(XmlDocument, NodesStayReadableAfterRemovalAndClose) {
   Parse("<a><b i='1'><c>x</c></b><b i='2'/></a>");
   wchar_t replacement[] = L" y ";
   std::vector<NodeRef> removed(100);
@@ -112,13 +105,13 @@ TEST_F(XmlDocument, NodesOutliveTheirDocumentAndTheirPlaceInIt) {
 
   CStringA name, value;
   for (const NodeRef& each : removed) EXPECT_TRUE(document.GetXMLName(each, name) && name == "#text");
-  EXPECT_TRUE(document.GetXMLValue(b, value) && value == "y") << "without the blanks at the ends";
-  EXPECT_EQ(Walk(children), "") << "the child it stood on is gone";
-  EXPECT_EQ(document.NextXMLNode(list, b.Out()), 1) << "what was found stays found";
+  EXPECT_TRUE(document.GetXMLValue(b, value) && value == "y") << "without blanks at both ends";
+  EXPECT_EQ(Walk(children), "") << "the child that was returned last has been removed";
+  EXPECT_EQ(document.NextXMLNode(list, b.Out()), 1) << "a selection keeps its nodes";
   EXPECT_TRUE(document.GetXMLAttribute(b, "i", value) && value == "2");
 }
 
-TEST_F(XmlDocument, NodesThatAreCutOutKeepTheirNamesAndNoId) {
+TEST_F(XmlDocument, RemovedNodesKeepTheirNamesAndLoseTheirIds) {
   Parse("<r><a xmlns:p='u'><p:b/></a><c xml:id='i'/></r>");
   NodeRef a, b, id, found;
   ASSERT_EQ(document.SelectSingleXMLNode("//a", a.Out()), 1);
@@ -134,10 +127,10 @@ TEST_F(XmlDocument, NodesThatAreCutOutKeepTheirNamesAndNoId) {
   EXPECT_TRUE(document.SelectSingleXMLNode("id('i')", found.Out()) && found == nullptr);
 }
 
-TEST_F(XmlDocument, QueriesFindElementsByNameAndByPath) {
+TEST_F(XmlDocument, QueriesFindNodesByNameAndByPath) {
   Parse("<r xmlns:p='u'><x n='1'><y/></x><p:x/><d xmlns='v'><x/></d><y/>t<!--c--></r>");
   const char* const cases[][2] = {
-      {"//x", "x x "},  // not the prefixed one, but the one in a default namespace
+      {"//x", "x x "},  // without a prefix, also in a default namespace
       {"y", "y "},
       {"r", ""},  // children only
       {"x/y", "y "},
@@ -160,7 +153,7 @@ TEST_F(XmlDocument, QueriesFindElementsByNameAndByPath) {
   EXPECT_TRUE(document.SelectSingleXMLNode("//z", node.Out()) && node == nullptr);
 }
 
-TEST_F(XmlDocument, ChildListsAreLiveAndSelectionsAreNot) {
+TEST_F(XmlDocument, ChildListsFollowChangesAndSelectionsDoNot) {
   Parse("<r><x/></r>");
   ListRef live, found;
   Element added;
@@ -171,11 +164,11 @@ TEST_F(XmlDocument, ChildListsAreLiveAndSelectionsAreNot) {
   EXPECT_TRUE(document.HasChildNodes(root) && !document.HasChildNodes(added));
 }
 
-TEST_F(XmlDocument, AttributesAreReadAndWritten) {
+TEST_F(XmlDocument, AttributesAreReadWrittenAndRefused) {
   Parse("<r a='1' xmlns:p='u' p:a='2' e=''/>");
   const std::tuple<const char*, int, const char*> reads[] = {
       {"a", 1, "1"},       {"p:a", 1, "2"}, {"e", 1, ""},
-      {"xmlns:p", 1, "u"}, {"A", 0, ""},    {"a b", 0, "kept"}};  // missing, and no name of XML
+      {"xmlns:p", 1, "u"}, {"A", 0, ""},    {"a b", 0, "kept"}};  // a missing attribute, an invalid name
   for (const auto& [name, result, expected] : reads) {
     CStringA text = "kept";
     EXPECT_EQ(document.GetXMLAttribute(root, name, text), result) << name;
@@ -187,7 +180,7 @@ TEST_F(XmlDocument, AttributesAreReadAndWritten) {
   value.vt = VT_R8;
   value.dblVal = 0.1;
   ASSERT_EQ(document.SetXMLAttribute(root, "a", value), 1);
-  ASSERT_EQ(SetAttribute(root, "p:a", L"\u00FC") + SetAttribute(root, "n", L""), 2);
+  ASSERT_EQ(set_attribute(document, root, "p:a", L"\u00FC") + set_attribute(document, root, "n", L""), 2);
   const std::string written = "<r xmlns:p=\"u\" a=\"0.1\" p:a=\"\u00FC\" e=\"\" n=\"\"/>\n";
   EXPECT_EQ(text_of(document), written);
   value.vt = VT_DISPATCH;
@@ -203,11 +196,11 @@ TEST_F(XmlDocument, AttributesAreReadAndWritten) {
                                    {"xmlns:q", L""},
                                    {"xmlns:q", L"a&b"},
                                    {"xmlns:xml", L"q"}})
-    EXPECT_EQ(SetAttribute(root, name, text), 0) << name;
-  EXPECT_EQ(text_of(document), written) << "what is refused changes nothing";
+    EXPECT_EQ(set_attribute(document, root, name, text), 0) << name;
+  EXPECT_EQ(text_of(document), written) << "a refused value changes nothing";
 }
 
-TEST_F(XmlDocument, ValuesAreTextOfElements) {
+TEST_F(XmlDocument, ValueIsTextOfElementAndDescendants) {
   Parse("<a> \n1 <b> 2 <!--c--> </b><![CDATA[ 3 ]]></a>");
   std::string text;
   VARIANT value{};
@@ -216,14 +209,16 @@ TEST_F(XmlDocument, ValuesAreTextOfElements) {
   EXPECT_TRUE(document.GetXMLValue(root, &value) && value.vt == VT_NULL);
   ASSERT_EQ(document.SelectSingleXMLNode("//comment()", comment.Out()), 1);
   EXPECT_EQ(document.GetXMLValue(comment, text), 0);
-  EXPECT_EQ(text, "1  2  3 ") << "and the comment left it as it was";
+  EXPECT_EQ(text, "1  2  3 ") << "a comment has no value, and leaves the text unchanged";
+  Parse("<a xml:space='preserve'> 1 </a>");
+  EXPECT_TRUE(document.GetXMLValue(root, text) && text == " 1 ");
   wchar_t dashes[] = L"a--b";
-  EXPECT_EQ(document.SetXMLValue(comment, dashes), 0) << "would end the comment";
+  EXPECT_EQ(document.SetXMLValue(comment, dashes), 0) << "the text would end the comment";
   wchar_t line_end[] = L"a\r\n";
-  EXPECT_EQ(document.SetXMLValue(comment, line_end), 0) << "would be read without the carriage return";
+  EXPECT_EQ(document.SetXMLValue(comment, line_end), 0) << "a parser would change the carriage return";
 }
 
-TEST_F(XmlDocument, WhatIsMissingIsAFailureWithAReason) {
+TEST_F(XmlDocument, MissingDocumentOrArgumentIsFailureWithReason) {
   std::string text;
   IXMLDOMNode* node = nullptr;
   IXMLDOMElement* element = nullptr;
@@ -264,7 +259,7 @@ void* use_documents(void* failures) {
   return nullptr;
 }
 
-TEST(XmlThreads, HaveSmallStacksAndCloseDocumentsAtTheirEnd) {
+TEST(XmlThreads, QueriesFitSmallStacksAndDocumentsCloseAtThreadEnd) {
   constexpr std::size_t kStackBytes = std::size_t{256} << 10;
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);

@@ -1,4 +1,4 @@
-// What the wrapper reads, and what it refuses: documents come from anywhere.
+// Documents that a load accepts and refuses. They may come from any source.
 #include <gtest/gtest.h>
 #include <orx/xml/xml_document.h>
 #include <sys/stat.h>
@@ -39,7 +39,7 @@ const std::string kMark = "\xEF\xBB\xBF", kMark16 = "\xFF\xFE", kUmlauts = "\u00
 
 class XmlInput : public ::testing::Test {
  protected:
-  // The text of the root, or why there is none.
+  // The text of the document element, or the reason of the failure.
   std::string ReadFile(const std::string& path) {
     COrxXMLDoc document;
     Element root;
@@ -60,10 +60,10 @@ class XmlInput : public ::testing::Test {
   const TempFolder folder;
 };
 
-TEST_F(XmlInput, IsReadInItsEncoding) {
+TEST_F(XmlInput, LoadReadsDocumentInItsEncoding) {
   const std::pair<std::string, std::string> cases[] = {
       {root_of(kUmlauts), kUmlauts},
-      {kMark + declared("ISO-8859-1") + root_of(kUmlauts), kUmlauts},  // the mark outweighs it
+      {kMark + declared("ISO-8859-1") + root_of(kUmlauts), kUmlauts},  // the byte order mark counts
       {kMark16 + utf16("<a>") + "\xFC\0"s + utf16("</a>"), "\u00FC"},
       {utf16(declared("UTF-16") + root_of("x")), "x"},
       {"\xFE\xFF\0<\0a\0>\0x\0<\0/\0a\0>"s, "x"},
@@ -72,14 +72,14 @@ TEST_F(XmlInput, IsReadInItsEncoding) {
       {declared("windows-1252") + root_of(std::string(50000, '\x80')), repeated("\u20AC", 50000)},
       {"<!--c--><?p i?><a>1<!--c--><![CDATA[ <2> ]]><?p i?></a><!--c-->", "1 <2> "},
       {doctype("<!ELEMENT a ANY><!ATTLIST a b CDATA 'c'>") + root_of("x"), "x"},
-      {"<!DOCTYPE a SYSTEM 'file:///etc/passwd'>" + root_of("x"), "x"},  // which is not fetched
+      {"<!DOCTYPE a SYSTEM 'file:///etc/passwd'>" + root_of("x"), "x"},  // which is not loaded
       {repeated("<a>", 200) + "x" + repeated("</a>", 200), "x"},
       {root_of(repeated("<b c='d'/>\n", 200000) + "x"), "x"},
   };
   for (const auto& [bytes, text] : cases) EXPECT_EQ(Read(bytes), text) << bytes.substr(0, 60);
 }
 
-TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
+TEST_F(XmlInput, LoadRefusesInvalidOrTooLargeDocument) {
   const std::pair<std::string, const char*> cases[] = {
       {"", "the file is empty"},
       {"<a>\n<b/>", "not well-formed at line 2, column 5: Premature end"},
@@ -91,7 +91,7 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
       {declared("klingon") + "<a/>", "unknown encoding \"klingon\""},
       {declared("\xFF") + "<a/>", "unknown encoding"},
       {"<a></" + repeated("\u20AC", 400) + ">", "tag mismatch"},
-      {declared("UTF-16") + "<a/>", ""},  // in name only
+      {declared("UTF-16") + "<a/>", ""},  // the document is in UTF-8
       {doctype("<!ENTITY x 'y'>") + root_of("&x;"), "it declares entities"},
       {doctype("<!NOTATION n SYSTEM 'n'><!ENTITY x SYSTEM 'y' NDATA n>") + "<a/>", "it declares entities"},
       {repeated("<a>", 1000000), "nested too deep"},
@@ -101,7 +101,7 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
        "attribute defaults"},
       {repeated("<a xmlns:b='c' xmlns:d='e'>", 250), "too many namespaces"},
       {doctype("<!ATTLIST a xmlns:b CDATA 'c'>") + "<a/>", "attribute default"},
-      {doctype("<!ATTLIST a b CDATA '&lt;'>") + "<a/>", "default"},  // would not be written as it was read
+      {doctype("<!ATTLIST a b CDATA '&lt;'>") + "<a/>", "default"},  // libxml2 would write it differently
       {"<a xmlns='b&amp;c'/>", "ampersand"},
       {root_of("\xEF\xBF\xBE"), "not well-formed"},
       {root_of(std::string(10'000'001, 'x')), "a text is larger"},
@@ -112,14 +112,14 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoDocument) {
     const std::string outcome = Read(bytes);
     EXPECT_TRUE(outcome.starts_with("refused: ") && outcome.find(reason) != outcome.npos)
         << bytes.substr(0, 60) << ": " << outcome << ", not " << reason;
-    COrxXMLDoc document;  // which takes only what is valid UTF-8
+    COrxXMLDoc document;  // which shows that the reason is valid UTF-8
     Element root;
     EXPECT_EQ(document.SetXMLText(root.Out(), ("<a><![CDATA[" + outcome + "]]></a>").c_str()), 1) << outcome;
   }
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
-TEST_F(XmlInput, IsRefusedWhenItIsNoFile) {
+TEST_F(XmlInput, LoadRefusesWhatIsNotARegularFile) {
   ASSERT_EQ(mkfifo(folder.path("fifo").c_str(), 0600), 0);
   EXPECT_EQ(ReadFile(folder.suite_path("missing")), "refused: No such file or directory");
   EXPECT_EQ(ReadFile(folder.suite_path()), "refused: it is a folder");
@@ -127,14 +127,14 @@ TEST_F(XmlInput, IsRefusedWhenItIsNoFile) {
   EXPECT_EQ(ReadFile(""), "refused: no file name is set");
 }
 
-TEST_F(XmlInput, IsReadBeforeAThreadIsCancelled) {
+TEST_F(XmlInput, LoadEndsBeforeThreadIsCancelled) {
   write_file(folder.path("file"), root_of("pit"));
   std::string text;
   on_cancelled_thread([&] { text = ReadFile(folder.suite_path("file")); });
   EXPECT_EQ(text, "pit");
 }
 
-TEST_F(XmlInput, IsInTheEncodingOfTheProcessWhereItIsText) {
+TEST_F(XmlInput, SetXMLTextReadsEncodingOfProcess) {
   COrxXMLDoc document;
   Element root;
   const std::string content = root_of(kUmlauts);
@@ -144,7 +144,7 @@ TEST_F(XmlInput, IsInTheEncodingOfTheProcessWhereItIsText) {
   }
   EXPECT_EQ(document.SetXMLText(root.Out(), (declared("klingon") + content).c_str()), 0);
   EXPECT_EQ(document.SetXMLText(root.Out(), nullptr), 0);
-  EXPECT_EQ(text_of(document), "") << "the empty document is held";
+  EXPECT_EQ(text_of(document), "") << "the object has an empty document";
 }
 
 }  // namespace
