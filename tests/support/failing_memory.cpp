@@ -1,7 +1,5 @@
 #include <tests/support/failing_memory.h>
 
-#include <cerrno>
-#include <climits>
 #include <cstddef>
 #include <new>
 
@@ -24,3 +22,7 @@ void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept 
 void* operator new[](std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
   return may_allocate() ? ::operator new[](size) : nullptr;
 }
+
+// The linker calls the first for malloc, and gives malloc the second name.
+extern "C" void* __real_malloc(std::size_t size);
+extern "C" void* __wrap_malloc(std::size_t size) { return may_allocate() ? __real_malloc(size) : nullptr; }
