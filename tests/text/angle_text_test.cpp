@@ -62,17 +62,14 @@ TEST(AngleText, WritesColumnsThatNeverShowSixty) {
 TEST(AngleText, WritesHugeAnglesAndUnknownModes) {
   const std::string digits = written(zelDegrees, 1e300, 0);
   EXPECT_EQ(digits.substr(0, 12) + "+" + std::to_string(digits.size()), "572957795130+49");
-  const std::tuple<int, double, int, std::string> kRows[] = {
-      {zelDegreesMinutesDecimalSeconds, 1e300, 0, digits},
-      {zelDegrees, kInfinity, 0, "         inf"},
-      {zelDegreesMinutesSeconds, -kInfinity, 0, "-inf: 0: 0"},
-      {zelNoAngle, 1, 0, ""},
-      {zelDegreesDecimalMinutes, kInfinity, 1, " inf 0.00000"},
-      {zelDegreesMinutesDecimalSeconds, std::nan(""), 0, " nan: 0: 0.00"},
-      {9, 1, 0, ""},
-      {zelGrads, kPi, 2, "200.00000000"},
-      {zelDegreesMinutesSeconds, 1, 2, ""}};
-  for (const auto& [mode, angle, packed, text] : kRows) EXPECT_EQ(written(mode, angle, packed), text) << mode;
+  using Row = std::tuple<int, double, int, std::string>;
+  for (const auto& [mode, angle, packed, text] :
+       {Row{zelDegreesMinutesDecimalSeconds, 1e300, 0, digits}, Row{zelDegrees, kInfinity, 0, "         inf"},
+        Row{zelDegreesMinutesSeconds, -kInfinity, 0, "-inf: 0: 0"}, Row{zelNoAngle, 1, 0, ""},
+        Row{zelDegreesDecimalMinutes, kInfinity, 1, " inf 0.00000"},
+        Row{zelDegreesMinutesDecimalSeconds, std::nan(""), 0, " nan: 0: 0.00"}, Row{9, 1, 0, ""},
+        Row{zelGrads, kPi, 2, "200.00000000"}, Row{zelDegreesMinutesSeconds, 1, 2, ""}})
+    EXPECT_EQ(written(mode, angle, packed), text) << mode;
   EXPECT_EQ(zel_convert_ang_to_str(zelDegrees, 1, 0, nullptr), nullptr);
 }
 
@@ -113,14 +110,12 @@ TEST(AngleText, ReadsMissingColumnsAsZero) {
 }
 
 TEST(AngleText, InsertsColonsAsFarAsTheTextReaches) {
-  const std::tuple<int, const char*, const char*> kRows[] = {
-      {zelDegreesMinutesSeconds, "  4530 0", "  45:30: 0"},
-      {zelDegreesMinutesDecimalSeconds, "  453", "  45:3"},
-      {zelDegreesDecimalMinutes, "  4530.0", "  45:30.0"},
-      {zelDegreesMinutesSeconds, "", ":"},
-      {zelDegreesDecimalMinutes, "123", "123"},
-      {zelDegrees, "  4530", "  4530"}};
-  for (const auto& [mode, text, expected] : kRows) {
+  using Row = std::tuple<int, const char*, const char*>;
+  for (const auto& [mode, text, expected] :
+       {Row{zelDegreesMinutesSeconds, "  4530 0", "  45:30: 0"},
+        Row{zelDegreesMinutesDecimalSeconds, "  453", "  45:3"},
+        Row{zelDegreesDecimalMinutes, "  4530.0", "  45:30.0"}, Row{zelDegreesMinutesSeconds, "", ":"},
+        Row{zelDegreesDecimalMinutes, "123", "123"}, Row{zelDegrees, "  4530", "  4530"}}) {
     std::string buffer(text);
     buffer.resize(buffer.size() + 2);
     insert_colon_to_ang_str(mode, buffer.data());

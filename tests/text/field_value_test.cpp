@@ -50,65 +50,53 @@ Outcome read(int type, int subtype, const char* text) {
 }
 
 struct Row {
+  int subtype;
   const char* text;
   double value;
   int special = orxdbOrdinary;
   int result = 0;
 };
 
-Row refused(const char* text) { return {text, 0, orxdbOrdinary, -1}; }
+Row refused(int subtype, const char* text) { return {subtype, text, 0, orxdbOrdinary, -1}; }
 
 TEST(FieldValue, ReadsTheTextOfEachType) {
-  const double tenth = 0.1F;
-  const struct {
-    int type, subtype;
-    std::vector<Row> rows;
-  } types[] = {
+  const std::pair<int, std::vector<Row>> types[] = {
       {orxdbInteger,
-       0,
-       {Row{"  42abc", 42}, Row{"\t+7", 7}, Row{"+-7", 0}, Row{"abc", 0}, Row{"<5", 5, orxdbBelow},
-        Row{"<", 3, orxdbBelow}, Row{"7 < 6 > 5", 6, orxdbBelow}, Row{" > ", 0, orxdbAbove},
-        Row{"99999999999999999999", 2147483647}, Row{"-2147483649", -2147483648.0}}},
+       {Row{0, "  42abc", 42}, Row{0, "\t+7", 7}, Row{0, "+-7", 0}, Row{0, "abc", 0},
+        Row{0, "<5", 5, orxdbBelow}, Row{0, "<", 3, orxdbBelow}, Row{0, "7 < 6 > 5", 6, orxdbBelow},
+        Row{0, " > ", 0, orxdbAbove}, Row{0, "99999999999999999999", 2147483647},
+        Row{0, "-2147483649", -2147483648.0}}},
       {orxdbFloat,
-       0,
-       {Row{">", 4, orxdbAbove}, Row{"1.5e3", 1500}, Row{"0.1", tenth}, Row{"-1e39", -kInfinity}}},
-      {orxdbDouble, 0, {Row{"<>", 0, orxdbBelow}, Row{"1.25D+2x", 125}, Row{"1e2d3", 100}, Row{"inf", 0}}},
-      {orxdbDouble, -1, {Row{"0x1F", 0}}},
-      {orxdbDouble, 1, {Row{"45:30:36", 45.51 / 180 * kPi}}},
-      {orxdbDouble, 3, {Row{"90", 90}}},
-      {orxdbDouble, 4, {Row{"NS", 0, orxdbNS}}},
-      {orxdbDouble, 5, {Row{"90", kPi / 2}}},
-      {orxdbDouble, 6, {Row{"0:36", 0.6 / 180 * kPi}}},
-      {orxdbDouble, 7, {Row{"-1:0:36", -1.01 / 180 * kPi}}},
-      {orxdbDouble, 8, {Row{"1:30:36", 1.5 / 180 * kPi}}},
-      {orxdbDouble, 9, {Row{"2", 2}}},
-      {orxdbDouble, 10, {Row{"200", kPi}, Row{"NS", 0}}},
-      {orxdbDouble, 11, {Row{"1d", 1}}},
-      {orxdbDegrees, 0, {Row{"180", kPi}}},
-      {orxdbDegreesMinutesDecimalSeconds, 0, {Row{"err", 0, orxdbERR}}},
+       {Row{0, ">", 4, orxdbAbove}, Row{0, "1.5e3", 1500}, Row{0, "0.1", 0.1F}, Row{0, "-1e39", -kInfinity}}},
+      {orxdbDouble,
+       {Row{0, "<>", 0, orxdbBelow}, Row{0, "1.25D+2x", 125}, Row{0, "1e2d3", 100}, Row{0, "inf", 0},
+        Row{-1, "0x1F", 0}, Row{1, "45:30:36", 45.51 / 180 * kPi}, Row{3, "90", 90}, Row{4, "NS", 0, orxdbNS},
+        Row{5, "90", kPi / 2}, Row{6, "0:36", 0.6 / 180 * kPi}, Row{7, "-1:0:36", -1.01 / 180 * kPi},
+        Row{8, "1:30:36", 1.5 / 180 * kPi}, Row{9, "2", 2}, Row{10, "200", kPi}, Row{10, "NS", 0},
+        Row{11, "1d", 1}}},
+      {orxdbDegrees, {Row{0, "180", kPi}}},
+      {orxdbDegreesMinutesDecimalSeconds, {Row{0, "err", 0, orxdbERR}}},
       {orxdbNumber,
-       0,
-       {Row{"<5", 0}, Row{"-1.5", -1.5}, Row{"-", 0, orxdbNE}, Row{"   ", 0, orxdbNE},
-        Row{nullptr, 0, orxdbNE}}},
+       {Row{0, "<5", 0}, Row{0, "-1.5", -1.5}, Row{0, "-", 0, orxdbNE}, Row{0, "   ", 0, orxdbNE},
+        Row{0, nullptr, 0, orxdbNE}}},
       {orxdbYesNo,
-       0,
-       {refused("yes "), refused(""), Row{"True", 1}, Row{"t", 1}, Row{"1", 1}, Row{"YES", 1}, Row{"Y", 1},
-        Row{"False", 0}, Row{"F", 0}, Row{"0", 0}, Row{"no", 0}, Row{"n", 0}}},
+       {refused(0, "yes "), refused(0, ""), Row{0, "True", 1}, Row{0, "t", 1}, Row{0, "1", 1},
+        Row{0, "YES", 1}, Row{0, "Y", 1}, Row{0, "False", 0}, Row{0, "F", 0}, Row{0, "0", 0}, Row{0, "no", 0},
+        Row{0, "n", 0}}},
+      // An unknown order must not be truncated to a known one.
       {orxdbDate,
-       orxDayMonthYear,
-       {Row{"05/03/2024", 45356}, Row{"05/03/2024 12:00", 45356.5}, Row{"NE", 0, orxdbNE}}},
-      {orxdbDate, orxMonthDayYear, {Row{"05/03/2024", 45415}}},
-      {orxdbDate, orxYearMonthDay, {refused("05/03/2024")}},
-      {orxdbDate, -65535, {refused("05/03/2024")}},  // unknown orders must not be truncated to known ones
-      {orxdbTime, 0, {Row{"12:00", 0.5}, refused("24:00")}},
-      {orxdbDateTime, orxYearMonthDay, {Row{"2024/03/05 18:00", 45356.75}, refused("soon 12:00")}},
-      {orxdbDateTime, 3, {refused("2024/03/05")}},
-      {orxdbDateTime, 65538, {refused("2024/03/05")}},
-      {orxdbNothing, 0, {Row{"1", 0}}},
-      {99, 0, {Row{"1", 0}}},
-      {-1, 0, {Row{"1", 0}}}};
-  for (const auto& [type, subtype, rows] : types) {
-    for (const auto& [text, value, special, result] : rows) {
+       {Row{orxDayMonthYear, "05/03/2024", 45356}, Row{orxDayMonthYear, "05/03/2024 12:00", 45356.5},
+        Row{orxDayMonthYear, "NE", 0, orxdbNE}, Row{orxMonthDayYear, "05/03/2024", 45415},
+        refused(orxYearMonthDay, "05/03/2024"), refused(-65535, "05/03/2024")}},
+      {orxdbTime, {Row{0, "12:00", 0.5}, refused(0, "24:00")}},
+      {orxdbDateTime,
+       {Row{orxYearMonthDay, "2024/03/05 18:00", 45356.75}, refused(orxYearMonthDay, "soon 12:00"),
+        refused(3, "2024/03/05"), refused(65538, "2024/03/05")}},
+      {orxdbNothing, {Row{0, "1", 0}}},
+      {99, {Row{0, "1", 0}}},
+      {-1, {Row{0, "1", 0}}}};
+  for (const auto& [type, rows] : types) {
+    for (const auto& [subtype, text, value, special, result] : rows) {
       EXPECT_EQ(read(type, subtype, text), (Outcome{value, special, result}))
           << type << ' ' << (text ? text : "null");
     }
@@ -138,27 +126,23 @@ TEST(FieldValue, RecognisesTheTokensOfEachGroup) {
 }
 
 TEST(FieldValue, CutsOnlyTextAndClearsItsBytes) {
-  const struct {
+  struct Row {
     int type, size;
     const char *text, *stored;  // eight bytes that were '#'
     int result;
-  } rows[] = {{orxdbText, 4, "abcdef", "abc\0####", -3},
-              {orxdbLongText, 4, "abc", "abc\0####", 0},
-              {orxdbText, 6, "NE", "NE\0\0\0\0##", 0},
-              {orxdbText, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a cut never splits a character
-              {orxdbText, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
-              {orxdbText, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // not valid text
-              {orxdbText, 1, "", "\0#######", 0},
-              {orxdbText, 1, "a", "\0#######", -3},
-              {orxdbText, 0, "", "########", -3},
-              {orxdbInteger, 8, "1", "\1\0\0\0\0\0\0\0", 0},
-              {orxdbInteger, 2, "-2", "\xFE\xFF\xFF\xFF####", 0},
-              {orxdbYesNo, -1, "yes", "\1\0\0\0####", 0},
-              {orxdbDouble, 4, ">", "\0\0\0\0\0\0\1@", 0},
-              {orxdbDegrees, 3, "NC", "\0\0\0#####", 0},
-              {orxdbNothing, 8, "1", "\0\0\0\0\0\0\0\0", 0}};
+  };
   const double high = 2.125;
-  for (const auto& row : rows) {
+  for (const auto& row :
+       {Row{orxdbText, 4, "abcdef", "abc\0####", -3}, Row{orxdbLongText, 4, "abc", "abc\0####", 0},
+        Row{orxdbText, 6, "NE", "NE\0\0\0\0##", 0},
+        Row{orxdbText, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a cut never splits a character
+        Row{orxdbText, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
+        Row{orxdbText, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // not valid text
+        Row{orxdbText, 1, "", "\0#######", 0}, Row{orxdbText, 1, "a", "\0#######", -3},
+        Row{orxdbText, 0, "", "########", -3}, Row{orxdbInteger, 8, "1", "\1\0\0\0\0\0\0\0", 0},
+        Row{orxdbInteger, 2, "-2", "\xFE\xFF\xFF\xFF####", 0}, Row{orxdbYesNo, -1, "yes", "\1\0\0\0####", 0},
+        Row{orxdbDouble, 4, ">", "\0\0\0\0\0\0\1@", 0}, Row{orxdbDegrees, 3, "NC", "\0\0\0#####", 0},
+        Row{orxdbNothing, 8, "1", "\0\0\0\0\0\0\0\0", 0}}) {
     char dst[] = "########";
     EXPECT_EQ(orxdb_StrToVal(row.text, nullptr, &high, row.type, 0, row.size, nullptr, dst), row.result);
     EXPECT_EQ(std::string(dst, 8), std::string(row.stored, 8)) << row.type << ' ' << row.size;

@@ -24,16 +24,14 @@ TEST(Strings, TrimRemovesOnlyBlanks) {
 }
 
 TEST(Strings, DeleteAndInsertIgnoreIndicesOutside) {
-  const struct {
+  struct Row {
     const char* text;
     int position;
     const char *deleted, *inserted;
-  } kRows[] = {{"abc", 0, "bc", "xabc"},
-               {"abc", 3, "abc", "abcx"},
-               {"abc", 4, "abc", "abc"},
-               {"abc", INT_MIN, "abc", "abc"},
-               {"", -1, "", "x"}};
-  for (const auto& row : kRows) {
+  };
+  for (const auto& row :
+       {Row{"abc", 0, "bc", "xabc"}, Row{"abc", 3, "abc", "abcx"}, Row{"abc", 4, "abc", "abc"},
+        Row{"abc", INT_MIN, "abc", "abc"}, Row{"", -1, "", "x"}}) {
     EXPECT_STREQ(delchar(Buffer(row.text).chars, row.position), row.deleted) << row.position;
     EXPECT_STREQ(inschar(Buffer(row.text).chars, 'x', row.position), row.inserted) << row.position;
   }
