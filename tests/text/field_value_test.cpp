@@ -126,23 +126,23 @@ TEST(FieldValue, RecognisesTheTokensOfEachGroup) {
 }
 
 TEST(FieldValue, CutsOnlyTextAndClearsItsBytes) {
-  struct Row {
+  struct Case {
     int type, size;
     const char *text, *stored;  // eight bytes that were '#'
     int result;
   };
   const double high = 2.125;
   for (const auto& row :
-       {Row{orxdbText, 4, "abcdef", "abc\0####", -3}, Row{orxdbLongText, 4, "abc", "abc\0####", 0},
-        Row{orxdbText, 6, "NE", "NE\0\0\0\0##", 0},
-        Row{orxdbText, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a cut never splits a character
-        Row{orxdbText, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
-        Row{orxdbText, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // not valid text
-        Row{orxdbText, 1, "", "\0#######", 0}, Row{orxdbText, 1, "a", "\0#######", -3},
-        Row{orxdbText, 0, "", "########", -3}, Row{orxdbInteger, 8, "1", "\1\0\0\0\0\0\0\0", 0},
-        Row{orxdbInteger, 2, "-2", "\xFE\xFF\xFF\xFF####", 0}, Row{orxdbYesNo, -1, "yes", "\1\0\0\0####", 0},
-        Row{orxdbDouble, 4, ">", "\0\0\0\0\0\0\1@", 0}, Row{orxdbDegrees, 3, "NC", "\0\0\0#####", 0},
-        Row{orxdbNothing, 8, "1", "\0\0\0\0\0\0\0\0", 0}}) {
+       {Case{orxdbText, 4, "abcdef", "abc\0####", -3}, Case{orxdbLongText, 4, "abc", "abc\0####", 0},
+        Case{orxdbText, 6, "NE", "NE\0\0\0\0##", 0},
+        Case{orxdbText, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a cut never splits a character
+        Case{orxdbText, 6, "ab\xE2\x82\xAC", "ab\xE2\x82\xAC\0##", 0},
+        Case{orxdbText, 4, "\xBF\xBF\xBF\xBF", "\xBF\xBF\xBF\0####", -3},  // not valid text
+        Case{orxdbText, 1, "", "\0#######", 0}, Case{orxdbText, 1, "a", "\0#######", -3},
+        Case{orxdbText, 0, "", "########", -3}, Case{orxdbInteger, 8, "1", "\1\0\0\0\0\0\0\0", 0},
+        Case{orxdbInteger, 2, "-2", "\xFE\xFF\xFF\xFF####", 0},
+        Case{orxdbYesNo, -1, "yes", "\1\0\0\0####", 0}, Case{orxdbDouble, 4, ">", "\0\0\0\0\0\0\1@", 0},
+        Case{orxdbDegrees, 3, "NC", "\0\0\0#####", 0}, Case{orxdbNothing, 8, "1", "\0\0\0\0\0\0\0\0", 0}}) {
     char dst[] = "########";
     EXPECT_EQ(orxdb_StrToVal(row.text, nullptr, &high, row.type, 0, row.size, nullptr, dst), row.result);
     EXPECT_EQ(std::string(dst, 8), std::string(row.stored, 8)) << row.type << ' ' << row.size;
