@@ -46,23 +46,17 @@ TEST_F(RegistryKeyTest, PathsIgnoreCaseAndExtraBackslashes) {
   std::string longest, deepest;
   for (int i = 0; i < 255; ++i) longest += "ü";
   for (int i = 0; i < 509; ++i) deepest += "k\\";
-  const struct {
+  struct Row {
     std::string made;
     std::string opened;  // opens the same key
     LSTATUS status = ERROR_SUCCESS;
-  } kRows[] = {
-      {"A\\B\\C", "a\\b\\c"},
-      {"D\\\\\\E", "D\\E\\\\"},
-      {"Ünïcode", "üNÏCODE"},
-      {" a/.:*?\"<>|%d\t\n", " A/.:*?\"<>|%D\t\n"},
-      {longest, longest},
-      {std::string(256, 'x'), std::string(256, 'x'), ERROR_INVALID_PARAMETER},
-      {deepest, deepest},
-      {deepest + "k", deepest + "k", ERROR_FILE_NOT_FOUND},
-      {"\\L", "\\L", ERROR_BAD_PATHNAME},
-      {"A\\\xE9", "A\\\xE9", ERROR_INVALID_PARAMETER},
   };
-  for (const auto& [made, opened, status] : kRows) {
+  for (const auto& [made, opened, status] :
+       {Row{"A\\B\\C", "a\\b\\c"}, Row{"D\\\\\\E", "D\\E\\\\"}, Row{"Ünïcode", "üNÏCODE"},
+        Row{" a/.:*?\"<>|%d\t\n", " A/.:*?\"<>|%D\t\n"}, Row{longest, longest},
+        Row{std::string(256, 'x'), std::string(256, 'x'), ERROR_INVALID_PARAMETER}, Row{deepest, deepest},
+        Row{deepest + "k", deepest + "k", ERROR_FILE_NOT_FOUND}, Row{"\\L", "\\L", ERROR_BAD_PATHNAME},
+        Row{"A\\\xE9", "A\\\xE9", ERROR_INVALID_PARAMETER}}) {
     const HKEY key = Made(made, key_);
     EXPECT_EQ(key != nullptr, status == ERROR_SUCCESS) << made;
     EXPECT_EQ(Open(opened.c_str(), key_), status) << opened;

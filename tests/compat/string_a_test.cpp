@@ -69,16 +69,14 @@ TEST(StringA, ChangesLeaveCopiesAlone) {
 }
 
 TEST(StringA, RaisesErrorsAndKeepsItsText) {
-  const Change refused[] = {
-      [](CStringA& s) { s.GetAt(4); },
-      [](CStringA& s) { s.SetAt(3, 'x'); },  // the NUL
-      [](CStringA& s) { s.SetString(nullptr, 1); },
-      [](CStringA& s) { s.Append("x", -1); },
-      [](CStringA& s) { s = CStringA('x', -1); },
-      [](CStringA& s) { s.ReleaseBuffer(5000); },
+  const std::vector<Change> refused({
+      [](CStringA& s) { s.GetAt(4); }, [](CStringA& s) { s.SetAt(3, 'x'); },  // the NUL
+      [](CStringA& s) { s.SetString(nullptr, 1); }, [](CStringA& s) { s.Append("x", -1); },
+      [](CStringA& s) { s = CStringA('x', -1); }, [](CStringA& s) { s.ReleaseBuffer(5000); },
       [](CStringA& s) { s.AppendFormat("x%lc", static_cast<std::wint_t>(-2)); },  // no such character
-  };
-  for (const Change& change : refused) EXPECT_EQ(result_of(change, "abc"), E_INVALIDARG) << &change - refused;
+  });
+  for (const Change& change : refused)
+    EXPECT_EQ(result_of(change, "abc"), E_INVALIDARG) << &change - refused.data();
   EXPECT_EQ(result_of([](CStringA& s) { s.Append("x", INT_MAX); }, "abc"), E_OUTOFMEMORY);
 }
 

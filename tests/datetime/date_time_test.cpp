@@ -26,23 +26,18 @@ int set(orxDateTime& record, const Fields& f) {
 
 TEST(DateTime, RoundsToTheNearestSecond) {
   constexpr Fields kNoDate{-1, -1, -1, -1, -1, -1};
-  const std::pair<double, Fields> cases[] = {
-      {-1.25, {1899, 12, 29, 6, 0, 0}},  // the fraction counts forward
-      {0.5 / 86400, {1899, 12, 30, 0, 0, 1}},
-      {0.499999 / 86400, {1899, 12, 30, 0, 0, 0}},
-      {0.9999943, {1899, 12, 31, 0, 0, 0}},
-      {-1.9999943, {1899, 12, 30, 0, 0, 0}},
-      {-657434.999999, {100, 1, 2, 0, 0, 0}},
-      {2958465.999988, {9999, 12, 31, 23, 59, 59}},
-      {0x1.5f905b9690e08p+15, {2023, 3, 15, 4, 17, 36}},     // half a second, stored as slightly less
-      {-0x1.0daac75f623a6p+17, {1521, 12, 23, 13, 22, 56}},  // a millionth less than half a second
-      // The last value would be rounded to the year 10000.
-      {-657435, kNoDate},
-      {2958466, kNoDate},
-      {std::nan(""), kNoDate},
-      {2958465.999995, kNoDate},
-  };
-  for (const auto& [value, fields] : cases) EXPECT_EQ(fields_of(value), fields) << std::hexfloat << value;
+  using Row = std::pair<double, Fields>;
+  for (const auto& [value, fields] :
+       {Row{-1.25, {1899, 12, 29, 6, 0, 0}},  // the fraction counts forward
+        Row{0.5 / 86400, {1899, 12, 30, 0, 0, 1}}, Row{0.499999 / 86400, {1899, 12, 30, 0, 0, 0}},
+        Row{0.9999943, {1899, 12, 31, 0, 0, 0}}, Row{-1.9999943, {1899, 12, 30, 0, 0, 0}},
+        Row{-657434.999999, {100, 1, 2, 0, 0, 0}}, Row{2958465.999988, {9999, 12, 31, 23, 59, 59}},
+        Row{0x1.5f905b9690e08p+15, {2023, 3, 15, 4, 17, 36}},     // half a second, stored as slightly less
+        Row{-0x1.0daac75f623a6p+17, {1521, 12, 23, 13, 22, 56}},  // a millionth less than half a second
+        // The last value would be rounded to the year 10000.
+        Row{-657435, kNoDate}, Row{2958466, kNoDate}, Row{std::nan(""), kNoDate},
+        Row{2958465.999995, kNoDate}})
+    EXPECT_EQ(fields_of(value), fields) << std::hexfloat << value;
 }
 
 // Compares with the calendar of the C++ library. A refused date must leave the value unchanged. An accepted

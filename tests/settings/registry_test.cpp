@@ -162,13 +162,11 @@ TEST_F(SettingsTest, GetsTheFolderOfThePlottingProduct) {
   EXPECT_STREQ(folder, "before") << "the buffer is unchanged";
   EXPECT_FALSE(std::filesystem::exists(folder_.path("etc"))) << "no file is created";
   const HKEY key = Made("SOFTWARE\\Halvark Software\\Chartwright", HKEY_LOCAL_MACHINE);
-  const std::tuple<std::string, int, int, const char*> kRows[] = {
-      {std::string("C:\\chw", 7), 7, 0, "C:\\chw"},
-      {std::string("C:\\chw", 7), 6, -1, "before"},
-      {std::string("C:\\chw", 7), -1, -1, "before"},
-      {std::string("", 1), 8, -1, ""},
-      {"", 8, -1, ""}};
-  for (const auto& [value, capacity, result, expected] : kRows) {
+  using Row = std::tuple<std::string, int, int, const char*>;
+  for (const auto& [value, capacity, result, expected] :
+       {Row{std::string("C:\\chw", 7), 7, 0, "C:\\chw"}, Row{std::string("C:\\chw", 7), 6, -1, "before"},
+        Row{std::string("C:\\chw", 7), -1, -1, "before"}, Row{std::string("", 1), 8, -1, ""},
+        Row{"", 8, -1, ""}}) {
     const auto* bytes = reinterpret_cast<const BYTE*>(value.data());
     RegSetValueExA(key, "InstallFolder", 0, REG_SZ, bytes, static_cast<DWORD>(value.size()));
     std::strcpy(folder, "before");
