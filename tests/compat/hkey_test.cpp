@@ -9,8 +9,7 @@
 
 namespace {
 
-using orx::testing::sub_keys;
-using orx::testing::values;
+using namespace orx::testing;
 using Names = std::vector<std::string>;
 
 LSTATUS set(HKEY key, const char* name, const char* text = "") {
@@ -171,18 +170,14 @@ TEST_F(RegistryKeyTest, ListsInTheOrderOfNames) {
     EXPECT_EQ(RegEnumValueA(key_, index, name, &name_size, nullptr, &type, data, &size), status) << index;
     EXPECT_STREQ(name, expected) << index;
   }
-  DWORD size = sizeof name;
   EXPECT_EQ(list(HKEY_LOCAL_MACHINE), ERROR_NO_MORE_ITEMS) << "also without a file";
   // Deleting a listed value does not skip the next one.
-  std::string listed;
-  size = sizeof name;
-  for (DWORD index = 0;
-       RegEnumValueA(key_, index, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-       ++index, size = sizeof name) {
-    listed += name;
-    if (index == 1) RegDeleteValueA(key_, name);
-  }
-  EXPECT_EQ(listed, "Abc");
+  const auto list_and_delete = [](HKEY key, DWORD index, char* listed, auto... rest) {
+    const LSTATUS status = RegEnumValueA(key, index, listed, rest...);
+    if (index == 1) RegDeleteValueA(key, listed);
+    return status;
+  };
+  EXPECT_EQ(names(key_, list_and_delete), (Names{"", "A", "b", "c"}));
   DWORD none = 1;
   EXPECT_EQ(RegEnumValueA(key_, 1, name, &none, nullptr, nullptr, nullptr, nullptr), ERROR_MORE_DATA);
 }

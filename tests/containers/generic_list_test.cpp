@@ -10,8 +10,7 @@
 #include <utility>
 #include <vector>
 
-using orx::testing::allocations_left;
-using orx::testing::without_memory;
+using namespace orx::testing;
 
 namespace {
 

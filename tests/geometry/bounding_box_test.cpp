@@ -6,8 +6,7 @@
 
 #include <cmath>
 
-using orx::testing::expect_refuses_each_null;
-using orx::testing::same;
+using namespace orx::testing;
 
 namespace {
 

@@ -10,8 +10,7 @@
 #include <iterator>
 #include <random>
 
-using orx::testing::expect_refuses_each_null;
-using orx::testing::same;
+using namespace orx::testing;
 
 namespace {
 

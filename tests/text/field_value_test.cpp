@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -17,16 +18,7 @@ namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-struct Outcome {
-  double value;
-  int special, result;
-
-  bool operator==(const Outcome&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const Outcome& outcome) {
-  return out << outcome.value << " special " << outcome.special << " result " << outcome.result;
-}
+using Outcome = std::tuple<double, int, int>;  // the value, its special code, the result
 
 // The limits are 3 and 4. The value is at an odd address, and the bytes around it must not change.
 template <typename Value>
@@ -34,14 +26,12 @@ Outcome read_as(int type, int subtype, const char* text) {
   const Value low = 3, high = 4;
   char bytes[sizeof(Value) + 2];
   std::memset(bytes, '#', sizeof bytes);
-  Outcome outcome{0, -9, 0};
-  outcome.result =
-      orxdb_StrToVal(text, &low, &high, type, subtype, sizeof(Value), &outcome.special, bytes + 1);
+  int special = -9;
+  const int result = orxdb_StrToVal(text, &low, &high, type, subtype, sizeof(Value), &special, bytes + 1);
   EXPECT_TRUE(bytes[0] == '#' && bytes[sizeof bytes - 1] == '#');
   Value value;
   std::memcpy(&value, bytes + 1, sizeof value);
-  outcome.value = static_cast<double>(value);
-  return outcome;
+  return {static_cast<double>(value), special, result};
 }
 
 Outcome read(int type, int subtype, const char* text) {

@@ -38,12 +38,10 @@ TEST(Strings, DeleteAndInsertIgnoreIndicesOutside) {
 }
 
 TEST(Strings, BoundedPrintAlwaysTerminates) {
-  const std::tuple<std::size_t, const char*, int, const char*> kRows[] = {{4, "abcdef", -1, "abcd"},
-                                                                          {4, "abcd", 4, "abcd"},
-                                                                          {4, "ab", 2, "ab"},
-                                                                          {SIZE_MAX, "ab", 2, "ab"},
-                                                                          {0, "ab", -1, "#####"}};
-  for (const auto& [n, text, result, stored] : kRows) {
+  using Row = std::tuple<std::size_t, const char*, int, const char*>;
+  for (const auto& [n, text, result, stored] :
+       {Row{4, "abcdef", -1, "abcd"}, Row{4, "abcd", 4, "abcd"}, Row{4, "ab", 2, "ab"},
+        Row{SIZE_MAX, "ab", 2, "ab"}, Row{0, "ab", -1, "#####"}}) {
     Buffer buffer("#####");
     EXPECT_EQ(ORX_snprintf(buffer.chars, n, "%s", text), result);
     EXPECT_STREQ(buffer.chars, stored);
