@@ -159,7 +159,6 @@ TEST_F(RegistryKeyTest, RefusesInvalidHandles) {
 
 TEST_F(RegistryKeyTest, ListsInTheOrderOfNames) {
   for (const char* name : {"c", "A", "b", ""}) ASSERT_EQ(set(key_, name, "1234"), ERROR_SUCCESS);
-  EXPECT_EQ(values(key_), (Names{"", "A", "b", "c"}));
   char name[2];
   BYTE data[4];
   const std::tuple<DWORD, DWORD, LSTATUS, const char*> kRows[] = {

@@ -57,17 +57,13 @@ TEST(BoundingBox, GrowsAroundBoxesAndByDistances) {
 
 TEST(BoundingBox, TouchingIntersectsInPlanAndInSpace) {
   const bbox box = {{0, 0, 0}, {2, 4, 6}};
-  struct Row {
-    bbox other;
-    int in_plan, in_space;
-  };
-  const std::vector<Row> cases(
-      {Row{{{1, 1, 1}, {9, 9, 9}}, 1, 1}, Row{{{2, 4, 6}, {3, 5, 7}}, 1, 1},  // a corner
-       Row{{{std::nextafter(2, 3), 0, 0}, {3, 4, 6}}, 0, 0}, Row{{{0, 4.5, 0}, {2, 5, 6}}, 0, 0},
-       Row{{{0, 0, 7}, {2, 4, 8}}, 1, 0}, Row{{{-kInf, -kInf, -kInf}, {kInf, kInf, kInf}}, 1, 1},
-       Row{{{kNan, 1, kNan}, {kNan, 1, kNan}}, 1, 1}, Row{kEmpty, 0, 0}});
-  for (const auto& [other, in_plan, in_space] : cases) {
-    SCOPED_TRACE(&other - &cases[0].other);
+  using Row = std::tuple<bbox, int, int>;
+  for (const auto& [other, in_plan, in_space] :
+       {Row{{{1, 1, 1}, {9, 9, 9}}, 1, 1}, Row{{{2, 4, 6}, {3, 5, 7}}, 1, 1},  // a corner
+        Row{{{std::nextafter(2, 3), 0, 0}, {3, 4, 6}}, 0, 0}, Row{{{0, 4.5, 0}, {2, 5, 6}}, 0, 0},
+        Row{{{0, 0, 7}, {2, 4, 8}}, 1, 0}, Row{{{-kInf, -kInf, -kInf}, {kInf, kInf, kInf}}, 1, 1},
+        Row{{{kNan, 1, kNan}, {kNan, 1, kNan}}, 1, 1}, Row{kEmpty, 0, 0}}) {
+    SCOPED_TRACE(testing::PrintToString(other.min));
     EXPECT_EQ(bboxes_intersect_2d(&box, &other), in_plan);
     EXPECT_EQ(bboxes_intersect_2d(&other, &box), in_plan);
     EXPECT_EQ(bboxes_intersect(&box, &other), in_space);

@@ -243,10 +243,9 @@ TEST(Octree, CallsBackInOrder) {
 }
 
 TEST(Octree, ReachesItemsInFewCallsInEveryRegion) {
-  const struct {
-    double low, high, stray;
-  } rows[] = {{0, 1e3, 1},        {-1e4, 1e4, 1},  {-1e5, 1e5, 1},        {-1e8, 1e8, 1},    {-1e15, 1e15, 1},
-              {0, DBL_MAX, 1e10}, {0, 1e30, 1e30}, {-1e300, 1e3, -1e300}, {-1e9, 1e10, 1e10}};
+  const double rows[][3] = {{0, 1e3, 1},     {-1e4, 1e4, 1},        {-1e5, 1e5, 1},
+                            {-1e8, 1e8, 1},  {-1e15, 1e15, 1},      {0, DBL_MAX, 1e10},
+                            {0, 1e30, 1e30}, {-1e300, 1e3, -1e300}, {-1e9, 1e10, 1e10}};
   for (const auto& [low, high, stray] : rows) {
     std::mt19937 random(3);
     std::uniform_real_distribution<double> uniform(0, 1000);
@@ -382,13 +381,10 @@ TEST(Octree, SplitsAtItsLimit) {
 }
 
 TEST(Octree, GrowsWhereItCannotSplit) {
-  const struct {
-    double low, high;
-    bool splits;
-  } cases[] = {{0, 8, true},         {8, 0, true},
-               {5, 5, false},        {1, std::nextafter(1.0, 2), false},
-               {0, HUGE_VAL, false}, {-HUGE_VAL, HUGE_VAL, false},
-               {NAN, 1, false},      {DBL_MAX / 1.5, DBL_MAX, false}};
+  const std::tuple<double, double, bool> cases[] = {{0, 8, true},         {8, 0, true},
+                                                    {5, 5, false},        {1, std::nextafter(1.0, 2), false},
+                                                    {0, HUGE_VAL, false}, {-HUGE_VAL, HUGE_VAL, false},
+                                                    {NAN, 1, false},      {DBL_MAX / 1.5, DBL_MAX, false}};
   for (std::size_t i = 0; i < 3 * std::size(cases); ++i) {
     const auto& [low, high, splits] = cases[i / 3];
     double box[] = {5, 5, 5, 5, 5, 5};  // flat on the other two axes

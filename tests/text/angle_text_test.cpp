@@ -29,32 +29,28 @@ double degrees_read(int mode, const std::string& text, int packed) {
 }
 
 TEST(AngleText, WritesColumnsThatNeverShowSixty) {
-  struct Row {
-    double degrees;
-    const char *colons, *packed;
-  };
+  using Row = std::pair<double, std::string>;
   const std::pair<int, std::vector<Row>> modes[] = {
-      {zelDegrees, {Row{45, " 45.00000000", " 45.00000000"}}},
-      {zelRadians, {Row{180, "  3.14159265", "  3.14159265"}}},
-      {zelGrads, {Row{-90, "-100.00000000", "-100.00000000"}}},
+      {zelDegrees, {Row{45, " 45.00000000"}}},
+      {zelRadians, {Row{180, "  3.14159265"}}},
+      {zelGrads, {Row{-90, "-100.00000000"}}},
       // The sign of 0 degrees is lost, seconds are truncated, almost a second, a second, a degree.
       {zelDegreesMinutesSeconds,
-       {Row{-45.5, " -45:30: 0", " -4530 0"}, Row{-0.5, "   0:30: 0", "   030 0"},
-        Row{10 + 5.99 / 3600, "  10: 0: 5", "  10 0 5"}, Row{0.5 - 5e-15, "   0:30: 0", "   030 0"},
-        Row{1 - 2e-14, "   1: 0: 0", "   1 0 0"}}},
+       {Row{-45.5, " -45:30: 0"}, Row{-0.5, "   0:30: 0"}, Row{10 + 5.99 / 3600, "  10: 0: 5"},
+        Row{0.5 - 5e-15, "   0:30: 0"}, Row{1 - 2e-14, "   1: 0: 0"}}},
       // Minutes of 60, 59.999997 and 59.999994; degrees that are wider than their column.
       {zelDegreesDecimalMinutes,
-       {Row{1 - 5e-15, "   1: 0.00000", "   1 0.00000"}, Row{29.99999995, "  30: 0.00000", "  30 0.00000"},
-        Row{29.9999999, "  29:59.99999", "  2959.99999"},
-        Row{-12345.25, "-12345:15.00000", "-1234515.00000"}}},
+       {Row{1 - 5e-15, "   1: 0.00000"}, Row{29.99999995, "  30: 0.00000"}, Row{29.9999999, "  29:59.99999"},
+        Row{-12345.25, "-12345:15.00000"}}},
       // Seconds of 59.9999, 59.9996 and 59.9949.
       {zelDegreesMinutesDecimalSeconds,
-       {Row{10.999999972, "  11: 0: 0.00", "  11 0 0.00"}, Row{10.5 - 1e-7, "  10:30: 0.00", "  1030 0.00"},
-        Row{-3.9999985834, "  -3:59:59.99", "  -35959.99"}}}};
+       {Row{10.999999972, "  11: 0: 0.00"}, Row{10.5 - 1e-7, "  10:30: 0.00"},
+        Row{-3.9999985834, "  -3:59:59.99"}}}};
   for (const auto& [mode, rows] : modes) {
-    for (const auto& [degrees, colons, packed] : rows) {
-      EXPECT_EQ(written(mode, degrees / 180 * kPi, 0), colons) << mode;
-      EXPECT_EQ(written(mode, degrees / 180 * kPi, 1), packed) << mode;
+    for (auto [degrees, text] : rows) {
+      EXPECT_EQ(written(mode, degrees / 180 * kPi, 0), text) << mode;
+      std::erase(text, ':');
+      EXPECT_EQ(written(mode, degrees / 180 * kPi, 1), text) << mode;
     }
   }
 }

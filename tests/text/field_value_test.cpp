@@ -116,13 +116,10 @@ TEST(FieldValue, RecognisesTheTokensOfEachGroup) {
 }
 
 TEST(FieldValue, CutsOnlyTextAndClearsItsBytes) {
-  struct Case {
-    int type, size;
-    const char *text, *stored;  // eight bytes that were '#'
-    int result;
-  };
+  // The bytes were '#' before.
+  using Case = std::tuple<int, int, const char*, const char*, int>;
   const double high = 2.125;
-  for (const auto& row :
+  for (const auto& [type, size, text, stored, result] :
        {Case{orxdbText, 4, "abcdef", "abc\0####", -3}, Case{orxdbLongText, 4, "abc", "abc\0####", 0},
         Case{orxdbText, 6, "NE", "NE\0\0\0\0##", 0},
         Case{orxdbText, 5, "ab\xE2\x82\xAC", "ab\0\0\0###", -3},  // a cut never splits a character
@@ -134,8 +131,8 @@ TEST(FieldValue, CutsOnlyTextAndClearsItsBytes) {
         Case{orxdbYesNo, -1, "yes", "\1\0\0\0####", 0}, Case{orxdbDouble, 4, ">", "\0\0\0\0\0\0\1@", 0},
         Case{orxdbDegrees, 3, "NC", "\0\0\0#####", 0}, Case{orxdbNothing, 8, "1", "\0\0\0\0\0\0\0\0", 0}}) {
     char dst[] = "########";
-    EXPECT_EQ(orxdb_StrToVal(row.text, nullptr, &high, row.type, 0, row.size, nullptr, dst), row.result);
-    EXPECT_EQ(std::string(dst, 8), std::string(row.stored, 8)) << row.type << ' ' << row.size;
+    EXPECT_EQ(orxdb_StrToVal(text, nullptr, &high, type, 0, size, nullptr, dst), result);
+    EXPECT_EQ(std::string(dst, 8), std::string(stored, 8)) << type << ' ' << size;
   }
   int special = -9;
   EXPECT_EQ(orxdb_StrToVal("NC", nullptr, nullptr, orxdbDouble, 0, 8, &special, nullptr) + special, orxdbNC);

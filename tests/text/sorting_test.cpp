@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <numeric>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -41,30 +42,28 @@ int sort_and_compare(int i, int j) {
 }
 
 TEST(Sorting, CallsComeInADefinedOrder) {
-  struct Row {
-    Values values;
-    const char *quick, *shell;
-  };
-  for (const auto& c : {Row{{}, "", ""}, Row{{7}, "", ""}, Row{{1, 1}, " c10", " c01"},
-                        Row{{1, 2, 3, 4}, " c30 c20 c10 c31 c21 c32", " c02 c13 c01 c12 c23"},
-                        Row{{3, 1, 2}, " c20 s20 c02 c12 c10 s10 c01", " c01 s01 c12 s12 c01"},
-                        Row{{2, 3, 1}, " c20 s20 c02 c12 s12 c21", " c01 c12 s12 c01 s01"},
-                        Row{{3, 2, 1, 5, 4},  // with parts on both sides of the first pivot
-                            " c40 c30 c20 s20 c02 c12 c10 c43 s43 c34",
-                            " c02 s02 c13 c24 c01 c12 c23 c34 s34 c23"},
-                        Row{{5, 4, 3, 2, 1},
-                            " c40 s40 c04 c14 c24 c34 c30 c20 c10 c31 s31 c13 c23 c21",
-                            " c02 s02 c13 s13 c24 s24 c02 s02 c01 c12 c23 c34"}}) {
+  using Row = std::tuple<Values, const char*, const char*>;
+  for (const auto& [input, quick, shell] :
+       {Row{{}, "", ""}, Row{{7}, "", ""}, Row{{1, 1}, " c10", " c01"},
+        Row{{1, 2, 3, 4}, " c30 c20 c10 c31 c21 c32", " c02 c13 c01 c12 c23"},
+        Row{{3, 1, 2}, " c20 s20 c02 c12 c10 s10 c01", " c01 s01 c12 s12 c01"},
+        Row{{2, 3, 1}, " c20 s20 c02 c12 s12 c21", " c01 c12 s12 c01 s01"},
+        Row{{3, 2, 1, 5, 4},  // with parts on both sides of the first pivot
+            " c40 c30 c20 s20 c02 c12 c10 c43 s43 c34",
+            " c02 s02 c13 c24 c01 c12 c23 c34 s34 c23"},
+        Row{{5, 4, 3, 2, 1},
+            " c40 s40 c04 c14 c24 c34 c30 c20 c10 c31 s31 c13 c23 c21",
+            " c02 s02 c13 s13 c24 s24 c02 s02 c01 c12 c23 c34"}}) {
     for (const auto order : {compare, sort_and_compare}) {
-      const auto expect_sorts = [&](auto sort, const char* expected) {
+      const auto expect_sorts = [&, &unsorted = input](auto sort, const char* expected) {
         calls.clear();
-        values = c.values;
+        values = unsorted;
         sort(static_cast<int>(values.size()), order, swap);
-        EXPECT_EQ(calls, expected) << testing::PrintToString(c.values);
+        EXPECT_EQ(calls, expected) << testing::PrintToString(unsorted);
         EXPECT_TRUE(std::is_sorted(values.begin(), values.end())) << testing::PrintToString(values);
       };
-      expect_sorts(qksort, c.quick);
-      expect_sorts(sm_sort, c.shell);
+      expect_sorts(qksort, quick);
+      expect_sorts(sm_sort, shell);
     }
   }
 }

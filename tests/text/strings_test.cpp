@@ -24,16 +24,12 @@ TEST(Strings, TrimRemovesOnlyBlanks) {
 }
 
 TEST(Strings, DeleteAndInsertIgnoreIndicesOutside) {
-  struct Row {
-    const char* text;
-    int position;
-    const char *deleted, *inserted;
-  };
-  for (const auto& row :
+  using Row = std::tuple<const char*, int, const char*, const char*>;
+  for (const auto& [text, position, deleted, inserted] :
        {Row{"abc", 0, "bc", "xabc"}, Row{"abc", 3, "abc", "abcx"}, Row{"abc", 4, "abc", "abc"},
         Row{"abc", INT_MIN, "abc", "abc"}, Row{"", -1, "", "x"}}) {
-    EXPECT_STREQ(delchar(Buffer(row.text).chars, row.position), row.deleted) << row.position;
-    EXPECT_STREQ(inschar(Buffer(row.text).chars, 'x', row.position), row.inserted) << row.position;
+    EXPECT_STREQ(delchar(Buffer(text).chars, position), deleted) << position;
+    EXPECT_STREQ(inschar(Buffer(text).chars, 'x', position), inserted) << position;
   }
 }
 
