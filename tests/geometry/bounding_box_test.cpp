@@ -15,8 +15,7 @@ constexpr bbox kEmpty = {{kLow, kLow, kLow}, {kHigh, kHigh, kHigh}};
 
 void expect_box(const bbox& box, const bbox& expected) {
   EXPECT_TRUE(same(box.min, expected.min, 3) && same(box.max, expected.max, 3))
-      << "x " << box.min[0] << " to " << box.max[0] << ", y " << box.min[1] << " to " << box.max[1] << ", z "
-      << box.min[2] << " to " << box.max[2];
+      << testing::PrintToString(box.min) << " to " << testing::PrintToString(box.max);
 }
 
 TEST(BoundingBox, GrowsAroundPoints) {
@@ -97,9 +96,8 @@ TEST(BoundingBox, HandlesNullAndOutOfMemory) {
   EXPECT_EQ(bbox_expand(nullptr, 1) + bbox_percent_expand(nullptr, 1) + bbox_free(nullptr), 0);
   for (const auto& test : {bboxes_intersect, bboxes_intersect_2d})
     expect_refuses_each_null(0, test, &box, &box);
-  for (const auto& test : {bbox_pnt_intersect, bbox_xy_pnt_intersect}) {
+  for (const auto& test : {bbox_pnt_intersect, bbox_xy_pnt_intersect})
     expect_refuses_each_null(0, test, &box, box.min);
-  }
   bbox* const made = bbox_new();
   expect_box(*made, kEmpty);
   bbox_free(made);

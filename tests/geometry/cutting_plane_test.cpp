@@ -127,9 +127,8 @@ TEST(CuttingPlane, AgreesWithItsModelToTheLastBit) {
 
     const int crossed = cut_one_by_one(model, box, true, expected);
     bbox_init(&model.plane_bbox);
-    for (int i = 0; i < crossed; ++i) {
+    for (int i = 0; i < crossed; ++i)
       bbox_update_from_xyz(&model.plane_bbox, expected[0][i], expected[1][i], expected[2][i]);
-    }
     EXPECT_EQ(cutplane_set_plane_bbox(&cut, &box), crossed > 0 ? 0 : 1);
     EXPECT_TRUE(same(cut.seg_x, model.seg_x, kDoubles));
     seed(cut, point(), point());

@@ -1,4 +1,4 @@
-// Lets operator new (std::nothrow) run out of memory, and malloc in the library's objects.
+// Lets operator new (std::nothrow) run out of memory.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,6 +10,9 @@ namespace orx::testing {
 
 // The number of allocations that still succeed, initially INT_MAX.
 extern int allocations_left;
+
+// Takes one of them, or sets errno.
+bool may_allocate();
 
 // Makes a call that can allocate a few times only. The call must keep errno.
 template <class Call>

@@ -90,18 +90,16 @@ TEST(AngleText, ReadsMissingColumnsAsZero) {
       {zelDegreesMinutesDecimalSeconds,
        {Row{"-1:30:36", 0, -1.51}, Row{"-0:30:00", 0, 0.5}, Row{" -453036.00", 1, -45.51}}}};
   for (const auto& [mode, rows] : modes) {
-    for (const auto& [text, packed, degrees] : rows) {
+    for (const auto& [text, packed, degrees] : rows)
       EXPECT_DOUBLE_EQ(degrees_read(mode, text, packed), degrees) << mode << ' ' << text;
-    }
   }
   EXPECT_EQ(zel_convert_str_to_ang(zelDegreesMinutesSeconds, nullptr, 1), 0);
   EXPECT_EQ(written(zelRadians, zel_convert_str_to_ang(zelRadians, "-0", 0), 0), " -0.00000000");
   for (const char c : {' ', '9', ':'}) {
     std::string text;
     text.resize(10'000'000, c);
-    for (const int packed : {0, 1}) {
+    for (const int packed : {0, 1})
       EXPECT_EQ(degrees_read(zelDegreesMinutesSeconds, text, packed), c == '9' ? kInfinity : 0) << c;
-    }
   }
 }
 

@@ -163,9 +163,8 @@ TEST(FieldValue, IgnoresTheLocaleAndIsLinearInTheText) {
   const auto read_exponent = [] { return read(orxdbDouble, 0, "1.5D2"); };
   EXPECT_EQ(orx::testing::without_memory(read_exponent), (Outcome{1.5, 0, 0}));
   std::setlocale(LC_ALL, "C");
-  for (int type = 1; type <= 17; ++type) {
+  for (int type = 1; type <= 17; ++type)
     for (const char c : {' ', '9', '<'}) read(type, 1, std::string(10'000'000, c).c_str());
-  }
   EXPECT_EQ(read(orxdbDouble, 0, (std::string(10'000'000, '0') + "1D1").c_str()), (Outcome{10, 0, 0}));
   EXPECT_EQ(read(orxdbNumber, 0, (std::string(127, ' ') + "1").c_str()), (Outcome{0, 6, 0}));
   EXPECT_EQ(read(orxdbNumber, 0, ("1e-" + std::string(400, '9')).c_str()), (Outcome{0, 0, 0}));

@@ -1,7 +1,13 @@
+// Linked with --wrap=malloc, so that the library calls __wrap_malloc instead of malloc.
 #include <orx/text/token_parser.h>
 
 #include <gtest/gtest.h>
 #include <tests/support/failing_memory.h>
+
+extern "C" void* __real_malloc(std::size_t size);
+extern "C" void* __wrap_malloc(std::size_t size) {
+  return orx::testing::may_allocate() ? __real_malloc(size) : nullptr;
+}
 
 TEST(TokenParser, OutOfMemoryGivesNoTokens) {
   for (const int allocations : {0, 1, 2, 3}) {
