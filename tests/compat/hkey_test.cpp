@@ -47,8 +47,7 @@ TEST_F(RegistryKeyTest, PathsIgnoreCaseAndExtraBackslashes) {
   for (int i = 0; i < 255; ++i) longest += "ü";
   for (int i = 0; i < 509; ++i) deepest += "k\\";
   struct Row {
-    std::string made;
-    std::string opened;  // opens the same key
+    std::string made, opened;  // the second path opens the same key
     LSTATUS status = ERROR_SUCCESS;
   };
   for (const auto& [made, opened, status] :

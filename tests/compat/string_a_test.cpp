@@ -9,6 +9,7 @@
 #include <cwchar>
 #include <functional>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -23,11 +24,7 @@ HRESULT result_of(const Change& change, CStringA text) try {
   return failure;
 }
 
-const struct {
-  const char* before;
-  Change change;
-  const char* after;
-} kChanges[] = {
+const std::tuple<const char*, Change, const char*> kChanges[] = {
     {"abc", [](CStringA& s) { s.SetAt(2, 'x'); }, "abx"},
     {"abc", [](CStringA& s) { EXPECT_EQ(s.Insert(-5, "xy"), 5); }, "xyabc"},
     {"abc", [](CStringA& s) { EXPECT_EQ(s.Insert(9, 'x'), 4); }, "abcx"},

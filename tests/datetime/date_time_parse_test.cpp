@@ -20,10 +20,8 @@ std::string parsed(const char* text, int kind, int order) {
 
 TEST(DateTimeParse, ReadsDateAndTimeInEitherOrder) {
   struct Row {
-    const char* text;
-    const char* outcome;
-    int kind = orxDateTimeFull;
-    int order = orxYearMonthDay;
+    const char *text, *outcome;
+    int kind = orxDateTimeFull, order = orxYearMonthDay;
   };
   orx::platform::replace_clock([] { return orx::platform::LocalTime{2024, 6, 15, 8, 9, 10}; });
   for (const auto& c :

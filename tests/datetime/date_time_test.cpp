@@ -8,6 +8,7 @@
 #include <climits>
 #include <cmath>
 #include <random>
+#include <tuple>
 
 namespace {
 
@@ -69,32 +70,27 @@ TEST(DateTime, EveryDayAgreesWithTheCalendarOfTheStandardLibrary) {
 }
 
 TEST(DateTime, CompletesYearsAndDiagnosesInvalidFields) {
-  const struct {
-    int kind;
-    Fields fields;
-    int result, code;
-    Fields read = {};
-  } cases[] = {
+  const std::tuple<int, Fields, int, int, Fields> cases[] = {
       {orxDateTimeFull, {99, 1, 2, 3, 4, 5}, 0, 0, {1999, 1, 2, 3, 4, 5}},
       {orxDateTimeFull, {29, 1, 2, 0, 0, 0}, 0, 0, {2029, 1, 2, 0, 0, 0}},
       {orxDateTimeFull, {30, 1, 2, 0, 0, 0}, 0, 0, {1930, 1, 2, 0, 0, 0}},
       {orxDateTimeFull, {-1, 1, 2, 0, 0, 0}, 0, 0, {1899, 1, 2, 0, 0, 0}},
-      {orxDateTimeFull, {1900, 2, 29, 0, 0, 0}, 1, 1},  // reported as an invalid month
-      {orxDateTimeDate, {2001, 2, 29, 0, 0, 0}, 1, 3},
-      {orxDateTimeFull, {2001, 13, 1, 0, 0, 0}, 1, 1},
-      {orxDateTimeFull, {10000, 1, 1, 0, 0, 0}, 1, 2},
-      {orxDateTimeFull, {INT_MIN, INT_MIN, INT_MIN, 0, 0, 0}, 1, 2},
-      {orxDateTimeFull, {2000, 1, 1, 24, 0, 0}, 1, 4},
-      {orxDateTimeTime, {2000, 1, 1, 23, 60, 0}, 1, 5},
-      {orxDateTimeTime, {2000, 1, 1, 23, 59, 60}, 1, 6},
-      {orxDateTimeDate, {2000, 1, 1, 24, 0, 0}, 1, 0},  // this kind has no time to diagnose
-      {orxDateTimeNumber, {2000, 13, 1, 0, 0, 0}, 1, 0},
+      {orxDateTimeFull, {1900, 2, 29, 0, 0, 0}, 1, 1, {}},  // reported as an invalid month
+      {orxDateTimeDate, {2001, 2, 29, 0, 0, 0}, 1, 3, {}},
+      {orxDateTimeFull, {2001, 13, 1, 0, 0, 0}, 1, 1, {}},
+      {orxDateTimeFull, {10000, 1, 1, 0, 0, 0}, 1, 2, {}},
+      {orxDateTimeFull, {INT_MIN, INT_MIN, INT_MIN, 0, 0, 0}, 1, 2, {}},
+      {orxDateTimeFull, {2000, 1, 1, 24, 0, 0}, 1, 4, {}},
+      {orxDateTimeTime, {2000, 1, 1, 23, 60, 0}, 1, 5, {}},
+      {orxDateTimeTime, {2000, 1, 1, 23, 59, 60}, 1, 6, {}},
+      {orxDateTimeDate, {2000, 1, 1, 24, 0, 0}, 1, 0, {}},  // this kind has no time to diagnose
+      {orxDateTimeNumber, {2000, 13, 1, 0, 0, 0}, 1, 0, {}},
   };
-  for (const auto& c : cases) {
-    orxDateTime record{7, orxYearMonthDay, static_cast<int16_t>(c.kind), 99};
-    EXPECT_EQ(set(record, c.fields), c.result);
-    EXPECT_EQ(record.errorCode, c.code) << ::testing::PrintToString(c.fields);
-    EXPECT_EQ(c.result == 0 ? fields_of(record.value) : Fields{}, c.read);
+  for (const auto& [kind, fields, result, code, read] : cases) {
+    orxDateTime record{7, orxYearMonthDay, static_cast<int16_t>(kind), 99};
+    EXPECT_EQ(set(record, fields), result);
+    EXPECT_EQ(record.errorCode, code) << ::testing::PrintToString(fields);
+    EXPECT_EQ(result == 0 ? fields_of(record.value) : Fields{}, read);
   }
   for (const auto& [kind, code] :
        {std::pair<int, int>(orxDateTimeFull, 2), {orxDateTimeDate, 0}, {orxDateTimeTime, 4}}) {

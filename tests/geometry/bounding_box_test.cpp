@@ -4,6 +4,7 @@
 #include <tests/support/failing_memory.h>
 #include <tests/support/geometry.h>
 
+#include <array>
 #include <cmath>
 
 using namespace orx::testing;
@@ -19,18 +20,16 @@ void expect_box(const bbox& box, const bbox& expected) {
 }
 
 TEST(BoundingBox, GrowsAroundPoints) {
-  const struct {
-    double point[3];
-    bbox box;
-  } steps[] = {{{kNan, kNan, kNan}, kEmpty},
-               {{1, 2, 0.0}, {{1, 2, 0.0}, {1, 2, 0.0}}},
-               {{0, 5, -0.0}, {{0, 2, 0.0}, {1, 5, 0.0}}},  // neither zero is greater
-               {{-2, kNan, -1}, {{-2, 2, -1}, {1, 5, 0.0}}},
-               {{2e15, -2e15, kInf}, {{-2, -2e15, -1}, {2e15, 5, kInf}}}};
+  const std::pair<std::array<double, 3>, bbox> steps[] = {
+      {{kNan, kNan, kNan}, kEmpty},
+      {{1, 2, 0.0}, {{1, 2, 0.0}, {1, 2, 0.0}}},
+      {{0, 5, -0.0}, {{0, 2, 0.0}, {1, 5, 0.0}}},  // neither zero is greater
+      {{-2, kNan, -1}, {{-2, 2, -1}, {1, 5, 0.0}}},
+      {{2e15, -2e15, kInf}, {{-2, -2e15, -1}, {2e15, 5, kInf}}}};
   bbox box;
   bbox_init(&box);
   for (const auto& [point, expected] : steps) {
-    bbox_update(&box, point);
+    bbox_update(&box, point.data());
     expect_box(box, expected);
   }
 }

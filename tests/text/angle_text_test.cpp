@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -70,11 +71,7 @@ TEST(AngleText, WritesHugeAnglesAndUnknownModes) {
 }
 
 TEST(AngleText, ReadsMissingColumnsAsZero) {
-  struct Row {
-    const char* text;
-    int packed;
-    double degrees;
-  };
+  using Row = std::tuple<const char*, int, double>;
   const std::pair<int, std::vector<Row>> modes[] = {
       {zelDegrees, {Row{" 1.5x", 1, 1.5}, Row{"inf", 0, 0}}},
       {zelRadians, {Row{"3.141592653589793", 0, 180}}},

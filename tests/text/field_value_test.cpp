@@ -96,20 +96,19 @@ TEST(FieldValue, ReadsTheTextOfEachType) {
 TEST(FieldValue, RecognisesTheTokensOfEachGroup) {
   const std::string late_sign = std::string(127, ' ') + "<";
   constexpr int kNone = orxdbOrdinary;
-  const struct {
-    const char* text;
-    int measurement, value;  // the codes for orxdbInteger and orxdbNumber
-  } rows[] = {{" nC ", orxdbNC, orxdbNC},  {"ns", orxdbNS, kNone},    {"IS", orxdbIS, kNone},
-              {"Err", orxdbERR, orxdbERR}, {"ERRO", kNone, kNone},    {"a<b", orxdbBelow, kNone},
-              {"a>b<", orxdbBelow, kNone}, {"->", orxdbAbove, kNone}, {"ne", orxdbNE, orxdbNE},
-              {"-", orxdbNE, orxdbNE},     {"\tNC", kNone, kNone},    {late_sign.c_str(), orxdbNE, orxdbNE}};
-  for (const auto& row : rows) {
+  // The codes for orxdbInteger and orxdbNumber.
+  const std::tuple<const char*, int, int> rows[] = {
+      {" nC ", orxdbNC, orxdbNC},  {"ns", orxdbNS, kNone},    {"IS", orxdbIS, kNone},
+      {"Err", orxdbERR, orxdbERR}, {"ERRO", kNone, kNone},    {"a<b", orxdbBelow, kNone},
+      {"a>b<", orxdbBelow, kNone}, {"->", orxdbAbove, kNone}, {"ne", orxdbNE, orxdbNE},
+      {"-", orxdbNE, orxdbNE},     {"\tNC", kNone, kNone},    {late_sign.c_str(), orxdbNE, orxdbNE}};
+  for (const auto& [text, measurement, value] : rows) {
     for (const auto& [type, code] :
-         {std::pair(orxdbInteger, row.measurement), {orxdbNumber, row.value}, {orxdbText, kNone}}) {
+         {std::pair(orxdbInteger, measurement), {orxdbNumber, value}, {orxdbText, kNone}}) {
       int special = -9;
       const int result = code == kNone && type != orxdbText ? -1 : 0;
-      EXPECT_EQ(orxdb_StrToSpecialVal(type, row.text, &special), result) << row.text << " as " << type;
-      EXPECT_EQ(special, code) << row.text << " as " << type;
+      EXPECT_EQ(orxdb_StrToSpecialVal(type, text, &special), result) << text << " as " << type;
+      EXPECT_EQ(special, code) << text << " as " << type;
     }
   }
   EXPECT_EQ(orxdb_StrToSpecialVal(orxdbNumber, "NC", nullptr), 0);
