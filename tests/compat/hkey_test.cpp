@@ -9,9 +9,9 @@
 
 namespace {
 
-using orx::testing::sub_keys;
-using orx::testing::values;
+using namespace orx::testing;
 using Names = std::vector<std::string>;
+using Statuses = std::vector<LSTATUS>;
 
 LSTATUS set(HKEY key, const char* name, const char* text = "") {
   return RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text),
@@ -46,23 +46,16 @@ TEST_F(RegistryKeyTest, PathsIgnoreCaseAndExtraBackslashes) {
   std::string longest, deepest;
   for (int i = 0; i < 255; ++i) longest += "ü";
   for (int i = 0; i < 509; ++i) deepest += "k\\";
-  const struct {
-    std::string made;
-    std::string opened;  // opens the same key
+  struct Row {
+    std::string made, opened;  // the second path opens the same key
     LSTATUS status = ERROR_SUCCESS;
-  } kRows[] = {
-      {"A\\B\\C", "a\\b\\c"},
-      {"D\\\\\\E", "D\\E\\\\"},
-      {"Ünïcode", "üNÏCODE"},
-      {" a/.:*?\"<>|%d\t\n", " A/.:*?\"<>|%D\t\n"},
-      {longest, longest},
-      {std::string(256, 'x'), std::string(256, 'x'), ERROR_INVALID_PARAMETER},
-      {deepest, deepest},
-      {deepest + "k", deepest + "k", ERROR_FILE_NOT_FOUND},
-      {"\\L", "\\L", ERROR_BAD_PATHNAME},
-      {"A\\\xE9", "A\\\xE9", ERROR_INVALID_PARAMETER},
   };
-  for (const auto& [made, opened, status] : kRows) {
+  for (const auto& [made, opened, status] :
+       {Row{"A\\B\\C", "a\\b\\c"}, Row{"D\\\\\\E", "D\\E\\\\"}, Row{"Ünïcode", "üNÏCODE"},
+        Row{" a/.:*?\"<>|%d\t\n", " A/.:*?\"<>|%D\t\n"}, Row{longest, longest},
+        Row{std::string(256, 'x'), std::string(256, 'x'), ERROR_INVALID_PARAMETER}, Row{deepest, deepest},
+        Row{deepest + "k", deepest + "k", ERROR_FILE_NOT_FOUND}, Row{"\\L", "\\L", ERROR_BAD_PATHNAME},
+        Row{"A\\\xE9", "A\\\xE9", ERROR_INVALID_PARAMETER}}) {
     const HKEY key = Made(made, key_);
     EXPECT_EQ(key != nullptr, status == ERROR_SUCCESS) << made;
     EXPECT_EQ(Open(opened.c_str(), key_), status) << opened;
@@ -108,9 +101,8 @@ TEST_F(RegistryKeyTest, QueriesReportSizeAndType) {
 TEST_F(RegistryKeyTest, RightsBelongToTheHandle) {
   const HKEY reader = Made("A", key_, KEY_QUERY_VALUE);
   const HKEY writer = Made("A", key_, KEY_WRITE);
-  EXPECT_EQ(set(reader, "x"), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(RegDeleteValueA(reader, "x"), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(list(reader), ERROR_ACCESS_DENIED);
+  EXPECT_EQ((Statuses{set(reader, "x"), RegDeleteValueA(reader, "x"), list(reader)}),
+            Statuses(3, ERROR_ACCESS_DENIED));
   EXPECT_EQ(set(writer, "x"), ERROR_SUCCESS);
   EXPECT_EQ(query(writer, "x"), ERROR_ACCESS_DENIED);
   EXPECT_EQ(query(reader, "x"), ERROR_SUCCESS);
@@ -128,14 +120,10 @@ TEST_F(RegistryKeyTest, HandlesOfADeletedKeyStayInvalid) {
   EXPECT_EQ(SHDeleteKeyA(key_, "A"), ERROR_FILE_NOT_FOUND);
   ASSERT_NE(Made("A", key_), nullptr);
   for (const HKEY key : {gone, below}) {
-    EXPECT_EQ(Open("", key), ERROR_KEY_DELETED);
-    EXPECT_EQ(Open("B", key), ERROR_KEY_DELETED);
     EXPECT_EQ(Made("B", key, KEY_READ), nullptr);
-    EXPECT_EQ(set(key, "x"), ERROR_KEY_DELETED);
-    EXPECT_EQ(query(key, "x"), ERROR_KEY_DELETED);
-    EXPECT_EQ(list(key), ERROR_KEY_DELETED);
-    EXPECT_EQ(RegDeleteKeyA(key, ""), ERROR_KEY_DELETED);
-    EXPECT_EQ(SHDeleteKeyA(key, ""), ERROR_KEY_DELETED);
+    EXPECT_EQ((Statuses{Open("", key), Open("B", key), set(key, "x"), query(key, "x"), list(key),
+                        RegDeleteKeyA(key, ""), SHDeleteKeyA(key, "")}),
+              Statuses(7, ERROR_KEY_DELETED));
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
     EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
   }
@@ -166,7 +154,6 @@ TEST_F(RegistryKeyTest, RefusesInvalidHandles) {
 
 TEST_F(RegistryKeyTest, ListsInTheOrderOfNames) {
   for (const char* name : {"c", "A", "b", ""}) ASSERT_EQ(set(key_, name, "1234"), ERROR_SUCCESS);
-  EXPECT_EQ(values(key_), (Names{"", "A", "b", "c"}));
   char name[2];
   BYTE data[4];
   const std::tuple<DWORD, DWORD, LSTATUS, const char*> kRows[] = {
@@ -177,18 +164,14 @@ TEST_F(RegistryKeyTest, ListsInTheOrderOfNames) {
     EXPECT_EQ(RegEnumValueA(key_, index, name, &name_size, nullptr, &type, data, &size), status) << index;
     EXPECT_STREQ(name, expected) << index;
   }
-  DWORD size = sizeof name;
   EXPECT_EQ(list(HKEY_LOCAL_MACHINE), ERROR_NO_MORE_ITEMS) << "also without a file";
   // Deleting a listed value does not skip the next one.
-  std::string listed;
-  size = sizeof name;
-  for (DWORD index = 0;
-       RegEnumValueA(key_, index, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-       ++index, size = sizeof name) {
-    listed += name;
-    if (index == 1) RegDeleteValueA(key_, name);
-  }
-  EXPECT_EQ(listed, "Abc");
+  const auto list_and_delete = [](HKEY key, DWORD index, char* listed, auto... rest) {
+    const LSTATUS status = RegEnumValueA(key, index, listed, rest...);
+    if (index == 1) RegDeleteValueA(key, listed);
+    return status;
+  };
+  EXPECT_EQ(names(key_, list_and_delete), (Names{"", "A", "b", "c"}));
   DWORD none = 1;
   EXPECT_EQ(RegEnumValueA(key_, 1, name, &none, nullptr, nullptr, nullptr, nullptr), ERROR_MORE_DATA);
 }

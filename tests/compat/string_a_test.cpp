@@ -9,6 +9,7 @@
 #include <cwchar>
 #include <functional>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -23,11 +24,7 @@ HRESULT result_of(const Change& change, CStringA text) try {
   return failure;
 }
 
-const struct {
-  const char* before;
-  Change change;
-  const char* after;
-} kChanges[] = {
+const std::tuple<const char*, Change, const char*> kChanges[] = {
     {"abc", [](CStringA& s) { s.SetAt(2, 'x'); }, "abx"},
     {"abc", [](CStringA& s) { EXPECT_EQ(s.Insert(-5, "xy"), 5); }, "xyabc"},
     {"abc", [](CStringA& s) { EXPECT_EQ(s.Insert(9, 'x'), 4); }, "abcx"},
@@ -69,16 +66,14 @@ TEST(StringA, ChangesLeaveCopiesAlone) {
 }
 
 TEST(StringA, RaisesErrorsAndKeepsItsText) {
-  const Change refused[] = {
-      [](CStringA& s) { s.GetAt(4); },
-      [](CStringA& s) { s.SetAt(3, 'x'); },  // the NUL
-      [](CStringA& s) { s.SetString(nullptr, 1); },
-      [](CStringA& s) { s.Append("x", -1); },
-      [](CStringA& s) { s = CStringA('x', -1); },
-      [](CStringA& s) { s.ReleaseBuffer(5000); },
+  const std::vector<Change> refused({
+      [](CStringA& s) { s.GetAt(4); }, [](CStringA& s) { s.SetAt(3, 'x'); },  // the NUL
+      [](CStringA& s) { s.SetString(nullptr, 1); }, [](CStringA& s) { s.Append("x", -1); },
+      [](CStringA& s) { s = CStringA('x', -1); }, [](CStringA& s) { s.ReleaseBuffer(5000); },
       [](CStringA& s) { s.AppendFormat("x%lc", static_cast<std::wint_t>(-2)); },  // no such character
-  };
-  for (const Change& change : refused) EXPECT_EQ(result_of(change, "abc"), E_INVALIDARG) << &change - refused;
+  });
+  for (const Change& change : refused)
+    EXPECT_EQ(result_of(change, "abc"), E_INVALIDARG) << &change - refused.data();
   EXPECT_EQ(result_of([](CStringA& s) { s.Append("x", INT_MAX); }, "abc"), E_OUTOFMEMORY);
 }
 

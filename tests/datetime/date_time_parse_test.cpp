@@ -19,37 +19,26 @@ std::string parsed(const char* text, int kind, int order) {
 }
 
 TEST(DateTimeParse, ReadsDateAndTimeInEitherOrder) {
-  const struct {
-    const char* text;
-    const char* outcome;
-    int kind = orxDateTimeFull;
-    int order = orxYearMonthDay;
-  } cases[] = {
-      {"10:20:30 2024/03/05", "0 2024/03/05 10:20:30"},
-      {"2024/03/05xyz", "0 2024/03/05 00:00:00"},
-      {"10:20", "0 2024/06/15 10:20:00"},
-      {"3/5", "0 2024/03/05 00:00:00"},
-      {"3/5", "0 2024/05/03 00:00:00", orxDateTimeFull, orxDayMonthYear},
-      {"5 12", "0 2024/06/05 12:00:00", orxDateTimeFull, 3},
-      {"7 2024/3/5", "0 2024/03/05 07:00:00"},
-      {"10:20 PM", "0 2024/06/10 00:00:00"},
-      {"+24/ 3/-5", "1 error 3"},
-      {"+24/ 3/5", "0 2024/03/05 03:00:00"},  // the hour follows the blank
-      {" 2024/3/5", "1 error 4"},
-      {"", "0 2024/06/15 00:00:00"},
-      {"12/25/2023", "1 error 1"},
-      {"2023/12/25", "1 error 1", orxDateTimeFull, 3},
-      {"4294967297/1/1", "1 error 2"},
-      {"GETDATE()", "0 2024/06/15 08:09:10"},
-      {"GETDATE()", "0 2024/06/15", orxDateTimeDate},
-      {"GETDATE()", "0  8:09:10", orxDateTimeTime},
-      {"2024/03/05 10:20:30", "0 10:20:30", orxDateTimeTime},
-      {nullptr, "0 unchanged"},
+  struct Row {
+    const char *text, *outcome;
+    int kind = orxDateTimeFull, order = orxYearMonthDay;
   };
   orx::platform::replace_clock([] { return orx::platform::LocalTime{2024, 6, 15, 8, 9, 10}; });
-  for (const auto& c : cases) {
-    EXPECT_EQ(parsed(c.text, c.kind, c.order), c.outcome) << (c.text != nullptr ? c.text : "null");
+  for (const auto& c :
+       {Row{"10:20:30 2024/03/05", "0 2024/03/05 10:20:30"}, Row{"2024/03/05xyz", "0 2024/03/05 00:00:00"},
+        Row{"10:20", "0 2024/06/15 10:20:00"}, Row{"3/5", "0 2024/03/05 00:00:00"},
+        Row{"3/5", "0 2024/05/03 00:00:00", orxDateTimeFull, orxDayMonthYear},
+        Row{"5 12", "0 2024/06/05 12:00:00", orxDateTimeFull, 3}, Row{"7 2024/3/5", "0 2024/03/05 07:00:00"},
+        Row{"10:20 PM", "0 2024/06/10 00:00:00"}, Row{"+24/ 3/-5", "1 error 3"},
+        Row{"+24/ 3/5", "0 2024/03/05 03:00:00"},  // the hour follows the blank
+        Row{" 2024/3/5", "1 error 4"}, Row{"", "0 2024/06/15 00:00:00"}, Row{"12/25/2023", "1 error 1"},
+        Row{"2023/12/25", "1 error 1", orxDateTimeFull, 3}, Row{"4294967297/1/1", "1 error 2"},
+        Row{"GETDATE()", "0 2024/06/15 08:09:10"}, Row{"GETDATE()", "0 2024/06/15", orxDateTimeDate},
+        Row{"GETDATE()", "0  8:09:10", orxDateTimeTime},
+        Row{"2024/03/05 10:20:30", "0 10:20:30", orxDateTimeTime}}) {
+    EXPECT_EQ(parsed(c.text, c.kind, c.order), c.outcome) << c.text;
   }
+  EXPECT_EQ(parsed(nullptr, orxDateTimeFull, orxYearMonthDay), "0 unchanged");
   orx::platform::replace_clock(nullptr);
 }
 

@@ -8,6 +8,7 @@
 #include <climits>
 #include <cmath>
 #include <random>
+#include <tuple>
 
 namespace {
 
@@ -26,23 +27,18 @@ int set(orxDateTime& record, const Fields& f) {
 
 TEST(DateTime, RoundsToTheNearestSecond) {
   constexpr Fields kNoDate{-1, -1, -1, -1, -1, -1};
-  const std::pair<double, Fields> cases[] = {
-      {-1.25, {1899, 12, 29, 6, 0, 0}},  // the fraction counts forward
-      {0.5 / 86400, {1899, 12, 30, 0, 0, 1}},
-      {0.499999 / 86400, {1899, 12, 30, 0, 0, 0}},
-      {0.9999943, {1899, 12, 31, 0, 0, 0}},
-      {-1.9999943, {1899, 12, 30, 0, 0, 0}},
-      {-657434.999999, {100, 1, 2, 0, 0, 0}},
-      {2958465.999988, {9999, 12, 31, 23, 59, 59}},
-      {0x1.5f905b9690e08p+15, {2023, 3, 15, 4, 17, 36}},     // half a second, stored as slightly less
-      {-0x1.0daac75f623a6p+17, {1521, 12, 23, 13, 22, 56}},  // a millionth less than half a second
-      // The last value would be rounded to the year 10000.
-      {-657435, kNoDate},
-      {2958466, kNoDate},
-      {std::nan(""), kNoDate},
-      {2958465.999995, kNoDate},
-  };
-  for (const auto& [value, fields] : cases) EXPECT_EQ(fields_of(value), fields) << std::hexfloat << value;
+  using Row = std::pair<double, Fields>;
+  for (const auto& [value, fields] :
+       {Row{-1.25, {1899, 12, 29, 6, 0, 0}},  // the fraction counts forward
+        Row{0.5 / 86400, {1899, 12, 30, 0, 0, 1}}, Row{0.499999 / 86400, {1899, 12, 30, 0, 0, 0}},
+        Row{0.9999943, {1899, 12, 31, 0, 0, 0}}, Row{-1.9999943, {1899, 12, 30, 0, 0, 0}},
+        Row{-657434.999999, {100, 1, 2, 0, 0, 0}}, Row{2958465.999988, {9999, 12, 31, 23, 59, 59}},
+        Row{0x1.5f905b9690e08p+15, {2023, 3, 15, 4, 17, 36}},     // half a second, stored as slightly less
+        Row{-0x1.0daac75f623a6p+17, {1521, 12, 23, 13, 22, 56}},  // a millionth less than half a second
+        // The last value would be rounded to the year 10000.
+        Row{-657435, kNoDate}, Row{2958466, kNoDate}, Row{std::nan(""), kNoDate},
+        Row{2958465.999995, kNoDate}})
+    EXPECT_EQ(fields_of(value), fields) << std::hexfloat << value;
 }
 
 // Compares with the calendar of the C++ library. A refused date must leave the value unchanged. An accepted
@@ -74,32 +70,27 @@ TEST(DateTime, EveryDayAgreesWithTheCalendarOfTheStandardLibrary) {
 }
 
 TEST(DateTime, CompletesYearsAndDiagnosesInvalidFields) {
-  const struct {
-    int kind;
-    Fields fields;
-    int result, code;
-    Fields read = {};
-  } cases[] = {
+  const std::tuple<int, Fields, int, int, Fields> cases[] = {
       {orxDateTimeFull, {99, 1, 2, 3, 4, 5}, 0, 0, {1999, 1, 2, 3, 4, 5}},
       {orxDateTimeFull, {29, 1, 2, 0, 0, 0}, 0, 0, {2029, 1, 2, 0, 0, 0}},
       {orxDateTimeFull, {30, 1, 2, 0, 0, 0}, 0, 0, {1930, 1, 2, 0, 0, 0}},
       {orxDateTimeFull, {-1, 1, 2, 0, 0, 0}, 0, 0, {1899, 1, 2, 0, 0, 0}},
-      {orxDateTimeFull, {1900, 2, 29, 0, 0, 0}, 1, 1},  // reported as an invalid month
-      {orxDateTimeDate, {2001, 2, 29, 0, 0, 0}, 1, 3},
-      {orxDateTimeFull, {2001, 13, 1, 0, 0, 0}, 1, 1},
-      {orxDateTimeFull, {10000, 1, 1, 0, 0, 0}, 1, 2},
-      {orxDateTimeFull, {INT_MIN, INT_MIN, INT_MIN, 0, 0, 0}, 1, 2},
-      {orxDateTimeFull, {2000, 1, 1, 24, 0, 0}, 1, 4},
-      {orxDateTimeTime, {2000, 1, 1, 23, 60, 0}, 1, 5},
-      {orxDateTimeTime, {2000, 1, 1, 23, 59, 60}, 1, 6},
-      {orxDateTimeDate, {2000, 1, 1, 24, 0, 0}, 1, 0},  // this kind has no time to diagnose
-      {orxDateTimeNumber, {2000, 13, 1, 0, 0, 0}, 1, 0},
+      {orxDateTimeFull, {1900, 2, 29, 0, 0, 0}, 1, 1, {}},  // reported as an invalid month
+      {orxDateTimeDate, {2001, 2, 29, 0, 0, 0}, 1, 3, {}},
+      {orxDateTimeFull, {2001, 13, 1, 0, 0, 0}, 1, 1, {}},
+      {orxDateTimeFull, {10000, 1, 1, 0, 0, 0}, 1, 2, {}},
+      {orxDateTimeFull, {INT_MIN, INT_MIN, INT_MIN, 0, 0, 0}, 1, 2, {}},
+      {orxDateTimeFull, {2000, 1, 1, 24, 0, 0}, 1, 4, {}},
+      {orxDateTimeTime, {2000, 1, 1, 23, 60, 0}, 1, 5, {}},
+      {orxDateTimeTime, {2000, 1, 1, 23, 59, 60}, 1, 6, {}},
+      {orxDateTimeDate, {2000, 1, 1, 24, 0, 0}, 1, 0, {}},  // this kind has no time to diagnose
+      {orxDateTimeNumber, {2000, 13, 1, 0, 0, 0}, 1, 0, {}},
   };
-  for (const auto& c : cases) {
-    orxDateTime record{7, orxYearMonthDay, static_cast<int16_t>(c.kind), 99};
-    EXPECT_EQ(set(record, c.fields), c.result);
-    EXPECT_EQ(record.errorCode, c.code) << ::testing::PrintToString(c.fields);
-    EXPECT_EQ(c.result == 0 ? fields_of(record.value) : Fields{}, c.read);
+  for (const auto& [kind, fields, result, code, read] : cases) {
+    orxDateTime record{7, orxYearMonthDay, static_cast<int16_t>(kind), 99};
+    EXPECT_EQ(set(record, fields), result);
+    EXPECT_EQ(record.errorCode, code) << ::testing::PrintToString(fields);
+    EXPECT_EQ(result == 0 ? fields_of(record.value) : Fields{}, read);
   }
   for (const auto& [kind, code] :
        {std::pair<int, int>(orxDateTimeFull, 2), {orxDateTimeDate, 0}, {orxDateTimeTime, 4}}) {

@@ -2,45 +2,34 @@
 
 #include <gtest/gtest.h>
 #include <tests/support/failing_memory.h>
+#include <tests/support/geometry.h>
 
-#include <algorithm>
-#include <bit>
-#include <cerrno>
-#include <climits>
+#include <array>
 #include <cmath>
-#include <cstdint>
+
+using namespace orx::testing;
 
 namespace {
 
 constexpr double kNan = NAN, kInf = INFINITY, kLow = BBOX_EMPTY_MIN, kHigh = BBOX_EMPTY_MAX;
 constexpr bbox kEmpty = {{kLow, kLow, kLow}, {kHigh, kHigh, kHigh}};
 
-// Compares bits, so that 0 and -0 differ.
-bool same(const double* a, const double* b, std::size_t count) {
-  return std::equal(a, a + count, b, [](double x, double y) {
-    return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
-  });
-}
-
 void expect_box(const bbox& box, const bbox& expected) {
   EXPECT_TRUE(same(box.min, expected.min, 3) && same(box.max, expected.max, 3))
-      << "x " << box.min[0] << " to " << box.max[0] << ", y " << box.min[1] << " to " << box.max[1] << ", z "
-      << box.min[2] << " to " << box.max[2];
+      << testing::PrintToString(box.min) << " to " << testing::PrintToString(box.max);
 }
 
 TEST(BoundingBox, GrowsAroundPoints) {
-  const struct {
-    double point[3];
-    bbox box;
-  } steps[] = {{{kNan, kNan, kNan}, kEmpty},
-               {{1, 2, 0.0}, {{1, 2, 0.0}, {1, 2, 0.0}}},
-               {{0, 5, -0.0}, {{0, 2, 0.0}, {1, 5, 0.0}}},  // neither zero is greater
-               {{-2, kNan, -1}, {{-2, 2, -1}, {1, 5, 0.0}}},
-               {{2e15, -2e15, kInf}, {{-2, -2e15, -1}, {2e15, 5, kInf}}}};
+  const std::pair<std::array<double, 3>, bbox> steps[] = {
+      {{kNan, kNan, kNan}, kEmpty},
+      {{1, 2, 0.0}, {{1, 2, 0.0}, {1, 2, 0.0}}},
+      {{0, 5, -0.0}, {{0, 2, 0.0}, {1, 5, 0.0}}},  // neither zero is greater
+      {{-2, kNan, -1}, {{-2, 2, -1}, {1, 5, 0.0}}},
+      {{2e15, -2e15, kInf}, {{-2, -2e15, -1}, {2e15, 5, kInf}}}};
   bbox box;
   bbox_init(&box);
   for (const auto& [point, expected] : steps) {
-    bbox_update(&box, point);
+    bbox_update(&box, point.data());
     expect_box(box, expected);
   }
 }
@@ -66,19 +55,13 @@ TEST(BoundingBox, GrowsAroundBoxesAndByDistances) {
 
 TEST(BoundingBox, TouchingIntersectsInPlanAndInSpace) {
   const bbox box = {{0, 0, 0}, {2, 4, 6}};
-  const struct {
-    bbox other;
-    int in_plan, in_space;
-  } cases[] = {{{{1, 1, 1}, {9, 9, 9}}, 1, 1},
-               {{{2, 4, 6}, {3, 5, 7}}, 1, 1},  // a corner
-               {{{std::nextafter(2, 3), 0, 0}, {3, 4, 6}}, 0, 0},
-               {{{0, 4.5, 0}, {2, 5, 6}}, 0, 0},
-               {{{0, 0, 7}, {2, 4, 8}}, 1, 0},
-               {{{-kInf, -kInf, -kInf}, {kInf, kInf, kInf}}, 1, 1},
-               {{{kNan, 1, kNan}, {kNan, 1, kNan}}, 1, 1},
-               {kEmpty, 0, 0}};
-  for (const auto& [other, in_plan, in_space] : cases) {
-    SCOPED_TRACE(&other - &cases[0].other);
+  using Row = std::tuple<bbox, int, int>;
+  for (const auto& [other, in_plan, in_space] :
+       {Row{{{1, 1, 1}, {9, 9, 9}}, 1, 1}, Row{{{2, 4, 6}, {3, 5, 7}}, 1, 1},  // a corner
+        Row{{{std::nextafter(2, 3), 0, 0}, {3, 4, 6}}, 0, 0}, Row{{{0, 4.5, 0}, {2, 5, 6}}, 0, 0},
+        Row{{{0, 0, 7}, {2, 4, 8}}, 1, 0}, Row{{{-kInf, -kInf, -kInf}, {kInf, kInf, kInf}}, 1, 1},
+        Row{{{kNan, 1, kNan}, {kNan, 1, kNan}}, 1, 1}, Row{kEmpty, 0, 0}}) {
+    SCOPED_TRACE(testing::PrintToString(other.min));
     EXPECT_EQ(bboxes_intersect_2d(&box, &other), in_plan);
     EXPECT_EQ(bboxes_intersect_2d(&other, &box), in_plan);
     EXPECT_EQ(bboxes_intersect(&box, &other), in_space);
@@ -93,41 +76,31 @@ TEST(BoundingBox, TouchingIntersectsInPlanAndInSpace) {
 TEST(BoundingBox, GetsCornersUnlessAnArgumentIsNull) {
   const bbox box = {{1, 2, 3}, {4, 5, 6}};
   const double expected[24] = {1, 1, 1, 1, 4, 4, 4, 4, 2, 2, 5, 5, 2, 2, 5, 5, 3, 6, 6, 3, 3, 6, 6, 3};
-  double corners[24] = {}, values[6] = {};
+  double c[24] = {}, v[6] = {};
   const double none[24] = {};
-  for (int null = 0; null <= 7; ++null) {  // 7: no argument is null
-    EXPECT_TRUE(same(values, none, 6) && same(corners, none, 24));
-    const auto out = [&](int i) { return null == i ? nullptr : values + i - 1; };
-    const auto axis = [&](int i) { return null == i ? nullptr : corners + 8 * (i - 1); };
-    const bbox* const in = null == 0 ? nullptr : &box;
-    EXPECT_EQ(bbox_get_min_max(in, out(1), out(2), out(3), out(4), out(5), out(6)), null == 7 ? 0 : -1);
-    if (null >= 4 && null < 7) continue;
-    EXPECT_EQ(bbox_get_corner_points(in, axis(1), axis(2), axis(3)), null == 7 ? 0 : -1);
-  }
-  EXPECT_TRUE(same(values, box.min, 3) && same(values + 3, box.max, 3) && same(corners, expected, 24));
+  expect_refuses_each_null(-1, bbox_get_min_max, &box, v, v, v, v, v, v);
+  expect_refuses_each_null(-1, bbox_get_corner_points, &box, c, c, c);
+  EXPECT_TRUE(same(v, none, 6) && same(c, none, 24));
+  EXPECT_EQ(bbox_get_min_max(&box, v, v + 1, v + 2, v + 3, v + 4, v + 5), 0);
+  EXPECT_EQ(bbox_get_corner_points(&box, c, c + 8, c + 16), 0);
+  EXPECT_TRUE(same(v, box.min, 3) && same(v + 3, box.max, 3) && same(c, expected, 24));
 }
 
 TEST(BoundingBox, HandlesNullAndOutOfMemory) {
   const bbox box = {{1, 2, 3}, {4, 5, 6}};
   bbox kept = box;
-  EXPECT_EQ(bbox_update_from_bbox(nullptr, &box) + bbox_update_from_bbox(&kept, nullptr), 0);
+  expect_refuses_each_null(0, bbox_update_from_bbox, &kept, &box);
   expect_box(kept, box);
   EXPECT_EQ(bbox_init(nullptr) + bbox_update(nullptr, box.min) + bbox_update_from_xyz(nullptr, 1, 2, 3), 0);
   EXPECT_EQ(bbox_expand(nullptr, 1) + bbox_percent_expand(nullptr, 1) + bbox_free(nullptr), 0);
-  for (const auto& test : {bboxes_intersect, bboxes_intersect_2d}) {
-    EXPECT_EQ(test(nullptr, &box) + test(&box, nullptr), 0);
-  }
-  for (const auto& test : {bbox_pnt_intersect, bbox_xy_pnt_intersect}) {
-    EXPECT_EQ(test(nullptr, box.min) + test(&box, nullptr), 0);
-  }
+  for (const auto& test : {bboxes_intersect, bboxes_intersect_2d})
+    expect_refuses_each_null(0, test, &box, &box);
+  for (const auto& test : {bbox_pnt_intersect, bbox_xy_pnt_intersect})
+    expect_refuses_each_null(0, test, &box, box.min);
   bbox* const made = bbox_new();
   expect_box(*made, kEmpty);
   bbox_free(made);
-  errno = 7;
-  orx::testing::allocations_left = 0;
-  EXPECT_EQ(bbox_new(), nullptr);
-  orx::testing::allocations_left = INT_MAX;
-  EXPECT_EQ(errno, 7);
+  EXPECT_EQ(orx::testing::without_memory(bbox_new), nullptr);
 }
 
 }  // namespace

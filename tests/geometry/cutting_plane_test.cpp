@@ -2,18 +2,15 @@
 
 #include <gtest/gtest.h>
 #include <tests/support/failing_memory.h>
+#include <tests/support/geometry.h>
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cerrno>
-#include <climits>
 #include <cmath>
-#include <cstdint>
 #include <iterator>
 #include <random>
-#include <utility>
-#include <vector>
+
+using namespace orx::testing;
 
 namespace {
 
@@ -33,14 +30,6 @@ void seed(cutplane& cut, const Point& from, const Point& to) {
   EXPECT_EQ(cutplane_seed_line_segment(&cut, from[0], from[1], from[2], to[0], to[1], to[2]), 0);
 }
 
-// Compares bits, so that 0 and -0 differ. All NaNs are equal.
-bool same(const double* a, const double* b, std::size_t count) {
-  return std::equal(a, a + count, b, [](double x, double y) {
-    return (std::isnan(x) && std::isnan(y)) ||
-           std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
-  });
-}
-
 TEST(CuttingPlane, SeedingComputesCoefficientsAndDirections) {
   cutplane cut = plane_through({1, 2, 3}, {2, 4, 5}, {3, 3, 1});
   EXPECT_TRUE(same(cut.plane, std::begin({-6., 6., -3., 3.}), 4) && cut.normal_len == 9);
@@ -56,34 +45,6 @@ TEST(CuttingPlane, SeedingComputesCoefficientsAndDirections) {
   double p[9];
   EXPECT_EQ(cutplane_get_plane_points(&cut, p, p + 1, p + 2, p + 3, p + 4, p + 5, p + 6, p + 7, p + 8), 0);
   EXPECT_TRUE(same(p, std::begin({1., 2., 3., 2., 4., 7., 3., 6., 11.}), 9));
-}
-
-TEST(CuttingPlane, HorizontalPlaneCutsTheUnitCube) {
-  const bbox cube = {{0, 0, 0}, {1, 1, 1}};
-  using Corners = std::vector<std::pair<double, double>>;  // x and y of the points
-  const struct {
-    double z;
-    int is_between;  // the corners are on both sides
-    Corners points;
-  } cases[] = {
-      {0.5, 1, {{0, 0}, {0, 1}, {1, 0}, {1, 1}}},
-      // Each of the four corners comes from every edge that ends there, or that begins there in the plane.
-      {0, 0, {{0, 0}, {0, 1}, {0, 1}, {1, 0}, {1, 1}, {1, 1}, {0, 0}, {0, 1}}},
-      {2, 0, {}}};
-  for (const auto& [z, is_between, points] : cases) {
-    cutplane cut = plane_through({0, 0, z}, {1, 0, z}, {0, 1, z});
-    double xs[12], ys[12], zs[12];
-    const int count = cutplane_intersect_bbox_lines(&cut, &cube, xs, ys, zs);
-    Corners found;
-    for (int i = 0; i < count; ++i) found.emplace_back(xs[i], ys[i]);
-    EXPECT_EQ(found, points) << z;
-    EXPECT_EQ(std::count(zs, zs + count, z), count);
-    EXPECT_EQ(cutplane_intersects_bbox(&cut, &cube), is_between) << z;
-    EXPECT_EQ(cutplane_set_plane_bbox(&cut, &cube), points.empty() ? 1 : 0) << z;
-    if (count == 0) continue;
-    const bbox expected = {{0, 0, z}, {1, 1, z}};
-    EXPECT_TRUE(same(cut.plane_bbox.min, expected.min, 6)) << z;
-  }
 }
 
 // The corners that each edge joins.
@@ -166,9 +127,8 @@ TEST(CuttingPlane, AgreesWithItsModelToTheLastBit) {
 
     const int crossed = cut_one_by_one(model, box, true, expected);
     bbox_init(&model.plane_bbox);
-    for (int i = 0; i < crossed; ++i) {
+    for (int i = 0; i < crossed; ++i)
       bbox_update_from_xyz(&model.plane_bbox, expected[0][i], expected[1][i], expected[2][i]);
-    }
     EXPECT_EQ(cutplane_set_plane_bbox(&cut, &box), crossed > 0 ? 0 : 1);
     EXPECT_TRUE(same(cut.seg_x, model.seg_x, kDoubles));
     seed(cut, point(), point());
@@ -204,24 +164,13 @@ TEST(CuttingPlane, HandlesNullAndOutOfMemory) {
   EXPECT_TRUE(cutplane_init(&cleared) == 0 && same(cleared.seg_x, zeros.seg_x, kDoubles));
   const bbox box = {{-1, -1, -1}, {1, 1, 1}};
   double v[9] = {};
-  for (int null = 0; null < 10; ++null) {
-    cutplane* const in = null == 0 ? nullptr : &cut;
-    const auto out = [&](int i) { return null == i ? nullptr : v + i - 1; };
-    EXPECT_EQ(
-        cutplane_get_plane_points(in, out(1), out(2), out(3), out(4), out(5), out(6), out(7), out(8), out(9)),
-        1);
-    if (null < 5) {
-      EXPECT_EQ(cutplane_get_last_t_xyz(in, out(1), out(2), out(3), out(4)), -1);
-    }
-    if (null < 4) {
-      EXPECT_EQ(cutplane_intersect_line(in, out(1), out(2), out(3)), 0);
-      EXPECT_EQ(cutplane_intersect_segment(in, out(1), out(2), out(3)), 0);
-      EXPECT_EQ(cutplane_intersect_bbox_lines(in, &box, out(1), out(2), out(3)), 0);
-    }
-  }
-  EXPECT_EQ(cutplane_intersects_bbox(nullptr, &box) + cutplane_intersects_bbox(&cut, nullptr), 0);
-  EXPECT_EQ(cutplane_set_plane_bbox(nullptr, &box) + cutplane_set_plane_bbox(&cut, nullptr), 2);
-  EXPECT_EQ(cutplane_intersect_bbox_lines(&cut, nullptr, v, v, v), 0);
+  expect_refuses_each_null(1, cutplane_get_plane_points, &cut, v, v, v, v, v, v, v, v, v);
+  expect_refuses_each_null(-1, cutplane_get_last_t_xyz, &cut, v, v, v, v);
+  expect_refuses_each_null(0, cutplane_intersect_line, &cut, v, v, v);
+  expect_refuses_each_null(0, cutplane_intersect_segment, &cut, v, v, v);
+  expect_refuses_each_null(0, cutplane_intersect_bbox_lines, &cut, &box, v, v, v);
+  expect_refuses_each_null(0, cutplane_intersects_bbox, &cut, &box);
+  expect_refuses_each_null(1, cutplane_set_plane_bbox, &cut, &box);
   EXPECT_TRUE(same(made->seg_x, cut.seg_x, kDoubles));
   EXPECT_EQ(*std::max_element(v, v + 9), 0);
   EXPECT_EQ(cutplane_seed_plane(nullptr, 0, 0, 0, 1, 0, 0, 0, 1, 0), nullptr);
@@ -229,11 +178,7 @@ TEST(CuttingPlane, HandlesNullAndOutOfMemory) {
   EXPECT_EQ(cutplane_normalize(nullptr), 1);
   EXPECT_EQ(cutplane_distance_to_point(nullptr, 1, 2, 3), 0);
   EXPECT_EQ(cutplane_init(nullptr) + cutplane_free(nullptr) + cutplane_free(made), 0);
-  errno = 7;
-  orx::testing::allocations_left = 0;
-  EXPECT_EQ(cutplane_new(), nullptr);
-  orx::testing::allocations_left = INT_MAX;
-  EXPECT_EQ(errno, 7);
+  EXPECT_EQ(orx::testing::without_memory(cutplane_new), nullptr);
 }
 
 }  // namespace

@@ -66,9 +66,8 @@ std::function<void()> before_writing;
 
 // Calls `before_writing` once, when the connection begins a transaction that writes.
 int trace(unsigned /*event*/, void* /*context*/, void* /*statement*/, void* sql) {
-  if (before_writing && std::strcmp(static_cast<const char*>(sql), "BEGIN IMMEDIATE") == 0) {
+  if (before_writing && std::strcmp(static_cast<const char*>(sql), "BEGIN IMMEDIATE") == 0)
     std::exchange(before_writing, nullptr)();
-  }
   return 0;
 }
 

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -29,32 +30,28 @@ double degrees_read(int mode, const std::string& text, int packed) {
 }
 
 TEST(AngleText, WritesColumnsThatNeverShowSixty) {
-  struct Row {
-    double degrees;
-    const char *colons, *packed;
-  };
+  using Row = std::pair<double, std::string>;
   const std::pair<int, std::vector<Row>> modes[] = {
-      {zelDegrees, {Row{45, " 45.00000000", " 45.00000000"}}},
-      {zelRadians, {Row{180, "  3.14159265", "  3.14159265"}}},
-      {zelGrads, {Row{-90, "-100.00000000", "-100.00000000"}}},
+      {zelDegrees, {Row{45, " 45.00000000"}}},
+      {zelRadians, {Row{180, "  3.14159265"}}},
+      {zelGrads, {Row{-90, "-100.00000000"}}},
       // The sign of 0 degrees is lost, seconds are truncated, almost a second, a second, a degree.
       {zelDegreesMinutesSeconds,
-       {Row{-45.5, " -45:30: 0", " -4530 0"}, Row{-0.5, "   0:30: 0", "   030 0"},
-        Row{10 + 5.99 / 3600, "  10: 0: 5", "  10 0 5"}, Row{0.5 - 5e-15, "   0:30: 0", "   030 0"},
-        Row{1 - 2e-14, "   1: 0: 0", "   1 0 0"}}},
+       {Row{-45.5, " -45:30: 0"}, Row{-0.5, "   0:30: 0"}, Row{10 + 5.99 / 3600, "  10: 0: 5"},
+        Row{0.5 - 5e-15, "   0:30: 0"}, Row{1 - 2e-14, "   1: 0: 0"}}},
       // Minutes of 60, 59.999997 and 59.999994; degrees that are wider than their column.
       {zelDegreesDecimalMinutes,
-       {Row{1 - 5e-15, "   1: 0.00000", "   1 0.00000"}, Row{29.99999995, "  30: 0.00000", "  30 0.00000"},
-        Row{29.9999999, "  29:59.99999", "  2959.99999"},
-        Row{-12345.25, "-12345:15.00000", "-1234515.00000"}}},
+       {Row{1 - 5e-15, "   1: 0.00000"}, Row{29.99999995, "  30: 0.00000"}, Row{29.9999999, "  29:59.99999"},
+        Row{-12345.25, "-12345:15.00000"}}},
       // Seconds of 59.9999, 59.9996 and 59.9949.
       {zelDegreesMinutesDecimalSeconds,
-       {Row{10.999999972, "  11: 0: 0.00", "  11 0 0.00"}, Row{10.5 - 1e-7, "  10:30: 0.00", "  1030 0.00"},
-        Row{-3.9999985834, "  -3:59:59.99", "  -35959.99"}}}};
+       {Row{10.999999972, "  11: 0: 0.00"}, Row{10.5 - 1e-7, "  10:30: 0.00"},
+        Row{-3.9999985834, "  -3:59:59.99"}}}};
   for (const auto& [mode, rows] : modes) {
-    for (const auto& [degrees, colons, packed] : rows) {
-      EXPECT_EQ(written(mode, degrees / 180 * kPi, 0), colons) << mode;
-      EXPECT_EQ(written(mode, degrees / 180 * kPi, 1), packed) << mode;
+    for (auto [degrees, text] : rows) {
+      EXPECT_EQ(written(mode, degrees / 180 * kPi, 0), text) << mode;
+      std::erase(text, ':');
+      EXPECT_EQ(written(mode, degrees / 180 * kPi, 1), text) << mode;
     }
   }
 }
@@ -62,26 +59,19 @@ TEST(AngleText, WritesColumnsThatNeverShowSixty) {
 TEST(AngleText, WritesHugeAnglesAndUnknownModes) {
   const std::string digits = written(zelDegrees, 1e300, 0);
   EXPECT_EQ(digits.substr(0, 12) + "+" + std::to_string(digits.size()), "572957795130+49");
-  const std::tuple<int, double, int, std::string> kRows[] = {
-      {zelDegreesMinutesDecimalSeconds, 1e300, 0, digits},
-      {zelDegrees, kInfinity, 0, "         inf"},
-      {zelDegreesMinutesSeconds, -kInfinity, 0, "-inf: 0: 0"},
-      {zelNoAngle, 1, 0, ""},
-      {zelDegreesDecimalMinutes, kInfinity, 1, " inf 0.00000"},
-      {zelDegreesMinutesDecimalSeconds, std::nan(""), 0, " nan: 0: 0.00"},
-      {9, 1, 0, ""},
-      {zelGrads, kPi, 2, "200.00000000"},
-      {zelDegreesMinutesSeconds, 1, 2, ""}};
-  for (const auto& [mode, angle, packed, text] : kRows) EXPECT_EQ(written(mode, angle, packed), text) << mode;
+  using Row = std::tuple<int, double, int, std::string>;
+  for (const auto& [mode, angle, packed, text] :
+       {Row{zelDegreesMinutesDecimalSeconds, 1e300, 0, digits}, Row{zelDegrees, kInfinity, 0, "         inf"},
+        Row{zelDegreesMinutesSeconds, -kInfinity, 0, "-inf: 0: 0"}, Row{zelNoAngle, 1, 0, ""},
+        Row{zelDegreesDecimalMinutes, kInfinity, 1, " inf 0.00000"},
+        Row{zelDegreesMinutesDecimalSeconds, std::nan(""), 0, " nan: 0: 0.00"}, Row{9, 1, 0, ""},
+        Row{zelGrads, kPi, 2, "200.00000000"}, Row{zelDegreesMinutesSeconds, 1, 2, ""}})
+    EXPECT_EQ(written(mode, angle, packed), text) << mode;
   EXPECT_EQ(zel_convert_ang_to_str(zelDegrees, 1, 0, nullptr), nullptr);
 }
 
 TEST(AngleText, ReadsMissingColumnsAsZero) {
-  struct Row {
-    const char* text;
-    int packed;
-    double degrees;
-  };
+  using Row = std::tuple<const char*, int, double>;
   const std::pair<int, std::vector<Row>> modes[] = {
       {zelDegrees, {Row{" 1.5x", 1, 1.5}, Row{"inf", 0, 0}}},
       {zelRadians, {Row{"3.141592653589793", 0, 180}}},
@@ -97,30 +87,26 @@ TEST(AngleText, ReadsMissingColumnsAsZero) {
       {zelDegreesMinutesDecimalSeconds,
        {Row{"-1:30:36", 0, -1.51}, Row{"-0:30:00", 0, 0.5}, Row{" -453036.00", 1, -45.51}}}};
   for (const auto& [mode, rows] : modes) {
-    for (const auto& [text, packed, degrees] : rows) {
+    for (const auto& [text, packed, degrees] : rows)
       EXPECT_DOUBLE_EQ(degrees_read(mode, text, packed), degrees) << mode << ' ' << text;
-    }
   }
   EXPECT_EQ(zel_convert_str_to_ang(zelDegreesMinutesSeconds, nullptr, 1), 0);
   EXPECT_EQ(written(zelRadians, zel_convert_str_to_ang(zelRadians, "-0", 0), 0), " -0.00000000");
   for (const char c : {' ', '9', ':'}) {
     std::string text;
     text.resize(10'000'000, c);
-    for (const int packed : {0, 1}) {
+    for (const int packed : {0, 1})
       EXPECT_EQ(degrees_read(zelDegreesMinutesSeconds, text, packed), c == '9' ? kInfinity : 0) << c;
-    }
   }
 }
 
 TEST(AngleText, InsertsColonsAsFarAsTheTextReaches) {
-  const std::tuple<int, const char*, const char*> kRows[] = {
-      {zelDegreesMinutesSeconds, "  4530 0", "  45:30: 0"},
-      {zelDegreesMinutesDecimalSeconds, "  453", "  45:3"},
-      {zelDegreesDecimalMinutes, "  4530.0", "  45:30.0"},
-      {zelDegreesMinutesSeconds, "", ":"},
-      {zelDegreesDecimalMinutes, "123", "123"},
-      {zelDegrees, "  4530", "  4530"}};
-  for (const auto& [mode, text, expected] : kRows) {
+  using Row = std::tuple<int, const char*, const char*>;
+  for (const auto& [mode, text, expected] :
+       {Row{zelDegreesMinutesSeconds, "  4530 0", "  45:30: 0"},
+        Row{zelDegreesMinutesDecimalSeconds, "  453", "  45:3"},
+        Row{zelDegreesDecimalMinutes, "  4530.0", "  45:30.0"}, Row{zelDegreesMinutesSeconds, "", ":"},
+        Row{zelDegreesDecimalMinutes, "123", "123"}, Row{zelDegrees, "  4530", "  4530"}}) {
     std::string buffer(text);
     buffer.resize(buffer.size() + 2);
     insert_colon_to_ang_str(mode, buffer.data());

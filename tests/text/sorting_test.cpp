@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <numeric>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -34,43 +35,35 @@ int sort_and_compare(int i, int j) {
   const std::string outer_calls = calls;
   const Values outer = std::exchange(values, {2, 3, 1});
   qksort(2, compare, swap);
-  sm_sort(3, compare, swap);
+  EXPECT_EQ(sm_sort(3, compare, swap), 0);
   EXPECT_EQ(std::exchange(values, outer), (Values{1, 2, 3}));
   calls = outer_calls;
   return compare(i, j);
 }
 
 TEST(Sorting, CallsComeInADefinedOrder) {
-  const struct {
-    Values values;
-    const char *quick, *shell;
-  } cases[] = {
-      {{}, "", ""},
-      {{7}, "", ""},
-      {{1, 1}, " c10", " c01"},
-      {{1, 2, 3, 4}, " c30 c20 c10 c31 c21 c32", " c02 c13 c01 c12 c23"},
-      {{3, 1, 2}, " c20 s20 c02 c12 c10 s10 c01", " c01 s01 c12 s12 c01"},
-      {{2, 3, 1}, " c20 s20 c02 c12 s12 c21", " c01 c12 s12 c01 s01"},
-      {{3, 2, 1, 5, 4},  // with parts on both sides of the first pivot
-       " c40 c30 c20 s20 c02 c12 c10 c43 s43 c34",
-       " c02 s02 c13 c24 c01 c12 c23 c34 s34 c23"},
-      {{5, 4, 3, 2, 1},
-       " c40 s40 c04 c14 c24 c34 c30 c20 c10 c31 s31 c13 c23 c21",
-       " c02 s02 c13 s13 c24 s24 c02 s02 c01 c12 c23 c34"},
-  };
-  for (const auto& c : cases) {
+  using Row = std::tuple<Values, const char*, const char*>;
+  for (const auto& [input, quick, shell] :
+       {Row{{}, "", ""}, Row{{7}, "", ""}, Row{{1, 1}, " c10", " c01"},
+        Row{{1, 2, 3, 4}, " c30 c20 c10 c31 c21 c32", " c02 c13 c01 c12 c23"},
+        Row{{3, 1, 2}, " c20 s20 c02 c12 c10 s10 c01", " c01 s01 c12 s12 c01"},
+        Row{{2, 3, 1}, " c20 s20 c02 c12 s12 c21", " c01 c12 s12 c01 s01"},
+        Row{{3, 2, 1, 5, 4},  // with parts on both sides of the first pivot
+            " c40 c30 c20 s20 c02 c12 c10 c43 s43 c34",
+            " c02 s02 c13 c24 c01 c12 c23 c34 s34 c23"},
+        Row{{5, 4, 3, 2, 1},
+            " c40 s40 c04 c14 c24 c34 c30 c20 c10 c31 s31 c13 c23 c21",
+            " c02 s02 c13 s13 c24 s24 c02 s02 c01 c12 c23 c34"}}) {
     for (const auto order : {compare, sort_and_compare}) {
-      const int n = static_cast<int>(c.values.size());
-      calls.clear();
-      values = c.values;
-      qksort(n, order, swap);
-      EXPECT_EQ(calls, c.quick) << testing::PrintToString(c.values);
-      EXPECT_TRUE(std::is_sorted(values.begin(), values.end())) << testing::PrintToString(values);
-      calls.clear();
-      values = c.values;
-      EXPECT_EQ(sm_sort(n, order, swap), 0);
-      EXPECT_EQ(calls, c.shell) << testing::PrintToString(c.values);
-      EXPECT_TRUE(std::is_sorted(values.begin(), values.end())) << testing::PrintToString(values);
+      const auto expect_sorts = [&, &unsorted = input](auto sort, const char* expected) {
+        calls.clear();
+        values = unsorted;
+        sort(static_cast<int>(values.size()), order, swap);
+        EXPECT_EQ(calls, expected) << testing::PrintToString(unsorted);
+        EXPECT_TRUE(std::is_sorted(values.begin(), values.end())) << testing::PrintToString(values);
+      };
+      expect_sorts(qksort, quick);
+      expect_sorts(sm_sort, shell);
     }
   }
 }

@@ -24,28 +24,20 @@ TEST(Strings, TrimRemovesOnlyBlanks) {
 }
 
 TEST(Strings, DeleteAndInsertIgnoreIndicesOutside) {
-  const struct {
-    const char* text;
-    int position;
-    const char *deleted, *inserted;
-  } kRows[] = {{"abc", 0, "bc", "xabc"},
-               {"abc", 3, "abc", "abcx"},
-               {"abc", 4, "abc", "abc"},
-               {"abc", INT_MIN, "abc", "abc"},
-               {"", -1, "", "x"}};
-  for (const auto& row : kRows) {
-    EXPECT_STREQ(delchar(Buffer(row.text).chars, row.position), row.deleted) << row.position;
-    EXPECT_STREQ(inschar(Buffer(row.text).chars, 'x', row.position), row.inserted) << row.position;
+  using Row = std::tuple<const char*, int, const char*, const char*>;
+  for (const auto& [text, position, deleted, inserted] :
+       {Row{"abc", 0, "bc", "xabc"}, Row{"abc", 3, "abc", "abcx"}, Row{"abc", 4, "abc", "abc"},
+        Row{"abc", INT_MIN, "abc", "abc"}, Row{"", -1, "", "x"}}) {
+    EXPECT_STREQ(delchar(Buffer(text).chars, position), deleted) << position;
+    EXPECT_STREQ(inschar(Buffer(text).chars, 'x', position), inserted) << position;
   }
 }
 
 TEST(Strings, BoundedPrintAlwaysTerminates) {
-  const std::tuple<std::size_t, const char*, int, const char*> kRows[] = {{4, "abcdef", -1, "abcd"},
-                                                                          {4, "abcd", 4, "abcd"},
-                                                                          {4, "ab", 2, "ab"},
-                                                                          {SIZE_MAX, "ab", 2, "ab"},
-                                                                          {0, "ab", -1, "#####"}};
-  for (const auto& [n, text, result, stored] : kRows) {
+  using Row = std::tuple<std::size_t, const char*, int, const char*>;
+  for (const auto& [n, text, result, stored] :
+       {Row{4, "abcdef", -1, "abcd"}, Row{4, "abcd", 4, "abcd"}, Row{4, "ab", 2, "ab"},
+        Row{SIZE_MAX, "ab", 2, "ab"}, Row{0, "ab", -1, "#####"}}) {
     Buffer buffer("#####");
     EXPECT_EQ(ORX_snprintf(buffer.chars, n, "%s", text), result);
     EXPECT_STREQ(buffer.chars, stored);

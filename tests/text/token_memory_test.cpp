@@ -2,38 +2,18 @@
 #include <orx/text/token_parser.h>
 
 #include <gtest/gtest.h>
-
-#include <cerrno>
-#include <climits>
-#include <cstddef>
-
-namespace {
-
-int allocations_left = INT_MAX;
-
-}  // namespace
+#include <tests/support/failing_memory.h>
 
 extern "C" void* __real_malloc(std::size_t size);
-
 extern "C" void* __wrap_malloc(std::size_t size) {
-  if (allocations_left-- > 0) return __real_malloc(size);
-  errno = ENOMEM;
-  return nullptr;
+  return orx::testing::may_allocate() ? __real_malloc(size) : nullptr;
 }
-
-namespace {
 
 TEST(TokenParser, OutOfMemoryGivesNoTokens) {
-  errno = 0;
   for (const int allocations : {0, 1, 2, 3}) {
     int count = 7;
-    allocations_left = allocations;
-    char** const tokens = orx_token_parser("a:b:c", ":", &count);
-    allocations_left = INT_MAX;
-    EXPECT_EQ(tokens, nullptr);
+    const auto parse = [&] { return orx_token_parser("a:b:c", ":", &count); };
+    EXPECT_EQ(orx::testing::without_memory(parse, allocations), nullptr);
     EXPECT_EQ(count, 0);
   }
-  EXPECT_EQ(errno, 0);
 }
-
-}  // namespace

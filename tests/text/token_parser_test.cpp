@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -18,18 +19,12 @@ Texts split(const std::string& text, const char* delimiters) {
 }
 
 TEST(TokenParser, EveryDelimiterEndsAToken) {
-  const struct {
-    const char *text, *delimiters;
-    Texts tokens;
-  } kRows[] = {{"12:30:45", ":", {"12", "30", "45"}},
-               {"a::b", ":", {"a", "", "b"}},
-               {":a:", ":", {"", "a", ""}},
-               {"a;b,c", ";,", {"a", "b", "c"}},
-               {":", ":", {"", ""}},
-               {"a\xE9z\xFF", "\xE9\xFF", {"a", "z", ""}},
-               {"a b", "", {"a b"}},
-               {"a b", nullptr, {"a b"}}};
-  for (const auto& row : kRows) EXPECT_EQ(split(row.text, row.delimiters), row.tokens) << row.text;
+  using Row = std::tuple<const char*, const char*, Texts>;
+  for (const auto& [text, delimiters, tokens] :
+       {Row{"12:30:45", ":", {"12", "30", "45"}}, Row{"a::b", ":", {"a", "", "b"}},
+        Row{":a:", ":", {"", "a", ""}}, Row{"a;b,c", ";,", {"a", "b", "c"}}, Row{":", ":", {"", ""}},
+        Row{"a\xE9z\xFF", "\xE9\xFF", {"a", "z", ""}}, Row{"a b", "", {"a b"}}, Row{"a b", nullptr, {"a b"}}})
+    EXPECT_EQ(split(text, delimiters), tokens) << text;
 }
 
 TEST(TokenParser, AtMost25Tokens) {

@@ -21,25 +21,21 @@ orx::platform::LocalTime clock() {
 }
 
 TEST(UniqueKey, ConsistsOfStampAndCounter) {
-  const struct {
+  struct Row {
     int counter;
     const char *last_stamp, *key;
     int readings = 1, size = 32, order = orxYearMonthDay, four_digits = 0;
-  } cases[] = {{0, "", "240305235959000001"},
-               {41, kNow, "240305235959000042"},
-               {ORX_KEY_COUNTER_MAX - 1, kNow, "240305235959999999"},
-               {ORX_KEY_COUNTER_MAX, "240305235958", "240305235959000001"},
-               {ORX_KEY_COUNTER_MAX, "2403052359590", "240305235959000001"},
-               {ORX_KEY_COUNTER_MAX, kNow, "240306000000000001", 4},
-               {INT_MAX, kNow, "240306000000000001", 4},
-               {-8, kNow, "240305235959-00007"},
-               {INT_MIN, kNow, "240305235959-2147483647"},
-               {41, "", "240305235959", 1, 13},
-               {41, "", "", 1, 1},
-               {41, "", "20240305235959000042", 1, 32, orxYearMonthDay, 1},
-               {41, "", "03052024235959000042", 1, INT_MAX, orxMonthDayYear, 1}};
+  };
   orx::platform::replace_clock(clock);
-  for (const auto& c : cases) {
+  for (const auto& c : {Row{0, "", "240305235959000001"}, Row{41, kNow, "240305235959000042"},
+                        Row{ORX_KEY_COUNTER_MAX - 1, kNow, "240305235959999999"},
+                        Row{ORX_KEY_COUNTER_MAX, "240305235958", "240305235959000001"},
+                        Row{ORX_KEY_COUNTER_MAX, "2403052359590", "240305235959000001"},
+                        Row{ORX_KEY_COUNTER_MAX, kNow, "240306000000000001", 4},
+                        Row{INT_MAX, kNow, "240306000000000001", 4}, Row{-8, kNow, "240305235959-00007"},
+                        Row{INT_MIN, kNow, "240305235959-2147483647"}, Row{41, "", "240305235959", 1, 13},
+                        Row{41, "", "", 1, 1}, Row{41, "", "20240305235959000042", 1, 32, orxYearMonthDay, 1},
+                        Row{41, "", "03052024235959000042", 1, INT_MAX, orxMonthDayYear, 1}}) {
     char out[32], last_stamp[ORX_KEY_STAMP_SIZE];
     std::memset(out, '#', sizeof out);
     std::strcpy(last_stamp, c.last_stamp);
