@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstddef>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -24,12 +23,6 @@ struct FreeRecord {
 };
 
 using DateTime = std::unique_ptr<orxDateTime, FreeRecord>;
-
-// Results of orxDateTime_ParseString.
-constexpr int kNoNumber = 7;
-constexpr int kNoSpace = -1;
-
-constexpr std::size_t kTextSize = 64;  // more than the longest text of a date and time
 
 struct Choice {
   const char* word;
@@ -55,7 +48,7 @@ DateTime new_record(const DateArguments& arguments) {
 using Formatter = int (*)(const orxDateTime* dt, char* buf, int size);
 
 std::string format_text(const DateTime& record, Formatter format) {
-  std::array<char, kTextSize> text{};
+  std::array<char, ORX_DATE_TEXT_SIZE> text{};
   format(record.get(), text.data(), static_cast<int>(text.size()));
   return text.data();
 }
@@ -63,9 +56,9 @@ std::string format_text(const DateTime& record, Formatter format) {
 // `result` is that of orxDateTime_ParseString. The library has a text only for some invalid fields, such as
 // "Error: Invalid day.".
 std::string reason_of(const DateTime& record, int result) {
-  if (result == kNoNumber) return "the date contains no number";
-  if (result == kNoSpace) return "a space is needed between the date and the time";
-  std::array<char, 23> error{};
+  if (result == ORX_DATE_NO_NUMBER) return "the date contains no number";
+  if (result == ORX_DATE_NO_BLANK) return "a space is needed between the date and the time";
+  std::array<char, ORX_DATE_ERROR_TEXT_SIZE> error{};
   const bool is_known = orxDateTime_DiagnoseError(record.get(), error.data()) != 0;
   return is_known ? error.data() : "it is not a date or a time";
 }

@@ -1,6 +1,7 @@
 // The only source that includes CLI11, which compiles slowly.
 #include "options.h"
 
+#include <orx/text/unique_key.h>
 #include <orx/version.h>
 
 #include <CLI/CLI.hpp>
@@ -256,7 +257,7 @@ class CommandLine {
 
   void AddKeyCommands(CLI::App* key) {
     CLI::App* create = AddCommand(key, "new", "Generate unique keys", key_new, key_);
-    AddCount(create, key_.count, 1, 1, 999999, "The number of keys");
+    AddCount(create, key_.count, 1, 1, ORX_KEY_COUNTER_MAX, "The number of keys");
     AddJson(create, key_);
   }
 

@@ -35,7 +35,7 @@ enum {
 };
 
 // The greatest size of a value that is not a text, in bytes.
-enum { ORX_FIELD_VALUE_SIZE = 8 };
+#define ORX_FIELD_VALUE_SIZE 8
 
 // The special codes and their tokens, which may have blanks around them and letters in any case. The types
 // orxdbInteger, orxdbFloat and orxdbDouble have all of these codes. Dates, times, angles and orxdbNumber do

@@ -16,7 +16,7 @@ static void expect(int line, int condition) {
 static int confirm(void* a, void* b) { return a == b ? 7 : 8; }
 
 int main(void) {
-  char buffer[260] = "  pit  ";
+  char buffer[ORX_PATH_SIZE] = "  pit  ";
   VARIANT value;
   expect(__LINE__, trim(buffer) == buffer && strcmp(buffer, "pit") == 0);
   expect(__LINE__, ORX_snprintf(buffer, 8, "%.2f", 1234567.5) == -1 && strcmp(buffer, "1234567.") == 0);

@@ -58,7 +58,7 @@ Value date_text(const ValueKind& kind, const Imported& imported) {
   if (imported.result != 0 || imported.special != orxdbOrdinary) return {};
   const orxDateTime moment{std::get<double>(imported.value), orxYearMonthDay,
                            static_cast<std::int16_t>(kind.date_kind), 0};
-  std::array<char, 64> text{};
+  std::array<char, ORX_DATE_TEXT_SIZE> text{};
   orxDateTime_FormatSpecialFullLengthString(&moment, text.data(), static_cast<int>(text.size()));
   return text.data();
 }
