@@ -58,7 +58,7 @@ class CommandLine {
     command->description(help);
   }
 
-  // An empty argument must not count as one that was left out: in a script it is often an unset variable.
+  // An empty argument is refused, because in a script it is often a variable that is not set.
   static std::string RequireText(const std::string& text) { return text.empty() ? "it is empty" : ""; }
 
   template <class Arguments>

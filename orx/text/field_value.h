@@ -59,7 +59,7 @@ enum {
 //
 // `special` receives the special code and may be null. For orxdbBelow and orxdbAbove the value is the number
 // after the sign. If the text ends there, it is the value that `lowLimit` or `highLimit` points to, which has
-// the type of the field; null stands for 0. All other tokens have the value 0.
+// the type of the field; null means 0. All other tokens have the value 0.
 //
 // `subtype` depends on the type. An orxdbDouble is an angle if its subtype is 5 (degrees), 1 or 6 (degrees,
 // minutes and seconds), 7 (the same with decimal seconds), 8 (degrees and minutes), 9 (radians) or 10

@@ -69,8 +69,8 @@ TEST_F(DebugLog, IsInApplicationDataFolderUnlessStartedElsewhere) {
       {'i', [] { return halvark_log_debug_init(""); }},
       {'s', [&] { return halvark_log_debug_init(folder.suite_path("sub").c_str()); }},
       {'m', [&] { return halvark_log_debug_init(folder.suite_path("missing").c_str()) + 1; }}};
-  // The calls, and the contents of the three logs after them, without line ends. In the last row, the line of
-  // the thread log is the reason why the error starts the main log.
+  // The calls, and the contents of the three logs after them, without line ends. In the last row, the
+  // error starts the main log because the thread log was used before.
   const std::pair<std::string, std::string> cases[] = {
       {"wcw", "oww,,"}, {"tt", "o,tt,"},  {"iwi", "H,,"},     {"swte", "o,t,HwE"}, {"sie", "HE,,H"},
       {"e", "oE,,"},    {"mew", "HEw,,"}, {"smwe", "owE,,H"}, {"te", "HE,t,"}};

@@ -77,7 +77,8 @@ KeyName sub_key_of(const KeyName& key, const std::string& name) {
 
 void require_value(const KeyName& key, const std::string& name, LSTATUS status, Use use) {
   if (status != ERROR_FILE_NOT_FOUND) return require_success(key, status, use);
-  throw Failure(key.full, name.empty() ? "the key has no default value" : "has no value '" + name + "'");
+  throw Failure(key.full,
+                name.empty() ? "the key has no default value" : "the key has no value '" + name + "'");
 }
 
 StoredValue read_opened(HKEY opened, const KeyName& key, const std::string& name) {

@@ -37,8 +37,8 @@ bool value_from_text(const std::string& type, const std::string& text, StoredVal
                      std::string& reason);
 bool convert_data(const std::string& type, const StoredValue& value, Value& data, std::string& reason);
 
-// The bytes as the registry stores them. A text must not contain a NUL. The others return false for a number
-// that is not a dword, and for text that is not pairs of hexadecimal digits.
+// The bytes as the registry stores them. A text must not contain a NUL. dword_bytes returns false for a
+// number that does not fit, and bytes_of_hex for text that is not pairs of hexadecimal digits.
 std::string string_bytes(const std::string& text);
 bool dword_bytes(std::int64_t number, std::string& bytes);
 bool bytes_of_hex(const std::string& digits, std::string& bytes);

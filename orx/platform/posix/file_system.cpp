@@ -163,7 +163,7 @@ struct FileReplacement::State {
   Descriptor folder;
   Descriptor file;        // the temporary file, which this process has locked
   std::string name;       // of the file to replace, within the folder
-  std::string temporary;  // the name of the temporary file; empty: there is none to remove
+  std::string temporary;  // the name of the temporary file; empty when there is no file to remove
   std::string buffer;
   std::string refusal;  // in place: why there is no temporary file
   bool is_in_place = false;
@@ -200,8 +200,8 @@ struct FileReplacement::State {
     return folder.is_open() || fail(reason);
   }
 
-  // Refuses what is not a regular file, and a file that this user may not write: a rename would replace it
-  // all the same. The old file is not opened, because opening a pipe blocks.
+  // Refuses anything that is not a regular file, and a file that this user may not write, which a rename
+  // would replace nevertheless. The old file is not opened, because opening a pipe blocks.
   bool CheckOld(const struct stat& old, std::string& reason) const {
     if (S_ISDIR(old.st_mode)) return fail(reason, error_text(EISDIR));
     if (!S_ISREG(old.st_mode)) return fail(reason, "Not a regular file");
@@ -231,8 +231,8 @@ struct FileReplacement::State {
     return EEXIST;
   }
 
-  // Removes the temporary files that killed replacements of this file have left. Where the file system has no
-  // locks, none is removed, since its process may be alive.
+  // Removes the temporary files that killed replacements of this file have left. Removes nothing where the
+  // file system has no locks, because the process that writes a file may still run.
   void RemoveAbandoned() const {
     const int copy = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const Directory entries(copy >= 0 ? fdopendir(copy) : nullptr);  // owns `copy`

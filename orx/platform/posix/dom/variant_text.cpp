@@ -76,6 +76,21 @@ HRESULT store(std::string converted, std::string& text) {
   return S_OK;
 }
 
+// The result for a type that has no text.
+HRESULT error_for_type(VARTYPE type) {
+  switch (type) {
+    case VT_NULL:
+    case VT_ERROR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+    case VT_VARIANT:
+    case VT_RECORD:
+      return DISP_E_TYPEMISMATCH;
+    default:
+      return DISP_E_BADVARTYPE;
+  }
+}
+
 }  // namespace
 
 HRESULT variant_text(const VARIANT& value, std::string& text) {
@@ -117,15 +132,8 @@ HRESULT variant_text(const VARIANT& value, std::string& text) {
       return date_text(value.date, text);
     case VT_BSTR:
       return wide_text(value.bstrVal, text);
-    case VT_NULL:
-    case VT_ERROR:
-    case VT_DISPATCH:
-    case VT_UNKNOWN:
-    case VT_VARIANT:
-    case VT_RECORD:
-      return DISP_E_TYPEMISMATCH;
     default:
-      return DISP_E_BADVARTYPE;
+      return error_for_type(value.vt);
   }
 }
 
