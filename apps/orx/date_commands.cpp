@@ -6,10 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <iterator>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "commands.h"
 #include "failure.h"
@@ -29,19 +30,29 @@ struct Choice {
   int number;
 };
 
-constexpr Choice kOrders[] = {{"mdy", orxMonthDayYear}, {"dmy", orxDayMonthYear}, {"ymd", orxYearMonthDay}};
-constexpr Choice kKinds[] = {{"", orxDateTimeFull},
-                             {"datetime", orxDateTimeFull},
+// The first choice is the default.
+constexpr Choice kOrders[] = {{"ymd", orxYearMonthDay}, {"mdy", orxMonthDayYear}, {"dmy", orxDayMonthYear}};
+constexpr Choice kKinds[] = {{"datetime", orxDateTimeFull},
                              {"date", orxDateTimeDate},
                              {"time", orxDateTimeTime},
                              {"number", orxDateTimeNumber}};
 
+// The number of a word; the empty word is the first choice.
+int number_of(std::span<const Choice> choices, const std::string& word) {
+  if (word.empty()) return choices.front().number;
+  return std::ranges::find_if(choices, [&](const Choice& choice) { return choice.word == word; })->number;
+}
+
+std::vector<std::string> words_of(std::span<const Choice> choices) {
+  std::vector<std::string> words;
+  for (const Choice& choice : choices) words.emplace_back(choice.word);
+  return words;
+}
+
 DateTime new_record(const DateArguments& arguments) {
-  const auto is = [](const std::string& word) { return [&](const Choice& row) { return row.word == word; }; };
-  DateTime record(orxDateTime_New(std::ranges::find_if(kKinds, is(arguments.kind))->number));
+  DateTime record(orxDateTime_New(number_of(kKinds, arguments.kind)));
   if (record == nullptr) throw std::bad_alloc();
-  const Choice* const order = std::ranges::find_if(kOrders, is(arguments.order));
-  if (order != std::end(kOrders)) orxDateTime_SetYMDFormat(record.get(), order->number);
+  orxDateTime_SetYMDFormat(record.get(), number_of(kOrders, arguments.order));
   return record;
 }
 
@@ -89,6 +100,10 @@ void require_in_range(const DateTime& record, const std::string& text) {
 }
 
 }  // namespace
+
+std::vector<std::string> date_orders() { return words_of(kOrders); }
+
+std::vector<std::string> date_kinds() { return words_of(kKinds); }
 
 void date_parse(const DateArguments& arguments, std::ostream& out) {
   const DateTime record = new_record(arguments);

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "field/types.h"
+#include "registry/values.h"
 
 namespace orx::cli {
 namespace {
@@ -145,8 +146,7 @@ class CommandLine {
   }
 
   void AddType(CLI::App* command, const char* help) {
-    command->add_option("--type", registry_.type, help)
-        ->check(CLI::IsMember({"string", "dword", "double", "float", "binary"}));
+    command->add_option("--type", registry_.type, help)->check(CLI::IsMember(value_types()));
   }
 
   void AddRegistryCommands(CLI::App* registry) {
@@ -173,9 +173,9 @@ class CommandLine {
 
   void AddDateOptions(CLI::App* command) {
     command->add_option("--order", date_.order, "The order of year, month and day (default: ymd)")
-        ->check(CLI::IsMember({"ymd", "mdy", "dmy"}));
+        ->check(CLI::IsMember(date_orders()));
     command->add_option("--kind", date_.kind, "What the value is (default: datetime)")
-        ->check(CLI::IsMember({"datetime", "date", "time", "number"}));
+        ->check(CLI::IsMember(date_kinds()));
     AddJson(command, date_);
   }
 

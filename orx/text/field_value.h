@@ -51,6 +51,12 @@ enum {
   orxdbERR = 7     // "ERR"
 };
 
+// The failures of orxdb_StrToVal.
+enum {
+  ORX_FIELD_NOT_READ = -1,  // a word that is neither yes nor no, or text that is not a date or time
+  ORX_FIELD_CUT = -3        // a text was cut; includes every text when the size is 0 or less
+};
+
 // Converts the text of a field of type `type` and stores the value in `dst`. A null text is the empty text.
 //
 // `dst` has space for the whole value, at any alignment. First its first `size` bytes are cleared. A `size`
@@ -71,8 +77,7 @@ enum {
 // beyond the range is infinite. The words of orxdbYesNo are "True", "T", "1", "Yes", "Y" and "False", "F",
 // "0", "No", "N" in any case. A text is cut to the whole characters among its first `size` - 1 bytes.
 //
-// Returns 0; -1 for a word that is neither yes nor no, and for text that is not a date or time, without
-// storing a value; -3 for a text that was cut, which includes every text when `size` is 0 or less.
+// Returns 0, ORX_FIELD_NOT_READ without storing a value, or ORX_FIELD_CUT.
 ORX_API int orxdb_StrToVal(const char* text, const void* lowLimit, const void* highLimit, int type,
                            int subtype, int size, int* special, void* dst);
 

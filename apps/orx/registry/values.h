@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "report.h"
 
@@ -31,7 +32,10 @@ LosslessData lossless_data_of(const StoredValue& value);
 std::string type_name(DWORD type);
 std::string display_text_of(const StoredValue& value);
 
-// `type` is a type of the command line: string, dword, double, float or binary. Both functions return false
+// The types of the command line.
+std::vector<std::string> value_types();
+
+// `type` is one of value_types(). Both functions return false
 // and set `reason` when the text or the value does not have this type.
 bool value_from_text(const std::string& type, const std::string& text, StoredValue& value,
                      std::string& reason);

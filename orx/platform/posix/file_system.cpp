@@ -6,6 +6,7 @@
 #include <orx/platform/posix/support/descriptor.h>
 #include <orx/platform/posix/support/directory.h>
 #include <orx/platform/posix/support/error_text.h>
+#include <orx/platform/posix/support/file_attributes.h>
 
 #include <fcntl.h>
 #include <limits.h>
@@ -26,13 +27,10 @@ namespace orx::platform {
 namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
-constexpr int kMaxLinks = 40;  // the limit of the system itself
 constexpr int kMaxTemporaryNames = 100;
 // The search for temporary files of killed processes ends after this number of entries, which takes some
 // milliseconds.
 constexpr int kMaxEntriesSearched = 10'000;
-constexpr char kAccessControlList[] = "system.posix_acl_access";
-constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kNewFileMode = 0666;
 
 // Returns false, for `return fail(reason)`.

@@ -48,7 +48,9 @@ std::string currency_text(std::int64_t ten_thousandths) {
 HRESULT date_text(double date, std::string& text) {
   calendar::Fields fields;
   if (!calendar::to_fields(date, fields)) return E_INVALIDARG;
-  const bool is_day_zero = fields.year == 1899 && fields.month == 12 && fields.day == 30;
+  constexpr calendar::Fields kDayZero;
+  const bool is_day_zero =
+      fields.year == kDayZero.year && fields.month == kDayZero.month && fields.day == kDayZero.day;
   const bool has_date = !is_day_zero;
   const bool has_time = fields.hour != 0 || fields.minute != 0 || fields.second != 0;
   char part[48];
