@@ -4,7 +4,7 @@
 #include <cstdio>
 
 int main(int argc, char** argv) {
-  char path[4096];
+  char path[ORX_PATH_SIZE];
   if (argc != 2 || orx_path_from_native(argv[1], path, sizeof path) != 0) return 2;
   try {
     ProjectSetting_LoadCurrentQPRInfo(path);

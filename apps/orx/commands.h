@@ -42,8 +42,8 @@ struct RegistryArguments {
 
 struct DateArguments {
   std::string text;   // a date or a time, or the number of one
-  std::string order;  // empty: ymd
-  std::string kind;   // empty: datetime
+  std::string order;  // one of date_orders(); empty: ymd
+  std::string kind;   // one of date_kinds(); empty: datetime
   bool full = false;
   Format format = Format::kText;
 };
@@ -110,6 +110,9 @@ void registry_delete(const RegistryArguments& arguments, std::ostream& out);
 void registry_export(const RegistryArguments& arguments, std::ostream& out);
 void registry_import(const RegistryArguments& arguments, std::ostream& out);
 
+// The words of --order and --kind; the first of each is the default.
+std::vector<std::string> date_orders();
+std::vector<std::string> date_kinds();
 void date_parse(const DateArguments& arguments, std::ostream& out);
 void date_format(const DateArguments& arguments, std::ostream& out);
 void date_now(const DateArguments& arguments, std::ostream& out);

@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstddef>
-#include <iterator>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "commands.h"
 #include "failure.h"
@@ -25,37 +25,41 @@ struct FreeRecord {
 
 using DateTime = std::unique_ptr<orxDateTime, FreeRecord>;
 
-// Results of orxDateTime_ParseString.
-constexpr int kNoNumber = 7;
-constexpr int kNoSpace = -1;
-
-constexpr std::size_t kTextSize = 64;  // more than the longest text of a date and time
-
 struct Choice {
   const char* word;
   int number;
 };
 
-constexpr Choice kOrders[] = {{"mdy", orxMonthDayYear}, {"dmy", orxDayMonthYear}, {"ymd", orxYearMonthDay}};
-constexpr Choice kKinds[] = {{"", orxDateTimeFull},
-                             {"datetime", orxDateTimeFull},
+// The first choice is the default.
+constexpr Choice kOrders[] = {{"ymd", orxYearMonthDay}, {"mdy", orxMonthDayYear}, {"dmy", orxDayMonthYear}};
+constexpr Choice kKinds[] = {{"datetime", orxDateTimeFull},
                              {"date", orxDateTimeDate},
                              {"time", orxDateTimeTime},
                              {"number", orxDateTimeNumber}};
 
+// The number of a word; the empty word is the first choice.
+int number_of(std::span<const Choice> choices, const std::string& word) {
+  if (word.empty()) return choices.front().number;
+  return std::ranges::find_if(choices, [&](const Choice& choice) { return choice.word == word; })->number;
+}
+
+std::vector<std::string> words_of(std::span<const Choice> choices) {
+  std::vector<std::string> words;
+  for (const Choice& choice : choices) words.emplace_back(choice.word);
+  return words;
+}
+
 DateTime new_record(const DateArguments& arguments) {
-  const auto is = [](const std::string& word) { return [&](const Choice& row) { return row.word == word; }; };
-  DateTime record(orxDateTime_New(std::ranges::find_if(kKinds, is(arguments.kind))->number));
+  DateTime record(orxDateTime_New(number_of(kKinds, arguments.kind)));
   if (record == nullptr) throw std::bad_alloc();
-  const Choice* const order = std::ranges::find_if(kOrders, is(arguments.order));
-  if (order != std::end(kOrders)) orxDateTime_SetYMDFormat(record.get(), order->number);
+  orxDateTime_SetYMDFormat(record.get(), number_of(kOrders, arguments.order));
   return record;
 }
 
 using Formatter = int (*)(const orxDateTime* dt, char* buf, int size);
 
 std::string format_text(const DateTime& record, Formatter format) {
-  std::array<char, kTextSize> text{};
+  std::array<char, ORX_DATE_TEXT_SIZE> text{};
   format(record.get(), text.data(), static_cast<int>(text.size()));
   return text.data();
 }
@@ -63,9 +67,9 @@ std::string format_text(const DateTime& record, Formatter format) {
 // `result` is that of orxDateTime_ParseString. The library has a text only for some invalid fields, such as
 // "Error: Invalid day.".
 std::string reason_of(const DateTime& record, int result) {
-  if (result == kNoNumber) return "the date contains no number";
-  if (result == kNoSpace) return "a space is needed between the date and the time";
-  std::array<char, 23> error{};
+  if (result == ORX_DATE_NO_NUMBER) return "the date contains no number";
+  if (result == ORX_DATE_NO_BLANK) return "a space is needed between the date and the time";
+  std::array<char, ORX_DATE_ERROR_TEXT_SIZE> error{};
   const bool is_known = orxDateTime_DiagnoseError(record.get(), error.data()) != 0;
   return is_known ? error.data() : "it is not a date or a time";
 }
@@ -96,6 +100,10 @@ void require_in_range(const DateTime& record, const std::string& text) {
 }
 
 }  // namespace
+
+std::vector<std::string> date_orders() { return words_of(kOrders); }
+
+std::vector<std::string> date_kinds() { return words_of(kKinds); }
 
 void date_parse(const DateArguments& arguments, std::ostream& out) {
   const DateTime record = new_record(arguments);

@@ -19,7 +19,6 @@ namespace orx::cli {
 namespace {
 
 static_assert(ORX_LOG_PATH_LENGTH + 1 >= ORX_APPLICATION_DATA_PATH_SIZE);
-constexpr std::size_t kPathSize = 4096;
 constexpr std::streamoff kBlockSize = 65536;
 constexpr std::size_t kHeadSize = 512;  // enough for the header with the time
 constexpr std::chrono::milliseconds kPollInterval(200);
@@ -45,7 +44,7 @@ std::string log_file_of(const LogArguments& arguments) {
   if (!name.ends_with('\\')) name += '\\';
   name += arguments.thread_log ? ORX_THREAD_LOG_NAME : ORX_LOG_NAME;
   cut_characters(name, ORX_LOG_PATH_LENGTH);  // as the library does
-  std::array<char, kPathSize> path{};
+  std::array<char, ORX_PATH_SIZE> path{};
   if (orx_path_to_native(name.c_str(), path.data(), path.size()) != 0) {
     throw Failure(name, "the path is too long, or its drive has no folder");
   }

@@ -1,6 +1,7 @@
 // The only source that includes CLI11, which compiles slowly.
 #include "options.h"
 
+#include <orx/text/unique_key.h>
 #include <orx/version.h>
 
 #include <CLI/CLI.hpp>
@@ -11,6 +12,7 @@
 #include <string_view>
 
 #include "field/types.h"
+#include "registry/values.h"
 
 namespace orx::cli {
 namespace {
@@ -57,7 +59,7 @@ class CommandLine {
     command->description(help);
   }
 
-  // An empty argument must not count as one that was left out: in a script it is often an unset variable.
+  // An empty argument is refused, because in a script it is often a variable that is not set.
   static std::string RequireText(const std::string& text) { return text.empty() ? "it is empty" : ""; }
 
   template <class Arguments>
@@ -144,8 +146,7 @@ class CommandLine {
   }
 
   void AddType(CLI::App* command, const char* help) {
-    command->add_option("--type", registry_.type, help)
-        ->check(CLI::IsMember({"string", "dword", "double", "float", "binary"}));
+    command->add_option("--type", registry_.type, help)->check(CLI::IsMember(value_types()));
   }
 
   void AddRegistryCommands(CLI::App* registry) {
@@ -172,9 +173,9 @@ class CommandLine {
 
   void AddDateOptions(CLI::App* command) {
     command->add_option("--order", date_.order, "The order of year, month and day (default: ymd)")
-        ->check(CLI::IsMember({"ymd", "mdy", "dmy"}));
+        ->check(CLI::IsMember(date_orders()));
     command->add_option("--kind", date_.kind, "What the value is (default: datetime)")
-        ->check(CLI::IsMember({"datetime", "date", "time", "number"}));
+        ->check(CLI::IsMember(date_kinds()));
     AddJson(command, date_);
   }
 
@@ -256,7 +257,7 @@ class CommandLine {
 
   void AddKeyCommands(CLI::App* key) {
     CLI::App* create = AddCommand(key, "new", "Generate unique keys", key_new, key_);
-    AddCount(create, key_.count, 1, 1, 999999, "The number of keys");
+    AddCount(create, key_.count, 1, 1, ORX_KEY_COUNTER_MAX, "The number of keys");
     AddJson(create, key_);
   }
 

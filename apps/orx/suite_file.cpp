@@ -11,8 +11,7 @@
 namespace orx::cli {
 namespace {
 
-constexpr std::size_t kPathSize = 4096;
-using PathBuffer = std::array<char, kPathSize>;
+using PathBuffer = std::array<char, ORX_PATH_SIZE>;
 
 Failure last_failure(const CProjectFile& document, const std::string& file) {
   CStringA reason;

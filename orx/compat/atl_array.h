@@ -66,7 +66,7 @@ class CAtlArray {
 
   // Sets the number of elements. New elements are value-initialised, surplus elements are destroyed, and a
   // count of 0 frees the block. `growth_step` is the least number of elements by which the block grows from
-  // now on: 0 stands for half the capacity, -1 keeps the current step. Returns false when memory runs out;
+  // now on: 0 means half the capacity, -1 keeps the current step. Returns false when memory runs out;
   // the elements are then unchanged.
   bool SetCount(std::size_t count, int growth_step = -1) {
     if (growth_step >= 0) growth_step_ = static_cast<std::size_t>(growth_step);

@@ -100,7 +100,8 @@ class Path {
     return below == &End()->left ? kLeft : kRight;
   }
 
-  // Puts another node in the place of the one at `position`, for a path that continues on its left side.
+  // Links `node` at `position` instead of the present node. The path then continues on the left side of
+  // `node`.
   static void Redirect(Position position, Node& node) {
     **position = &node;
     position[1] = &node.left;

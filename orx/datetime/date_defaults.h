@@ -14,7 +14,7 @@ ORX_C_BEGIN
 ORX_API int orxDateTime_SetStaticDefaults(int ymdFormat, int pivot, int fourDigitYears);
 ORX_API int orxDateTime_GetStaticDefaults(int* ymdFormat, int* pivot, int* fourDigitYears);
 
-// Sets the order of a record. An unknown order stands for the default order. A null record is ignored. Always
+// Sets the order of a record. An unknown order means the default order. A null record is ignored. Always
 // returns 1.
 ORX_API int orxDateTime_SetYMDFormat(orxDateTime* dt, int order);
 

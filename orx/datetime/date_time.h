@@ -36,6 +36,9 @@ typedef struct orxDateTime {
   int32_t errorCode;  // of the last set from fields, see orxDateTime_DiagnoseError
 } orxDateTime;
 
+// The size of a buffer for the message of any error code, in bytes including the NUL.
+#define ORX_DATE_ERROR_TEXT_SIZE 23
+
 ORX_C_BEGIN
 
 // Creates a record with the value 0 and the default order, or returns null when memory runs out. `kind` is
@@ -78,9 +81,9 @@ ORX_API double orxDateTime_GetCurrentTimeDouble(void);
 // a null record.
 ORX_API int orxDateTime_Compare(const orxDateTime* first, const orxDateTime* second);
 
-// Returns the record's error code and writes its message into `buf`, a buffer of at least 23 bytes, which may
-// be null. The codes are 0 no error, 1 invalid month, 2 year, 3 day, 4 hour, 5 minute, 6 second. An unknown
-// code leaves `buf` unchanged. A null record gives 0 and no message.
+// Returns the record's error code and writes its message into `buf`, a buffer of ORX_DATE_ERROR_TEXT_SIZE
+// bytes, which may be null. The codes are 0 no error, 1 invalid month, 2 year, 3 day, 4 hour, 5 minute, 6
+// second. An unknown code leaves `buf` unchanged. A null record gives 0 and no message.
 ORX_API int orxDateTime_DiagnoseError(const orxDateTime* dt, char* buf);
 
 ORX_C_END

@@ -10,10 +10,6 @@
 
 namespace {
 
-// Results of orxDateTime_ParseString.
-constexpr int kNoNumberInDate = 7;
-constexpr int kNoBlankBetween = -1;
-
 using Numbers = int[3];
 
 // Reads the digits at the beginning of the text and returns the text after them. A number that might not fit
@@ -140,7 +136,7 @@ int store_now(orxDateTime& dt) {
 
 int orxDateTime_ParseString(orxDateTime* dt, const char* text) {
   if (text == nullptr) return 0;
-  if (dt == nullptr) return 1;
+  if (dt == nullptr) return ORX_DATE_INVALID;
   if (dt->kind == orxDateTimeNumber) {
     dt->value = orx::read_double(text);
     return 0;
@@ -148,12 +144,12 @@ int orxDateTime_ParseString(orxDateTime* dt, const char* text) {
   if (*text == 'G' && std::strcmp(text, "GETDATE()") == 0) return store_now(*dt);
 
   Parts parts;
-  if (!split(text, parts)) return kNoBlankBetween;
+  if (!split(text, parts)) return ORX_DATE_NO_BLANK;
   Numbers date{}, time{};
   int count = 0;  // of the date
   if (parts.date != nullptr) {
     count = read_numbers(parts.date, '/', date);
-    if (count == 0) return kNoNumberInDate;
+    if (count == 0) return ORX_DATE_NO_NUMBER;
   }
   if (parts.time != nullptr) read_numbers(parts.time, ':', time);
   return store(*dt, date_of(date, count, dt->ymdFormat), time);

@@ -9,14 +9,20 @@
 
 #include <orx/datetime/date_time.h>
 
+// The failures of orxDateTime_ParseString.
+enum {
+  ORX_DATE_INVALID = 1,    // the fields are not a valid date or time
+  ORX_DATE_NO_NUMBER = 7,  // the date has no number
+  ORX_DATE_NO_BLANK = -1   // the text has "/" and ":" but no blank
+};
+
 ORX_C_BEGIN
 
-// Sets the record from the text. Returns 0 on success; 1 if the fields are not a valid date or time, and the
-// record then has the error code; 7 if the date has no number; -1 if the text has "/" and ":" but no blank.
-// With 7 and -1 the record is unchanged.
+// Sets the record from the text. Returns 0 on success, otherwise one of the results above. The record then
+// has the error code of invalid fields, and is unchanged with the other two results.
 //
 // A record of kind orxDateTimeNumber is set to the number at the beginning of the text, or to 0. A null text
-// returns 0 and changes nothing. A null record returns 1.
+// returns 0 and changes nothing. A null record returns ORX_DATE_INVALID.
 ORX_API int orxDateTime_ParseString(orxDateTime* dt, const char* text);
 
 ORX_C_END

@@ -15,8 +15,7 @@
 
 namespace {
 
-constexpr const char* kInstallKey =
-    "SOFTWARE\\Halvark Software\\TESSEL\\" ORX_PRODUCT_VERSION "\\INSTALL_PARAMETERS";
+constexpr const char* kInstallKey = ORX_PRODUCT_KEY "\\INSTALL_PARAMETERS";
 constexpr DWORD kConfiguredCapacity = ORX_APPLICATION_DATA_PATH_SIZE - 1;  // a longer value is ignored
 
 // Several threads may look for the folder at once. The first of them that finds it without a failure stores

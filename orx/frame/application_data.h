@@ -1,10 +1,10 @@
 // The application data folder: the folder of the suite's own data, for all users of the machine.
 //
 // It is the value ConfigFolder of the machine's registry key SOFTWARE\Halvark
-// Software\TESSEL\6.9.1\INSTALL_PARAMETERS, unchanged, if the value has less than 260 bytes. Otherwise it is
-// Halvark\TESSEL\6.9.1\, with a backslash at the end, in the folder that the environment variable PUBLIC
-// names. If that path has more than 260 bytes, PUBLIC is ignored. Without either of them the folder is the
-// empty text, and the next call looks for it again.
+// Software\TESSEL\6.9.1\INSTALL_PARAMETERS, unchanged, if the value has at most 260 bytes with its NUL.
+// Otherwise it is Halvark\TESSEL\6.9.1\, with a backslash at the end, in the folder that the environment
+// variable PUBLIC names. If that path has more than 260 bytes, PUBLIC is ignored. Without either of them the
+// folder is the empty text, and the next call looks for it again.
 //
 // Both functions create the folder if it does not exist; of a configured folder, only the last level.
 // Everybody who may use the folder above it may use the new one: it gets the same rights and the same group,
@@ -20,10 +20,10 @@
 
 #include <orx/compat/export.h>
 
-ORX_C_BEGIN
-
 // The size in bytes of the longest folder, with its NUL.
-enum { ORX_APPLICATION_DATA_PATH_SIZE = 261 };
+#define ORX_APPLICATION_DATA_PATH_SIZE 261
+
+ORX_C_BEGIN
 
 // Writes the folder to `buffer`, which holds size + 1 bytes: at most `size` bytes of the folder, and NULs up
 // to the end of the buffer. So a size of ORX_APPLICATION_DATA_PATH_SIZE - 1 never cuts the folder. A null

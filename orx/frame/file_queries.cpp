@@ -15,7 +15,6 @@ namespace {
 
 using orx::platform::EntryKind;
 
-constexpr std::size_t kMaxPathCharacters = 260;
 constexpr int kDriveLetters = 26;
 
 // Returns the result of a query; a default result for a null or empty path and when memory runs out.
@@ -31,9 +30,9 @@ Result query_or_default(Result (*query)(const char*), const char* path) {
 
 // The path is cut first: its last backslash is the one at the end of the cut path.
 EntryKind kind_of(const char* path) {
-  char cut[kMaxPathCharacters * orx::platform::kMaxCharacterBytes + 1];
+  char cut[ORX_QUERY_PATH_LENGTH * orx::platform::kMaxCharacterBytes + 1];
   ORX_strncpy(cut, path, sizeof cut - 1);
-  cut[orx::platform::prefix_size(cut, kMaxPathCharacters)] = '\0';
+  cut[orx::platform::prefix_size(cut, ORX_QUERY_PATH_LENGTH)] = '\0';
   RemoveTrailingBackSlash(cut);
   return query_or_default(orx::platform::entry_kind, cut);
 }

@@ -11,11 +11,14 @@
 #include <stddef.h>
 #include <stdint.h>
 
+// The longest path of FileExists and DirectoryExists, in characters without the NUL.
+#define ORX_QUERY_PATH_LENGTH 260
+
 ORX_C_BEGIN
 
 // Return 1 or 0. FileExists: the path names anything but a folder. DirectoryExists: it names a folder. Only
-// the first 260 characters of the path are used, without one backslash at their end. So "\" alone names
-// nothing.
+// the first ORX_QUERY_PATH_LENGTH characters of the path are used, without one backslash at their end. So "\"
+// alone names nothing.
 ORX_API int FileExists(const char* path);
 ORX_API int DirectoryExists(const char* path);
 

@@ -20,6 +20,9 @@
 
 #include <stddef.h>
 
+// The size of a buffer for the path of any file that the system can open, in bytes including the NUL.
+#define ORX_PATH_SIZE 4096
+
 ORX_C_BEGIN
 
 // Converts a path of the system to the suite's form. The result is made absolute with the current directory

@@ -162,7 +162,7 @@ auto CORXOcTreeGeneric::DescendSkipped(void* item, int own) const -> Place {
   return {level, own};
 }
 
-// Whether an item whose octant in this node is `own` leaves none of the skipped levels.
+// Whether an item follows the path through all skipped levels. `own` is its octant in this node.
 bool CORXOcTreeGeneric::IsPastSkipped(void* item, int own) const {
   return own == skipped->Octant(0) && IsInside(item, skipped->path);
 }

@@ -59,17 +59,18 @@ class ORX_API CORXOcTreeBB {
 
 class ORX_API CORXOcTreeGeneric {
  public:
-  // Takes the point limit and the callbacks of `parent`, which may be null. The node is empty until Init.
-  explicit CORXOcTreeGeneric(CORXOcTreeGeneric* parent = nullptr);
+  // Takes the point limit and the callbacks of the node `above`, which may be null. The node is empty until
+  // Init.
+  explicit CORXOcTreeGeneric(CORXOcTreeGeneric* above = nullptr);
   CORXOcTreeGeneric(const CORXOcTreeGeneric&) = delete;
   CORXOcTreeGeneric& operator=(const CORXOcTreeGeneric&) = delete;
   // Releases the items, as RemoveAll does.
   virtual ~CORXOcTreeGeneric();
 
   // Makes the node a leaf without items, after releasing the items that it held. The host chooses the
-  // `octant` of a root. False when memory runs out; the node is then empty.
+  // octant `number` of a root. False when memory runs out; the node is then empty.
   virtual bool Init(double min_x, double min_y, double min_z, double max_x, double max_y, double max_z,
-                    int octant);
+                    int number);
 
   // The first match in the leaf where the item would be added; calls compare(item, stored item). Null when
   // nothing matches or there is no comparing callback.
@@ -83,8 +84,9 @@ class ORX_API CORXOcTreeGeneric {
   virtual void RemoveAll();
   virtual void Clear();
 
-  // Copies the point limit and the callbacks, not the tolerance. Null: limit 64, no callbacks.
-  void SetParent(CORXOcTreeGeneric* parent);
+  // Copies the point limit and the callbacks of the node `above`, not its tolerance. Null: limit 64, no
+  // callbacks.
+  void SetParent(CORXOcTreeGeneric* above);
 
   // Settings apply to this node and to children made afterwards. Callbacks may be null. Without a locating
   // callback all items lie in octant 0.
@@ -112,7 +114,7 @@ class ORX_API CORXOcTreeGeneric {
   CORXOcTreeBB* GetBB();
   // Null in a leaf, in an empty node, for a number that is not an octant, and when the level below has no
   // nodes yet and memory runs out. The locating callback must not call it: it may make nodes.
-  CORXOcTreeGeneric* GetChild(int octant);
+  CORXOcTreeGeneric* GetChild(int number);
 
  protected:
   // Splits a leaf by one level, whatever its box and its items are. True when the node now has children, also
@@ -175,7 +177,7 @@ class ORX_API CORXOcTreeGeneric {
 // z.
 class ORX_API CORXOcTreeNode : public CORXOcTreeGeneric {
  public:
-  explicit CORXOcTreeNode(CORXOcTreeGeneric* parent = nullptr);
+  explicit CORXOcTreeNode(CORXOcTreeGeneric* above = nullptr);
   ~CORXOcTreeNode() override;
 
   // The first match in the item's octant and then in the octants beyond the planes that are closer to the

@@ -103,8 +103,9 @@ auto CORXOcTreeGeneric::LocateItems(const CORXOcTreeBB& box) const -> Separation
   return {box.centre, pointCount, first, first};
 }
 
-// Whether no level below `top` separates the items of the leaf and `item`: all of them follow the first one
-// down to where no number is left between the faces. Costs two calls an item and one a level.
+// Whether no level below `top` separates the items of the leaf and `item`. Follows the first item down until
+// no number is left between the faces, and checks that all other items follow the same path. Calls the
+// locating callback twice for each item and once for each level.
 bool CORXOcTreeGeneric::IsInseparable(void* item, const CORXOcTreeBB& top) const {
   if (!is_ordered(top)) return false;  // rare: the walk down all levels answers, too
   orx::OcTreePath path{top};
@@ -189,8 +190,8 @@ bool CORXOcTreeGeneric::Subdivide() {
   return Split(nullptr, 0, {bb.centre, 0, first, first}) != nullptr;
 }
 
-// Makes the nodes of a skipped level. This node keeps those above it skipped, and the node on the path skips
-// those below it. False when memory runs out; nothing has changed then.
+// Makes the nodes of a skipped level. This node still skips the levels above it, and the new node on the path
+// skips the levels below it. False when memory runs out; the tree is then unchanged.
 bool CORXOcTreeGeneric::MakeLevel(int level) {
   const std::int8_t* const octants = skipped->octants.get();
   const int own = skipped->Octant(level);

@@ -11,8 +11,8 @@ namespace orx::platform {
 
 // The system's path for a path of the suite: X:\..., \\server\share\..., either of them with slashes or after
 // \\?\, or any other path. A path of the system is returned unchanged. The result is empty for an empty path,
-// and for a path with a drive or a server where no drive folder can be found. Only a path that begins with
-// two slashes makes this function look at the file system.
+// and for a path with a drive or a server where no drive folder can be found. The file system is queried only
+// for a path that begins with two slashes.
 std::string system_path(const char* path);
 
 // As system_path, but each part below a drive or a server gets the letter case in which it exists. A path

@@ -33,8 +33,8 @@ typedef struct QPRInfo {
   // On a JET platform the path of the database file, on an SQL platform the name of the database on its
   // server.
   char SiteDatabase[ORX_FIELD_SIZE(ORX_SITE_DATABASE_LENGTH)];
-  int SiteDatabasePlatform;  // an identifier of the platform catalogue; -1 when unknown, 0 in a cleared
-                             // record
+  // An identifier of the platform catalogue; -1 when unknown, 0 in a cleared record.
+  int SiteDatabasePlatform;
   char SiteDatabaseServerName[ORX_FIELD_SIZE(ORX_SERVER_NAME_LENGTH)];
   char ProjectName[ORX_FIELD_SIZE(ORX_PROJECT_NAME_LENGTH)];
   char DataGroupName[ORX_FIELD_SIZE(ORX_DATA_GROUP_NAME_LENGTH)];
@@ -104,7 +104,7 @@ class ORX_API CQPRFile : public CProjectFile {
   int Load() override;
 
   // Replaces the file by the record, without verifying the record. Fails for a text that is too long, which
-  // Load would refuse; the file is then unchanged.
+  // Load would refuse. After any failure, for example on a full disk, the file is unchanged.
   int Save() override;
 
   // Checks the rules of a complete record. 1 with the message unchanged, or 0 with a message for the user

@@ -39,7 +39,7 @@ ORX_API int hvk_RegReadFloat(const char* key1, const char* key2, const char* key
 ORX_API int hvk_RegReadBinary(const char* key1, const char* key2, const char* key3, const char* key4,
                               const char* valueName, void* buffer, int size);
 
-// Write a value and create the missing keys, which remain if writing fails later. An empty name stands for
+// Write a value and create the missing keys, which remain if writing fails later. An empty name means
 // the key before it. Texts are stored as REG_SZ with their NUL, ints as REG_DWORD, and doubles, floats and
 // bytes as REG_BINARY in memory order. `type` is any of the types of compat/hkey.h. `size` is in bytes;
 // `data` may be null if it is 0.

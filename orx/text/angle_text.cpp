@@ -10,12 +10,13 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <numbers>
 #include <string_view>
 #include <utility>
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
+constexpr double kPi = std::numbers::pi;
 constexpr std::ptrdiff_t kLongestText = ORX_ANGLE_TEXT_SIZE - 1;
 constexpr double kLargeInteger = 1e15;
 

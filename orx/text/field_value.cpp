@@ -16,10 +16,6 @@
 
 namespace {
 
-// Results of orxdb_StrToVal.
-constexpr int kNotRead = -1;
-constexpr int kCut = -3;
-
 constexpr std::size_t kSearchedLength = 127;  // tokens are searched in this many characters
 
 constinit int date_order = orxDayMonthYear;
@@ -68,12 +64,12 @@ int read_angle(const Field& field) {
 int read_nothing(const Field&) { return 0; }
 
 int read_text(const Field& field) {
-  if (field.size <= 0) return kCut;
+  if (field.size <= 0) return ORX_FIELD_CUT;
   const auto size = static_cast<std::size_t>(field.size);
   const std::string_view text(field.text, strnlen(field.text, size));
   const std::size_t stored = orx::platform::truncated_size(text, size - 1);
   std::memcpy(field.dst, field.text, stored);
-  return text.size() < size ? 0 : kCut;
+  return text.size() < size ? 0 : ORX_FIELD_CUT;
 }
 
 int read_yes_no(const Field& field) {
@@ -87,7 +83,7 @@ int read_yes_no(const Field& field) {
     store(field, value);
     return 0;
   }
-  return kNotRead;
+  return ORX_FIELD_NOT_READ;
 }
 
 // Reads a record of the kind. The order of the field becomes the order of the database even if the text is
@@ -96,7 +92,7 @@ int read_moment(const Field& field, int kind, const char* text) {
   orxdb_SetDateFormat(field.subtype);
   using orx::datetime::to_record_field;
   orxDateTime moment{0.0, to_record_field(date_order), to_record_field(kind), 0};
-  if (orxDateTime_ParseString(&moment, text) != 0) return kNotRead;
+  if (orxDateTime_ParseString(&moment, text) != 0) return ORX_FIELD_NOT_READ;
   store(field, moment.value);
   return 0;
 }

@@ -35,7 +35,7 @@ enum {
 };
 
 // The greatest size of a value that is not a text, in bytes.
-enum { ORX_FIELD_VALUE_SIZE = 8 };
+#define ORX_FIELD_VALUE_SIZE 8
 
 // The special codes and their tokens, which may have blanks around them and letters in any case. The types
 // orxdbInteger, orxdbFloat and orxdbDouble have all of these codes. Dates, times, angles and orxdbNumber do
@@ -51,6 +51,12 @@ enum {
   orxdbERR = 7     // "ERR"
 };
 
+// The failures of orxdb_StrToVal.
+enum {
+  ORX_FIELD_NOT_READ = -1,  // a word that is neither yes nor no, or text that is not a date or time
+  ORX_FIELD_CUT = -3        // a text was cut; includes every text when the size is 0 or less
+};
+
 // Converts the text of a field of type `type` and stores the value in `dst`. A null text is the empty text.
 //
 // `dst` has space for the whole value, at any alignment. First its first `size` bytes are cleared. A `size`
@@ -59,7 +65,7 @@ enum {
 //
 // `special` receives the special code and may be null. For orxdbBelow and orxdbAbove the value is the number
 // after the sign. If the text ends there, it is the value that `lowLimit` or `highLimit` points to, which has
-// the type of the field; null stands for 0. All other tokens have the value 0.
+// the type of the field; null means 0. All other tokens have the value 0.
 //
 // `subtype` depends on the type. An orxdbDouble is an angle if its subtype is 5 (degrees), 1 or 6 (degrees,
 // minutes and seconds), 7 (the same with decimal seconds), 8 (degrees and minutes), 9 (radians) or 10
@@ -71,8 +77,7 @@ enum {
 // beyond the range is infinite. The words of orxdbYesNo are "True", "T", "1", "Yes", "Y" and "False", "F",
 // "0", "No", "N" in any case. A text is cut to the whole characters among its first `size` - 1 bytes.
 //
-// Returns 0; -1 for a word that is neither yes nor no, and for text that is not a date or time, without
-// storing a value; -3 for a text that was cut, which includes every text when `size` is 0 or less.
+// Returns 0, ORX_FIELD_NOT_READ without storing a value, or ORX_FIELD_CUT.
 ORX_API int orxdb_StrToVal(const char* text, const void* lowLimit, const void* highLimit, int type,
                            int subtype, int size, int* special, void* dst);
 

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr std::ptrdiff_t kNumberWidth = 6;
-constexpr int kDefaultOrder = -1;  // an unknown order stands for the default
+constexpr int kDefaultOrder = -1;  // an unknown order means the default
 
 // A stamp, or a whole key. Not NUL-terminated.
 struct Key {

@@ -7,7 +7,7 @@ Grün  \\*        $suite\\\\jét 1.qpr
 beta           C:\\\\Projects\\\\Pit 2\\\\p.qpr" list show 'C:\Projects\all.qpl'
 ln -s "$work/c/Projects/all.qpl" all.qpl
 prints '\[*"Name": "Grün",*"Default": true,*"Name": "beta",*"Default": false,*\]' list show all.qpl --json
-fails "all.qpl: lists no project 'Beta'" list default all.qpl Beta
+fails "all.qpl: there is no project 'Beta' in the list" list default all.qpl Beta
 fails "all.qpl: the default project 'Grün' cannot be removed" list remove all.qpl Grün
 rejects_usage '*it is empty' list default all.qpl ''
 rejects_usage 'NAME excludes --none' list default all.qpl beta --none

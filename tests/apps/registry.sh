@@ -36,8 +36,8 @@ refuses() { unchanged "$work/user.db" fails "HK??*: $1" registry "${@:2}"; }
 refuses 'there is no such key' get "$key\None"
 refuses 'there is no such key' list 'HKLM\SOFTWARE'
 refuses 'there is no such key' delete "$key\None" Name
-refuses "has no value 'None'" get "$key" None
-refuses "has no value 'None'" delete "$key" None
+refuses "the key has no value 'None'" get "$key" None
+refuses "the key has no value 'None'" delete "$key" None
 refuses 'the key has no default value' get "$key\Sub"
 refuses "'Float' is stored as binary of 4 bytes, which is not a double" get "$key" Float --type double
 refuses '*-2147483648 to 4294967295*' set "$key" N --type dword 4294967296

@@ -24,9 +24,9 @@ END
 middle=0,0,.5,1,0,.5,0,1,.5
 cube 0 > part.obj
 prints $'{\n  "Length": 4,\n*"Closed": true, "Length": 4, "Points": \[\[1, 0, 0.5\], *' section part.obj --plane $middle --json
-unchanged part.obj fails 'part.obj: --svg would overwrite it' section part.obj --plane $middle --svg ./part.obj
+unchanged part.obj fails 'part.obj: --svg would overwrite the surface' section part.obj --plane $middle --svg ./part.obj
 for plane in 0,0,1.01,1,0,1.01,0,1,1.01 1,-1,0,-1,1,0,0,-1,1; do  # above the cube; through one corner
-  unchanged cube.svg fails 'part.obj: the plane does not cut it' section part.obj --plane $plane --svg cube.svg
+  unchanged cube.svg fails 'part.obj: the plane does not cut the surface' section part.obj --plane $plane --svg cube.svg
 done
 rejects_usage '--plane: the three points are on one line' section part.obj --plane 7e6,7e6,0,7000001,7e6,0.1,7000002,7e6,.2
 rejects_usage '--plane: three points need nine numbers' section part.obj --plane 0,0,0,1,0,0,0,1

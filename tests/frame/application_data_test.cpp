@@ -15,6 +15,8 @@ using namespace orx::testing;
 
 namespace {
 
+constexpr char kBelowPublic[] = "\\Halvark\\TESSEL\\" ORX_PRODUCT_VERSION "\\";
+
 class ApplicationData : public RegistryTest {
  protected:
   static std::string Found(const char* shared) {
@@ -36,7 +38,7 @@ class ApplicationData : public RegistryTest {
 };
 
 TEST_F(ApplicationData, IsCreatedBelowPublicFolder) {
-  const std::string made = folder_.path("c/Halvark/TESSEL/6.9.1");
+  const std::string made = folder_.path("c/Halvark/TESSEL/" ORX_PRODUCT_VERSION);
   const std::pair<std::string, bool> cases[] = {
       {"C:", true}, {folder_.path("c"), true}, {"C:\\missing", false}};
   for (const auto& [shared, is_made] : cases) {
@@ -44,9 +46,10 @@ TEST_F(ApplicationData, IsCreatedBelowPublicFolder) {
     fs::create_directory(folder_.path("c"));
     in_new_process([&, &shared = shared, is_made = is_made] {
       EXPECT_EQ(Found(nullptr) + Found(""), "") << "a folder that is not found is not kept";
-      EXPECT_EQ(Found(std::string(239, 'n').c_str()), "") << "too long";
+      EXPECT_EQ(Found(std::string(ORX_APPLICATION_DATA_PATH_SIZE + 1 - sizeof kBelowPublic, 'n').c_str()), "")
+          << "too long";
       const std::string found = Found(shared.c_str());
-      EXPECT_EQ(found, shared + "\\Halvark\\TESSEL\\6.9.1\\");
+      EXPECT_EQ(found, shared + kBelowPublic);
       EXPECT_EQ(fs::remove(made), is_made);
       EXPECT_EQ(Found("D:"), found) << "kept";
       EXPECT_FALSE(fs::exists(made) || fs::exists(folder_.path("c/missing")));
@@ -57,14 +60,15 @@ TEST_F(ApplicationData, IsCreatedBelowPublicFolder) {
         EXPECT_EQ(buffer.c_str(), found.substr(0, static_cast<std::size_t>(size)));
         EXPECT_TRUE(buffer.ends_with('#')) << "the function wrote beyond the buffer";
       }
-      GetApplicationDataPath(nullptr, 260);
+      GetApplicationDataPath(nullptr, ORX_APPLICATION_DATA_PATH_SIZE);
     });
   }
 }
 
 TEST_F(ApplicationData, ConfiguredFolderIsUsedUnchanged) {
   fs::create_directory(folder_.path("c"));
-  const std::string of_public = "C:\\Halvark\\TESSEL\\6.9.1\\", longest = "X:" + std::string(257, 'n');
+  const std::string of_public = std::string("C:") + kBelowPublic;
+  const std::string longest = "X:" + std::string(ORX_APPLICATION_DATA_PATH_SIZE - 4, 'n');
   const std::tuple<std::string, DWORD, std::string> cases[] = {{"C:\\TESSEL", REG_SZ, "C:\\TESSEL"},
                                                                {"C:\\%OS%\\", REG_EXPAND_SZ, "C:\\%OS%\\"},
                                                                {longest, REG_BINARY, longest},
@@ -76,7 +80,7 @@ TEST_F(ApplicationData, ConfiguredFolderIsUsedUnchanged) {
       EXPECT_EQ(Found("C:"), found);
     });
   }
-  for (const char* made : {"TESSEL", "%OS%", "Halvark/TESSEL/6.9.1"})
+  for (const char* made : {"TESSEL", "%OS%", "Halvark/TESSEL/" ORX_PRODUCT_VERSION})
     EXPECT_TRUE(fs::is_directory(folder_.path("c") + "/" + made)) << made;
 }
 
@@ -87,14 +91,14 @@ TEST_F(ApplicationData, IsLookedForAgainAfterRegistryFailure) {
     getrlimit(RLIMIT_NOFILE, &files);
     const rlimit none{0, files.rlim_max};
     setrlimit(RLIMIT_NOFILE, &none);
-    EXPECT_EQ(Found("C:"), "C:\\Halvark\\TESSEL\\6.9.1\\");
+    EXPECT_EQ(Found("C:"), std::string("C:") + kBelowPublic);
     EXPECT_EQ(halvark_log_debug_write("lost"), -1);
     setrlimit(RLIMIT_NOFILE, &files);
     fs::create_directories(folder_.path("c/TESSEL"));
     EXPECT_EQ(halvark_log_debug_write("line"), 0);
     EXPECT_EQ(Found("C:"), "C:\\TESSEL");
   });
-  EXPECT_EQ(read_file(folder_.path("c/TESSEL/DEBUG.LOG")), "line\r\n");
+  EXPECT_EQ(read_file(folder_.path("c/TESSEL/" ORX_LOG_NAME)), "line\r\n");
 }
 
 }  // namespace

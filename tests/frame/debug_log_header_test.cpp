@@ -26,7 +26,7 @@ TEST(DebugLogHeader, InitWritesPathAndTwelveHourTime) {
       EXPECT_EQ(halvark_log_debug_init((folder.suite_path() + log_folder).c_str()), 0);
     });
     const std::string expected =
-        "Log file '" + folder.suite_path("DEBUG.LOG") + "' opened at " + time + ".\r\n";
-    EXPECT_EQ(read_file(folder.path("DEBUG.LOG")), expected + "---------------------------\r\n");
+        "Log file '" + folder.suite_path(ORX_LOG_NAME) + "' opened at " + time + ".\r\n";
+    EXPECT_EQ(read_file(folder.path(ORX_LOG_NAME)), expected + "---------------------------\r\n");
   }
 }

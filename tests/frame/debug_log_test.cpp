@@ -1,6 +1,7 @@
 #include <orx/frame/debug_log.h>
 
 #include <gtest/gtest.h>
+#include <orx/settings/registry.h>
 #include <tests/support/environment.h>
 #include <tests/support/process.h>
 
@@ -20,7 +21,7 @@ namespace {
 class DebugLog : public ::testing::Test {
  protected:
   DebugLog() {
-    fs::create_directories(folder.path("Halvark/TESSEL/6.9.1"));
+    fs::create_directories(folder.path(data));
     fs::create_directory(folder.path("sub"));
   }
 
@@ -34,8 +35,9 @@ class DebugLog : public ::testing::Test {
   const TempFolder folder;
   const ScopedVariable no_registry{"ORX_MACHINE_REGISTRY", folder.path("registry.db").c_str()};
   const ScopedVariable shared{"PUBLIC", folder.path().c_str()};
-  const std::string main = "Halvark/TESSEL/6.9.1/DEBUG.LOG", second = "Halvark/TESSEL/6.9.1/DEBUGThread.LOG";
-  const std::string sub = "sub/DEBUG.LOG";
+  const std::string data = "Halvark/TESSEL/" ORX_PRODUCT_VERSION "/";
+  const std::string main = data + ORX_LOG_NAME, second = data + ORX_THREAD_LOG_NAME;
+  const std::string sub = "sub/" ORX_LOG_NAME;
 };
 
 TEST_F(DebugLog, WriteKeepsTextAndFormattedLineIsCut) {
@@ -67,8 +69,8 @@ TEST_F(DebugLog, IsInApplicationDataFolderUnlessStartedElsewhere) {
       {'i', [] { return halvark_log_debug_init(""); }},
       {'s', [&] { return halvark_log_debug_init(folder.suite_path("sub").c_str()); }},
       {'m', [&] { return halvark_log_debug_init(folder.suite_path("missing").c_str()) + 1; }}};
-  // The calls, and the contents of the three logs after them, without line ends. In the last row, the line of
-  // the thread log is the reason why the error starts the main log.
+  // The calls, and the contents of the three logs after them, without line ends. In the last row, the
+  // error starts the main log because the thread log was used before.
   const std::pair<std::string, std::string> cases[] = {
       {"wcw", "oww,,"}, {"tt", "o,tt,"},  {"iwi", "H,,"},     {"swte", "o,t,HwE"}, {"sie", "HE,,H"},
       {"e", "oE,,"},    {"mew", "HEw,,"}, {"smwe", "owE,,H"}, {"te", "HE,t,"}};
@@ -194,7 +196,7 @@ TEST_F(DebugLog, LinkOfOtherUserIsRefusedInSharedFolder) {
 TEST_F(DebugLog, ResetDeletesLogsInCurrentDirectoryOnly) {
   in_new_process([&] {
     fs::current_path(folder.path("sub"));
-    for (const char* name : {"DEBUG.LOG", "DEBUGThread.LOG", "other"}) write_file(name, "");
+    for (const char* name : {ORX_LOG_NAME, ORX_THREAD_LOG_NAME, "other"}) write_file(name, "");
     EXPECT_EQ(halvark_log_debug_write("line") + halvark_log_debug_reset() + halvark_log_debug_reset(), 0);
     EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 1);
     EXPECT_EQ(Content(main), "line\r\n");
@@ -213,7 +215,7 @@ TEST_F(DebugLog, PathIsCutAndFolderIsLookedForAgain) {
     const std::string words = kEightyLetters + "/" + kEightyLetters;
     fs::create_directories(folder.path(words));
     EXPECT_EQ(halvark_log_debug_init(folder.suite_path(words).c_str()), 0);
-    EXPECT_EQ(Content(words + "/DEBUG.LOG"), "H") << "the limit counts characters, not bytes";
+    EXPECT_EQ(Content(words + "/" ORX_LOG_NAME), "H") << "the limit counts characters, not bytes";
     unsetenv("PUBLIC");
     EXPECT_EQ(halvark_log_debug_init(nullptr) + halvark_log_debug_write_thread("line"), -2);
     setenv("PUBLIC", folder.path().c_str(), 1);

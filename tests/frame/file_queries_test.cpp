@@ -71,18 +71,20 @@ TEST_F(FileQueries, AnswerForFilesFoldersPipesAndMissingNames) {
   close(opened);
 }
 
-TEST_F(FileQueries, ExistenceUsesFirst260Characters) {
-  const std::string name(250 - folder.path().size(), 'd'), parent = folder.suite_path(name);
-  const std::string file(259 - parent.size(), 'f'), longest = parent + "\\" + file;
+TEST_F(FileQueries, ExistenceUsesFirstCharactersOfLongPath) {
+  const std::string name(ORX_QUERY_PATH_LENGTH - 10 - folder.path().size(), 'd');
+  const std::string parent = folder.suite_path(name);
+  const std::string file(ORX_QUERY_PATH_LENGTH - 1 - parent.size(), 'f'), longest = parent + "\\" + file;
   fs::create_directory(folder.path(name));
   Create({{name + "/" + file, 1}});
   EXPECT_EQ(answers(longest), Answers(1, 0, 1, 1, 1));
   const std::string words = folder.path(kEightyLetters + "/" + kEightyLetters);
   fs::create_directories(words);
-  EXPECT_EQ(answers(words), Answers(0, 1, 0, 0, 0)) << "more than 260 bytes";
+  EXPECT_EQ(answers(words), Answers(0, 1, 0, 0, 0)) << "the limit counts characters, not bytes";
   for (const std::size_t more : {1U, 9740U}) {
     EXPECT_EQ(answers(longest + std::string(more, 'x')), Answers(1, 0, 0, 0, 0)) << more;
-    EXPECT_EQ(DirectoryExists((parent + std::string(260 - parent.size() + more, '\\')).c_str()), 1) << more;
+    const std::string backslashes(ORX_QUERY_PATH_LENGTH - parent.size() + more, '\\');
+    EXPECT_EQ(DirectoryExists((parent + backslashes).c_str()), 1) << more;
   }
 }
 

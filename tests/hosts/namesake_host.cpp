@@ -42,7 +42,9 @@ ORX_API void operator delete(void* memory) noexcept { std::free(memory); }
 ORX_API void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 int main() {
-  void* library = dlopen("liborx.so.6", RTLD_NOW | RTLD_NOLOAD);
+  char file_name[32];
+  std::snprintf(file_name, sizeof file_name, "liborx.so.%d", ORX_VERSION_MAJOR);
+  void* library = dlopen(file_name, RTLD_NOW | RTLD_NOLOAD);
   if (library == nullptr) return fail("the library is not loaded");
   auto* const library_trim = reinterpret_cast<decltype(&trim)>(dlsym(library, "trim"));
   if (library_trim == nullptr || library_trim == trim) return fail("the library's function is not found");

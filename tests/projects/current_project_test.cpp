@@ -102,8 +102,8 @@ TEST_F(CurrentProject, GetProjectNameExRespectsTheLengthOfTheBuffer) {
   EXPECT_EQ(ProjectSetting_GetProjectNameEx(nullptr, nullptr), -1);
 }
 
-TEST_F(CurrentProject, PathGettersHaveSpaceFor259Bytes) {
-  const std::string longest(258, 'x');
+TEST_F(CurrentProject, PathGettersNeverExceedTheirBuffer) {
+  const std::string longest(ORX_PROJECT_PATH_SIZE - 2, 'x');
   const std::string cases[][3] = {{'\\' + longest, "1:\\" + longest, "0:"},
                                   {longest + "\\y", "0:untouched", "0:" + longest},
                                   {longest + "x\\y", "0:untouched", "0:" + longest + 'x'},
@@ -171,8 +171,8 @@ TEST_F(CurrentProject, LoadThrowsAndKeepsProjectsWhenItFails) {
       {a, ""},
       {b, ""},
       {missing, "Cannot find the TESSEL project file '" + missing + "'."},
-      {distant, ("Cannot find the TESSEL project file '" + distant).substr(0, 199)},
-      {cyrillic, ("Cannot find the TESSEL project file '" + cyrillic).substr(0, 198)},
+      {distant, ("Cannot find the TESSEL project file '" + distant).substr(0, ORX_LOAD_MESSAGE_LENGTH)},
+      {cyrillic, ("Cannot find the TESSEL project file '" + cyrillic).substr(0, ORX_LOAD_MESSAGE_LENGTH - 1)},
       {directory, "Failed when loading the TESSEL project file '" + directory + "'."},
       {nameless, "The TESSEL project file '" + nameless + "' is invalid. The site name cannot be empty."}};
   for (const auto& [path, failure] : loads) EXPECT_EQ(failure_to_load(path), failure);

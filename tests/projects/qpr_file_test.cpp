@@ -140,7 +140,7 @@ TEST_F(QprFile, LoadFailsWithoutBasePathAndFillsRecord) {
   }
   EXPECT_EQ(failure_of(file), "the path is too shallow to hold a project folder");
 
-  const std::string name(255, 'x');
+  const std::string name(ORX_SITE_DATABASE_LENGTH, 'x');
   file.SetFileName((base + "\\Pit 1\\a.qpr").c_str());
   ASSERT_EQ(Load(property("SiteDatabasePlatform", "JET4") + property("SiteDatabase", name)), 1);
   EXPECT_EQ(info.SiteDatabase, name) << "unchanged, since the new path would be too long";

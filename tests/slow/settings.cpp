@@ -22,7 +22,7 @@ namespace {
 constexpr int kWriters = 8;
 constexpr int kValuesOfWriter = 1000;
 constexpr int kKills = 200;
-constexpr int kGroup = 10;  // values in a key; after the last of them the key before is deleted
+constexpr int kGroup = 10;  // values in a key; when a key is full, the previous key is deleted
 constexpr std::chrono::microseconds kLongestLife(80'000);
 
 // The values have different sizes. Every fifth may be so large that a kill often interrupts its write.

@@ -112,7 +112,7 @@ TEST_F(XmlInput, LoadRefusesInvalidOrTooLargeDocument) {
     const std::string outcome = Read(bytes);
     EXPECT_TRUE(outcome.starts_with("refused: ") && outcome.find(reason) != outcome.npos)
         << bytes.substr(0, 60) << ": " << outcome << ", not " << reason;
-    COrxXMLDoc document;  // which shows that the reason is valid UTF-8
+    COrxXMLDoc document;  // refuses a reason that is not valid UTF-8
     Element root;
     EXPECT_EQ(document.SetXMLText(root.Out(), ("<a><![CDATA[" + outcome + "]]></a>").c_str()), 1) << outcome;
   }

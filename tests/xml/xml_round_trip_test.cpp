@@ -96,7 +96,7 @@ void expect_same(COrxXMLDoc& document, IXMLDOMNode* expected, IXMLDOMNode* node)
   }
   EXPECT_EQ(document.NextXMLNode(list, child.Out()), 0) << expected_text;
   ASSERT_TRUE(document.GetXMLValue(expected, expected_text) && document.GetXMLValue(node, text));
-  // A load drops white space between elements, also where it was the text of an element within this one.
+  // A load drops white space between elements, so only the text of an element without children must be equal.
   if (is_leaf) {
     EXPECT_EQ(text, expected_text);
   }
@@ -132,7 +132,7 @@ struct Host {
     while (added < count && set_attribute(document, root, numbered(prefix, added).c_str(), text)) ++added;
     return added == count;
   }
-  // `count` elements with the root.
+  // `count` elements, including the root.
   bool Nest(int count, bool with_namespaces) {
     std::vector<Element> below(static_cast<std::size_t>(count));
     IXMLDOMElement* element = root;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <numbers>
 #include <string>
 
 #include "commands.h"
@@ -16,14 +17,13 @@
 namespace orx::cli {
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr int kUnreadable = -1;  // a result of orxdb_StrToVal
-
 int mode_of(const AngleArguments& arguments) {
   return find_field_type(FieldTypes::kAngles, arguments.mode)->number;
 }
 
-Record angle_record(double radians) { return {{"Radians", radians}, {"Degrees", radians / kPi * 180}}; }
+Record angle_record(double radians) {
+  return {{"Radians", radians}, {"Degrees", radians / std::numbers::pi * 180}};
+}
 
 // A limit as bytes of the field's type. Get returns null when no limit was given.
 class Limit {
@@ -58,7 +58,7 @@ Value date_text(const ValueKind& kind, const Imported& imported) {
   if (imported.result != 0 || imported.special != orxdbOrdinary) return {};
   const orxDateTime moment{std::get<double>(imported.value), orxYearMonthDay,
                            static_cast<std::int16_t>(kind.date_kind), 0};
-  std::array<char, 64> text{};
+  std::array<char, ORX_DATE_TEXT_SIZE> text{};
   orxDateTime_FormatSpecialFullLengthString(&moment, text.data(), static_cast<int>(text.size()));
   return text.data();
 }
@@ -83,7 +83,7 @@ void angle_read(const AngleArguments& arguments, std::ostream& out) {
 void angle_write(const AngleArguments& arguments, std::ostream& out) {
   double radians = 0;
   if (!read_number(arguments.text, radians)) throw Failure(arguments.text, "it is not a number");
-  if (arguments.degrees) radians = radians / 180 * kPi;
+  if (arguments.degrees) radians = radians / 180 * std::numbers::pi;
   std::array<char, ORX_ANGLE_TEXT_SIZE> text{};
   zel_convert_ang_to_str(mode_of(arguments), radians, static_cast<int>(arguments.packed), text.data());
   if (arguments.format == Format::kJson) {
@@ -109,7 +109,7 @@ void field_show(const FieldArguments& arguments, std::ostream& out) {
   imported.value = type.kind.value(bytes.data());
   write_record(out, field_record(type.kind, imported), arguments.format);
   if (imported.result == 0) return;
-  if (imported.result == kUnreadable) {
+  if (imported.result == ORX_FIELD_NOT_READ) {
     throw Failure(arguments.text, std::string("it is not ") + type.kind.expected);
   }
   throw Failure(arguments.text, "it does not fit into " + std::to_string(size) + " bytes");

@@ -18,7 +18,7 @@ std::string default_of(const CQPLFile& list) {
 void require_listed(const CQPLFile& list, const ListArguments& arguments) {
   CStringA path;
   if (list.GetProject(arguments.name.c_str(), path) == 0) {
-    throw Failure(arguments.file, "lists no project '" + arguments.name + "'");
+    throw Failure(arguments.file, "there is no project '" + arguments.name + "' in the list");
   }
 }
 

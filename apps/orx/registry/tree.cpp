@@ -1,6 +1,7 @@
 #include "registry/tree.h"
 
 #include <orx/compat/string_a.h>
+#include <orx/frame/native_path.h>
 #include <orx/settings/registry.h>
 
 #include <algorithm>
@@ -13,7 +14,6 @@
 namespace orx::cli {
 namespace {
 
-constexpr std::size_t kPathSize = 4096;
 constexpr DWORD kFirstDataSize = 4096;  // buffers grow for longer values
 
 // Errors of the registry. If `is_of_file`, the reason follows the name of the registry's file.
@@ -34,7 +34,7 @@ constexpr struct {
 };
 
 std::string registry_file_of(HKEY root) {
-  std::array<char, kPathSize> path{};
+  std::array<char, ORX_PATH_SIZE> path{};
   return orx_registry_file(root, path.data(), path.size()) == 0 ? path.data() : "the registry";
 }
 
@@ -77,7 +77,8 @@ KeyName sub_key_of(const KeyName& key, const std::string& name) {
 
 void require_value(const KeyName& key, const std::string& name, LSTATUS status, Use use) {
   if (status != ERROR_FILE_NOT_FOUND) return require_success(key, status, use);
-  throw Failure(key.full, name.empty() ? "the key has no default value" : "has no value '" + name + "'");
+  throw Failure(key.full,
+                name.empty() ? "the key has no default value" : "the key has no value '" + name + "'");
 }
 
 StoredValue read_opened(HKEY opened, const KeyName& key, const std::string& name) {

@@ -141,6 +141,12 @@ std::string display_text_of(const StoredValue& value) {
   return text_of(data);
 }
 
+std::vector<std::string> value_types() {
+  std::vector<std::string> names;
+  for (const Type& type : kTypes) names.emplace_back(type.name);
+  return names;
+}
+
 bool value_from_text(const std::string& type, const std::string& text, StoredValue& value,
                      std::string& reason) {
   const Type& row = type_with_name(type);

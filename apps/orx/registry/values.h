@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "report.h"
 
@@ -31,14 +32,17 @@ LosslessData lossless_data_of(const StoredValue& value);
 std::string type_name(DWORD type);
 std::string display_text_of(const StoredValue& value);
 
-// `type` is a type of the command line: string, dword, double, float or binary. Both functions return false
+// The types of the command line.
+std::vector<std::string> value_types();
+
+// `type` is one of value_types(). Both functions return false
 // and set `reason` when the text or the value does not have this type.
 bool value_from_text(const std::string& type, const std::string& text, StoredValue& value,
                      std::string& reason);
 bool convert_data(const std::string& type, const StoredValue& value, Value& data, std::string& reason);
 
-// The bytes as the registry stores them. A text must not contain a NUL. The others return false for a number
-// that is not a dword, and for text that is not pairs of hexadecimal digits.
+// The bytes as the registry stores them. A text must not contain a NUL. dword_bytes returns false for a
+// number that does not fit, and bytes_of_hex for text that is not pairs of hexadecimal digits.
 std::string string_bytes(const std::string& text);
 bool dword_bytes(std::int64_t number, std::string& bytes);
 bool bytes_of_hex(const std::string& digits, std::string& bytes);

@@ -72,7 +72,7 @@ void protect_surface(const SectionArguments& arguments) {
   if (!arguments.svg) return;
   std::error_code ignored;  // the drawing may be missing
   if (std::filesystem::equivalent(native_path(arguments.file), native_path(*arguments.svg), ignored)) {
-    throw Failure(arguments.file, "--svg would overwrite it");
+    throw Failure(arguments.file, "--svg would overwrite the surface");
   }
 }
 
@@ -88,7 +88,7 @@ Cut cut_file(const SectionArguments& arguments) {
   const TriangleSurface surface = read_surface(arguments.file, progress);
   const double tolerance = given_tolerance.value_or(default_tolerance(surface));
   Section section = cut_surface(surface, seeds, tolerance, progress);
-  if (section.polylines.empty()) throw Failure(arguments.file, "the plane does not cut it");
+  if (section.polylines.empty()) throw Failure(arguments.file, "the plane does not cut the surface");
   const double precision = 10 * std::max(tolerance, default_tolerance(surface));
   std::string length = fixed_text(section.length, decimals_for(precision));
   return {std::move(section), std::move(length)};

@@ -19,7 +19,7 @@ namespace orx::cli {
 
 // A coordinate system in the plane. `origin` is the point of the plane that is closest to the surface's
 // origin. `across` and `up` are perpendicular unit vectors: `across` is horizontal and points from the first
-// seed towards the others, `up` rises. In a horizontal plane they point east and north.
+// seed towards the other two, and `up` points upwards. In a horizontal plane they point east and north.
 struct Frame {
   Point origin;
   Point across;

@@ -22,7 +22,7 @@ constexpr std::size_t kLongestWord = 40;  // in a message
 // each other, which must not overflow.
 constexpr int kMinExponent = -100;
 
-// Reads the file in one pass. The text ends with a NUL, as in a std::string, so that the reader may look at
+// Reads the file in one pass. The text ends with a NUL, as in a std::string, so that the reader may test
 // the character at `end_`. A NUL within the file is an ordinary character.
 class ObjReader {
  public:

@@ -6,6 +6,7 @@
 #include <orx/platform/posix/support/descriptor.h>
 #include <orx/platform/posix/support/directory.h>
 #include <orx/platform/posix/support/error_text.h>
+#include <orx/platform/posix/support/file_attributes.h>
 
 #include <fcntl.h>
 #include <limits.h>
@@ -26,13 +27,10 @@ namespace orx::platform {
 namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
-constexpr int kMaxLinks = 40;  // the limit of the system itself
 constexpr int kMaxTemporaryNames = 100;
 // The search for temporary files of killed processes ends after this number of entries, which takes some
 // milliseconds.
 constexpr int kMaxEntriesSearched = 10'000;
-constexpr char kAccessControlList[] = "system.posix_acl_access";
-constexpr mode_t kPermissionBits = 0777;
 constexpr mode_t kNewFileMode = 0666;
 
 // Returns false, for `return fail(reason)`.
@@ -163,7 +161,7 @@ struct FileReplacement::State {
   Descriptor folder;
   Descriptor file;        // the temporary file, which this process has locked
   std::string name;       // of the file to replace, within the folder
-  std::string temporary;  // the name of the temporary file; empty: there is none to remove
+  std::string temporary;  // the name of the temporary file; empty when there is no file to remove
   std::string buffer;
   std::string refusal;  // in place: why there is no temporary file
   bool is_in_place = false;
@@ -200,8 +198,8 @@ struct FileReplacement::State {
     return folder.is_open() || fail(reason);
   }
 
-  // Refuses what is not a regular file, and a file that this user may not write: a rename would replace it
-  // all the same. The old file is not opened, because opening a pipe blocks.
+  // Refuses anything that is not a regular file, and a file that this user may not write, which a rename
+  // would replace nevertheless. The old file is not opened, because opening a pipe blocks.
   bool CheckOld(const struct stat& old, std::string& reason) const {
     if (S_ISDIR(old.st_mode)) return fail(reason, error_text(EISDIR));
     if (!S_ISREG(old.st_mode)) return fail(reason, "Not a regular file");
@@ -231,8 +229,8 @@ struct FileReplacement::State {
     return EEXIST;
   }
 
-  // Removes the temporary files that killed replacements of this file have left. Where the file system has no
-  // locks, none is removed, since its process may be alive.
+  // Removes the temporary files that killed replacements of this file have left. Removes nothing where the
+  // file system has no locks, because the process that writes a file may still run.
   void RemoveAbandoned() const {
     const int copy = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const Directory entries(copy >= 0 ? fdopendir(copy) : nullptr);  // owns `copy`

@@ -4,6 +4,7 @@
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/support/cancellation_block.h>
 #include <orx/platform/posix/support/descriptor.h>
+#include <orx/platform/posix/support/file_attributes.h>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -20,8 +21,6 @@
 namespace orx::platform {
 namespace {
 
-constexpr int kMaxLinks = 40;  // the limit of the system itself
-constexpr mode_t kPermissionBits = 0777;
 // The bits that a new file or folder takes over from its folder. A folder also takes over that its entries
 // get its group (S_ISGID), and that users may delete only their own entries (S_ISVTX).
 constexpr mode_t kFileBits = 0666;
@@ -79,10 +78,9 @@ mode_t inherit_owner(int entry, const Place& place, const struct stat& status) {
 
 // Copies the rights of single users and groups. False when the folder has no access control list.
 bool copy_access_control_list(const Place& place, int entry) {
-  constexpr const char* kName = "system.posix_acl_access";
   char list[kMaxListSize];
-  const ssize_t size = getxattr(place.folder_path.c_str(), kName, list, sizeof list);
-  return size > 0 && fsetxattr(entry, kName, list, static_cast<std::size_t>(size), 0) == 0;
+  const ssize_t size = getxattr(place.folder_path.c_str(), kAccessControlList, list, sizeof list);
+  return size > 0 && fsetxattr(entry, kAccessControlList, list, static_cast<std::size_t>(size), 0) == 0;
 }
 
 // Gives a new entry the rights and the group of its folder, and also its owner if the administrator created

@@ -83,7 +83,7 @@ bool can_hold(xmlElementType type, std::string_view text) {
   }
 }
 
-// The attribute whose value the node is or holds. Null for other nodes.
+// The attribute that the node is, or whose value the node is a part of. Null for other nodes.
 const xmlNode* attribute_of(const xmlNode& node) {
   const xmlNode* owner = node.type == XML_TEXT_NODE ? node.parent : &node;
   const bool is_attribute = owner != nullptr && owner->type == XML_ATTRIBUTE_NODE;

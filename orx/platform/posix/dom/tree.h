@@ -60,7 +60,8 @@ class Tree {
   // reference itself.
   bool HasHandles() const { return references_ > 1; }
 
-  // A list is a reference too. Lists are also counted, because they refer to nodes that have no handle.
+  // A list is a reference to the tree, too. Lists are also counted on their own, because they refer to nodes
+  // that have no handle.
   void AddList() {
     ++lists_;
     AddRef();
@@ -98,7 +99,7 @@ struct TreeReleaser {
 };
 using TreePointer = std::unique_ptr<Tree, TreeReleaser>;
 
-// The handle of one node of any type. Elements are told apart by the type of the libxml2 node.
+// The handle of one node of any type. The type of the libxml2 node says whether it is an element.
 class Node final : public IXMLDOMElement {
  public:
   Node(Tree& owner, xmlNode* target) : tree(owner), node(target) {
@@ -161,8 +162,8 @@ class Document final : public IXMLDOMDocument {
   unsigned long references_ = 1;
 };
 
-// The first child of an element, attribute or document. Null for every other node: the children that libxml2
-// gives those are not part of the document for a host.
+// The first child of an element, attribute or document. Null for every other node, although libxml2 gives
+// some of them children: hosts do not see these.
 xmlNode* first_child(const xmlNode& node);
 
 // The node after `node` in document order, within the subtree of `top`. Null after the last node.
@@ -170,7 +171,7 @@ xmlNode* next_below(xmlNode* node, const xmlNode* top);
 
 // Removes the attributes at and below `top` from the document's table of IDs. Call this before the attributes
 // are removed from the tree or their values change: libxml2 finds an entry of the table by its value, and may
-// leave the entry behind when it frees the attribute.
+// keep the entry when it frees the attribute.
 void forget_ids(xmlNode& top);
 
 // Whether a text is empty or only white space.

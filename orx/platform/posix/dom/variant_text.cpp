@@ -48,7 +48,9 @@ std::string currency_text(std::int64_t ten_thousandths) {
 HRESULT date_text(double date, std::string& text) {
   calendar::Fields fields;
   if (!calendar::to_fields(date, fields)) return E_INVALIDARG;
-  const bool is_day_zero = fields.year == 1899 && fields.month == 12 && fields.day == 30;
+  constexpr calendar::Fields kDayZero;
+  const bool is_day_zero =
+      fields.year == kDayZero.year && fields.month == kDayZero.month && fields.day == kDayZero.day;
   const bool has_date = !is_day_zero;
   const bool has_time = fields.hour != 0 || fields.minute != 0 || fields.second != 0;
   char part[48];
@@ -74,6 +76,21 @@ HRESULT wide_text(BSTR value, std::string& text) {
 HRESULT store(std::string converted, std::string& text) {
   text = std::move(converted);
   return S_OK;
+}
+
+// The result for a type that has no text.
+HRESULT error_for_type(VARTYPE type) {
+  switch (type) {
+    case VT_NULL:
+    case VT_ERROR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+    case VT_VARIANT:
+    case VT_RECORD:
+      return DISP_E_TYPEMISMATCH;
+    default:
+      return DISP_E_BADVARTYPE;
+  }
 }
 
 }  // namespace
@@ -117,15 +134,8 @@ HRESULT variant_text(const VARIANT& value, std::string& text) {
       return date_text(value.date, text);
     case VT_BSTR:
       return wide_text(value.bstrVal, text);
-    case VT_NULL:
-    case VT_ERROR:
-    case VT_DISPATCH:
-    case VT_UNKNOWN:
-    case VT_VARIANT:
-    case VT_RECORD:
-      return DISP_E_TYPEMISMATCH;
     default:
-      return DISP_E_BADVARTYPE;
+      return error_for_type(value.vt);
   }
 }
 

@@ -63,7 +63,7 @@ class RegistryDatabase {
   explicit RegistryDatabase(const RegistryPlace& place) : place_(place) {}
 
   void Begin(RegistryTransaction::Intent intent);
-  // Makes the transaction one for writing, and creates the file if there is none. Another process may have
+  // Allows the transaction to write, and creates the file if it does not exist. Another process may have
   // written before this call returns, so what the transaction has read may have changed.
   LSTATUS BeginWriting();
   // Commits the transaction if the outcome is kKept and nothing has failed; otherwise undoes it. Returns the

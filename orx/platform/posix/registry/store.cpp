@@ -100,7 +100,8 @@ LSTATUS RegistryStore::DeleteTree(KeyId from, std::string_view path) {
   return Remove(path.empty() ? Sql::kDeleteChildren : Sql::kDeleteKey, key);
 }
 
-// Only a value that is not found needs a second query, which tells a missing value from a deleted key.
+// Only a value that is not found needs a second query, which distinguishes a missing value from a deleted
+// key.
 LSTATUS RegistryStore::Query(KeyId key, std::string_view name, const ValueOutput& output) {
   std::string folded;
   LSTATUS status = fold_value_name(name, folded) ? database_.ReadStatus() : LSTATUS{ERROR_FILE_NOT_FOUND};

@@ -10,7 +10,7 @@
 
 namespace orx::platform {
 
-using KeyId = std::int64_t;  // no two keys ever have the same, so a deleted key stays deleted
+using KeyId = std::int64_t;  // never used again, so a deleted key stays deleted
 
 // The buffers of RegEnumKeyExA and RegQueryValueExA. `size` is the capacity before the call and the size of
 // the result after it. The pointers of a name are never null; those of a value may be, as compat/hkey.h says.
