@@ -27,7 +27,7 @@ void write_line(int file, const char* text) {
 // "stderr", the name of a file, or empty. The text is never freed.
 const char* destination() {
   try {
-    return environment_variable("ORX_DEBUG_OUTPUT").c_str();
+    return environment_variable(Variable::kDebugOutput).c_str();
   } catch (const std::bad_alloc&) {
     return "";
   }

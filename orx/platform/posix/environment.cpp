@@ -12,7 +12,6 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -21,18 +20,27 @@
 #include <iterator>
 #include <memory>
 #include <mutex>
-#include <string_view>
 #include <vector>
 
 namespace orx::platform {
 namespace {
 
-constexpr std::string_view kNames[] = {
-    "ORX_DRIVES", "ORX_USER_REGISTRY", "ORX_MACHINE_REGISTRY", "ORX_DEBUG_OUTPUT",
-    "HOME",       "XDG_CONFIG_HOME",   "XDG_DATA_HOME"};
+constexpr struct {
+  Variable variable;
+  const char* name;
+} kNames[] = {{Variable::kDrives, "ORX_DRIVES"},
+              {Variable::kUserRegistry, "ORX_USER_REGISTRY"},
+              {Variable::kMachineRegistry, "ORX_MACHINE_REGISTRY"},
+              {Variable::kDebugOutput, "ORX_DEBUG_OUTPUT"},
+              {Variable::kHome, "HOME"},
+              {Variable::kXdgConfigHome, "XDG_CONFIG_HOME"},
+              {Variable::kXdgDataHome, "XDG_DATA_HOME"}};
 
-// The last value is always empty. It is the value of a name that is not in kNames.
-using Values = std::array<std::string, std::size(kNames) + 1>;
+// The values in the order of the enumerators.
+using Values = std::array<std::string, std::size(kNames)>;
+
+constexpr std::size_t index_of(Variable variable) { return static_cast<std::size_t>(variable); }
+static_assert(index_of(Variable::kXdgDataHome) + 1 == std::size(kNames));
 
 struct Snapshot {
   Values values;
@@ -54,9 +62,9 @@ constinit std::mutex snapshot_mutex;  // for new snapshots
 
 Values read_values() {
   Values values;
-  for (std::size_t i = 0; i < std::size(kNames); ++i) {
-    const char* value = secure_getenv(kNames[i].data());
-    if (value != nullptr) values[i] = value;
+  for (const auto& [variable, name] : kNames) {
+    const char* value = secure_getenv(name);
+    if (value != nullptr) values[index_of(variable)] = value;
   }
   return values;
 }
@@ -116,14 +124,11 @@ void read_environment() {
   read_all();
 }
 
-const std::string& environment_variable(const char* name) {
-  const auto index = std::ranges::find(kNames, std::string_view(name)) - std::begin(kNames);
-  return current_values()[static_cast<std::size_t>(index)];
-}
+const std::string& environment_variable(Variable variable) { return current_values()[index_of(variable)]; }
 
-std::string user_folder(const char* xdg_variable, const char* below_home) {
+std::string user_folder(Variable xdg_variable, const char* below_home) {
   if (std::string folder = environment_variable(xdg_variable); folder.starts_with('/')) return folder;
-  std::string home = environment_variable("HOME");
+  std::string home = environment_variable(Variable::kHome);
   if (home.empty()) home = find_home_folder();
   return home.empty() ? home : home + '/' + below_home;
 }

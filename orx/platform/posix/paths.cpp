@@ -27,8 +27,8 @@ bool names_server(const char* path) {
 
 // Empty when no variable names it and the user has no home folder.
 std::string drive_folder() {
-  if (std::string folder = environment_variable("ORX_DRIVES"); !folder.empty()) return folder;
-  const std::string data = user_folder("XDG_DATA_HOME", ".local/share");
+  if (std::string folder = environment_variable(Variable::kDrives); !folder.empty()) return folder;
+  const std::string data = user_folder(Variable::kXdgDataHome, ".local/share");
   return data.empty() ? data : data + "/orx/drives";
 }
 

@@ -1,7 +1,5 @@
 #include <orx/platform/posix/registry/place.h>
 
-#include <orx/platform/posix/environment.h>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,7 +30,7 @@ std::string registry_path(const RegistryPlace& place) {
   if (!path.empty() && path.front() != '/') path.insert(0, "./");
   if (!path.empty()) return path;
   if (place.file[0] == '/') return place.file;
-  path = user_folder("XDG_CONFIG_HOME", ".config");
+  path = user_folder(Variable::kXdgConfigHome, ".config");
   if (!path.empty()) path.append("/").append(place.file);
   return path;
 }
