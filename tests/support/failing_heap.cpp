@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <new>
 #include <utility>
 
@@ -37,7 +36,7 @@ alignas(std::max_align_t) char arena[std::size_t{16} << 20];
 std::size_t arena_used = 0;
 bool uses_arena = false;
 
-bool is_in_arena(const void* block) { return block >= arena && block < std::end(arena); }
+bool is_in_arena(const void* block) { return block >= arena && block < arena + sizeof arena; }
 
 std::size_t& size_of(void* block) {
   return *reinterpret_cast<std::size_t*>(static_cast<char*>(block) - kHeader);
