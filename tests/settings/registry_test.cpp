@@ -18,7 +18,6 @@
 namespace {
 
 using namespace orx::testing;
-using Names = std::vector<std::string>;
 
 class SettingsTest : public orx::testing::RegistryTest {
  protected:
