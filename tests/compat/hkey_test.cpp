@@ -10,7 +10,6 @@
 namespace {
 
 using namespace orx::testing;
-using Names = std::vector<std::string>;
 using Statuses = std::vector<LSTATUS>;
 
 LSTATUS set(HKEY key, const char* name, const char* text = "") {
@@ -46,16 +45,15 @@ TEST_F(RegistryKeyTest, PathsIgnoreCaseAndExtraBackslashes) {
   std::string longest, deepest;
   for (int i = 0; i < 255; ++i) longest += "ü";
   for (int i = 0; i < 509; ++i) deepest += "k\\";
-  struct Row {
-    std::string made, opened;  // the second path opens the same key
-    LSTATUS status = ERROR_SUCCESS;
-  };
+  // The second path opens the same key.
+  using Row = std::tuple<std::string, std::string, LSTATUS>;
   for (const auto& [made, opened, status] :
-       {Row{"A\\B\\C", "a\\b\\c"}, Row{"D\\\\\\E", "D\\E\\\\"}, Row{"Ünïcode", "üNÏCODE"},
-        Row{" a/.:*?\"<>|%d\t\n", " A/.:*?\"<>|%D\t\n"}, Row{longest, longest},
-        Row{std::string(256, 'x'), std::string(256, 'x'), ERROR_INVALID_PARAMETER}, Row{deepest, deepest},
-        Row{deepest + "k", deepest + "k", ERROR_FILE_NOT_FOUND}, Row{"\\L", "\\L", ERROR_BAD_PATHNAME},
-        Row{"A\\\xE9", "A\\\xE9", ERROR_INVALID_PARAMETER}}) {
+       {Row{"A\\B\\C", "a\\b\\c", ERROR_SUCCESS}, Row{"D\\\\\\E", "D\\E\\\\", ERROR_SUCCESS},
+        Row{"Ünïcode", "üNÏCODE", ERROR_SUCCESS},
+        Row{" a/.:*?\"<>|%d\t\n", " A/.:*?\"<>|%D\t\n", ERROR_SUCCESS}, Row{longest, longest, ERROR_SUCCESS},
+        Row{std::string(256, 'x'), std::string(256, 'x'), ERROR_INVALID_PARAMETER},
+        Row{deepest, deepest, ERROR_SUCCESS}, Row{deepest + "k", deepest + "k", ERROR_FILE_NOT_FOUND},
+        Row{"\\L", "\\L", ERROR_BAD_PATHNAME}, Row{"A\\\xE9", "A\\\xE9", ERROR_INVALID_PARAMETER}}) {
     const HKEY key = Made(made, key_);
     EXPECT_EQ(key != nullptr, status == ERROR_SUCCESS) << made;
     EXPECT_EQ(Open(opened.c_str(), key_), status) << opened;
@@ -145,8 +143,7 @@ TEST_F(RegistryKeyTest, EmptyPathIsTheKeyItself) {
 TEST_F(RegistryKeyTest, RefusesInvalidHandles) {
   for (const std::uintptr_t number : {std::uintptr_t{0}, std::uintptr_t{0x80000004}, ~std::uintptr_t{0}}) {
     const HKEY key = reinterpret_cast<HKEY>(number);
-    EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(set(key, "x"), ERROR_INVALID_HANDLE);
+    EXPECT_EQ((Statuses{RegCloseKey(key), set(key, "x")}), Statuses(2, ERROR_INVALID_HANDLE));
   }
   EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), ERROR_SUCCESS);
   EXPECT_EQ(Open("Software", HKEY_CURRENT_USER), ERROR_SUCCESS);

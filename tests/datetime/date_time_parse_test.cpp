@@ -35,9 +35,8 @@ TEST(DateTimeParse, ReadsDateAndTimeInEitherOrder) {
         Row{"2023/12/25", "1 error 1", orxDateTimeFull, 3}, Row{"4294967297/1/1", "1 error 2"},
         Row{"GETDATE()", "0 2024/06/15 08:09:10"}, Row{"GETDATE()", "0 2024/06/15", orxDateTimeDate},
         Row{"GETDATE()", "0  8:09:10", orxDateTimeTime},
-        Row{"2024/03/05 10:20:30", "0 10:20:30", orxDateTimeTime}}) {
+        Row{"2024/03/05 10:20:30", "0 10:20:30", orxDateTimeTime}})
     EXPECT_EQ(parsed(c.text, c.kind, c.order), c.outcome) << c.text;
-  }
   EXPECT_EQ(parsed(nullptr, orxDateTimeFull, orxYearMonthDay), "0 unchanged");
   orx::platform::replace_clock(nullptr);
 }

@@ -234,10 +234,9 @@ TEST(Octree, CallsBackInOrder) {
   EXPECT_EQ(tree.SuperFindNode(&probe), 2);
   EXPECT_EQ(calls_made(), "2=9 4=9 1=9 3=9 ");
   EXPECT_EQ(all_of(tree), (Found{&items[1], &items[3], &items[0], &items[2]}));
-  CORXOcTreeGeneric deep;
-  init(deep, 2, logged_compare, logged_locate);
+  init(tree, 2, logged_compare, logged_locate);
   Items close = {{1, 1, 1, 1}, {1.3, 1, 1, 2}};
-  add(deep, close);  // level by level
+  add(tree, close);  // level by level
   EXPECT_EQ(calls_made(),
             "1@4 2@4 1@4 1@2 2@2 1@2 1@1 2@1 1@1 1@1.5 2@1.5 1@1.5 1@1.25 2@1.25 1@1.25 1@1.125 2@1.375 ");
 }

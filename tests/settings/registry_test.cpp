@@ -18,7 +18,6 @@
 namespace {
 
 using namespace orx::testing;
-using Names = std::vector<std::string>;
 
 class SettingsTest : public orx::testing::RegistryTest {
  protected:
@@ -121,14 +120,12 @@ TEST_F(SettingsTest, InitialisingKeepsExistingValues) {
 TEST_F(SettingsTest, DeletesAKeyAloneOrWithItsSubKeys) {
   ASSERT_EQ(hvk_RegWriteInt("A", "B", "C", "D", "x", 1), 0);
   EXPECT_EQ(hvk_RegDeleteKey("A", "B"), -1) << "has sub-keys";
-  EXPECT_EQ(hvk_RegDeleteKey("A", "b\\c\\d"), 0);
-  EXPECT_EQ(hvk_RegSHDeleteKey("A", "B"), 0);
+  EXPECT_EQ(hvk_RegDeleteKey("A", "b\\c\\d") + hvk_RegSHDeleteKey("A", "B"), 0);
   EXPECT_EQ(sub_keys(Key("A")), Names{});
   EXPECT_EQ(hvk_RegDeleteKey("New", "none"), -1);
   for (const char* key1 : {static_cast<const char*>(nullptr), "", "\\"}) {
     for (const char* name : {static_cast<const char*>(nullptr), "", "\\"}) {
-      EXPECT_EQ(hvk_RegDeleteKey(key1, name), -1);
-      EXPECT_EQ(hvk_RegSHDeleteKey(key1, name), -1);
+      EXPECT_EQ(hvk_RegDeleteKey(key1, name) + hvk_RegSHDeleteKey(key1, name), -2);
     }
   }
   EXPECT_EQ(sub_keys(Key()), (Names{"A", "New"})) << "a missing key1 is created";

@@ -31,10 +31,12 @@ class RegistryTest : public ::testing::Test {
   std::vector<HKEY> opened_;
 };
 
+using Names = std::vector<std::string>;
+
 // All names that one of the two listing functions lists.
 template <class List>
-std::vector<std::string> names(HKEY key, List list) {
-  std::vector<std::string> found;
+Names names(HKEY key, List list) {
+  Names found;
   for (DWORD index = 0;; ++index) {
     char name[1024];
     DWORD size = sizeof name;
@@ -43,7 +45,7 @@ std::vector<std::string> names(HKEY key, List list) {
   }
 }
 
-inline std::vector<std::string> sub_keys(HKEY key) { return names(key, RegEnumKeyExA); }
-inline std::vector<std::string> values(HKEY key) { return names(key, RegEnumValueA); }
+inline Names sub_keys(HKEY key) { return names(key, RegEnumKeyExA); }
+inline Names values(HKEY key) { return names(key, RegEnumValueA); }
 
 }  // namespace orx::testing

@@ -93,8 +93,7 @@ TEST(AngleText, ReadsMissingColumnsAsZero) {
   EXPECT_EQ(zel_convert_str_to_ang(zelDegreesMinutesSeconds, nullptr, 1), 0);
   EXPECT_EQ(written(zelRadians, zel_convert_str_to_ang(zelRadians, "-0", 0), 0), " -0.00000000");
   for (const char c : {' ', '9', ':'}) {
-    std::string text;
-    text.resize(10'000'000, c);
+    const std::string text(10'000'000, c);
     for (const int packed : {0, 1})
       EXPECT_EQ(degrees_read(zelDegreesMinutesSeconds, text, packed), c == '9' ? kInfinity : 0) << c;
   }

@@ -56,13 +56,11 @@ TEST(Strings, UpperAndBoundedCopyConvertAndFill) {
 
 TEST(Strings, RecognisesNumbers) {
   for (const char* text :
-       {"12", " -3.5 ", "1.5e-3", "2E+10", "-1.e5", "+", ".", " \t", "5e", "5e-", "1 e5", "- e5", "\v1\f"}) {
+       {"12", " -3.5 ", "1.5e-3", "2E+10", "-1.e5", "+", ".", " \t", "5e", "5e-", "1 e5", "- e5", "\v1\f"})
     EXPECT_TRUE(IsNumeric(text)) << text;
-  }
   for (const char* text : {"", "1.2.3", "1e2E3", "3-", "1e2.5", "0x1F", "1,5", "e5", "E", " e5", "+-1",
-                           "1e 5", "1 2", "\xB2", "1.2.e3"}) {
+                           "1e 5", "1 2", "\xB2", "1.2.e3"})
     EXPECT_FALSE(IsNumeric(text)) << text;
-  }
   EXPECT_FALSE(IsNumeric(CStringA("1\0", 2)));
 }
 

@@ -33,8 +33,7 @@ TEST(TokenParser, AtMost25Tokens) {
     if (delimiters < 25) expected.back() = "end";
     EXPECT_EQ(split(std::string(delimiters, ':') + "end", ":"), expected) << delimiters;
   }
-  std::string long_token;
-  long_token.resize(10'000'000, 'x');
+  const std::string long_token(10'000'000, 'x');
   EXPECT_EQ(split(long_token + ":", ":"), (Texts{long_token, ""}));
 }
 
