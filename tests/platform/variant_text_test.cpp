@@ -1,4 +1,4 @@
-#include <orx/platform/posix/dom/variant_text.h>
+#include <orx/platform/variant_text.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,13 @@
 #include <orx/platform/code_page.h>
 
 #include <orx/base/ascii.h>
-#include <orx/platform/posix/support/utf8.h>
+#include <orx/base/utf8.h>
+#include <orx/compat/atl_exception.h>
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <limits>
 
 namespace orx::platform {
 namespace {
@@ -58,6 +60,15 @@ std::size_t truncated_size(std::string_view text, std::size_t capacity) {
   return is_cut ? lead : capacity;
 }
 
-BSTR widen(const char* text) { return utf8::to_wide(text != nullptr ? text : ""); }
+BSTR widen(const char* text) {
+  const std::string_view narrow = text != nullptr ? text : "";
+  if (!utf8::is_valid(narrow)) AtlThrow(E_INVALIDARG);
+  const std::size_t length = utf8::wide_length(narrow);
+  if (length > std::numeric_limits<UINT>::max()) AtlThrow(E_OUTOFMEMORY);
+  const BSTR wide = SysAllocStringLen(nullptr, static_cast<UINT>(length));
+  if (wide == nullptr) AtlThrow(E_OUTOFMEMORY);
+  utf8::to_wide(narrow, wide);
+  return wide;
+}
 
 }  // namespace orx::platform

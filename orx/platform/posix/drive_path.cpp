@@ -1,7 +1,7 @@
 #include <orx/platform/posix/drive_path.h>
 
 #include <orx/platform/posix/support/directory.h>
-#include <orx/platform/posix/support/utf8.h>
+#include <orx/platform/posix/support/letter_case.h>
 
 #include <sys/stat.h>
 
@@ -14,12 +14,12 @@ namespace {
 // Finds the only entry of a folder that has the name in any letter case. Returns 0, ENOENT or ENOTUNIQ.
 int find_entry(const std::string& folder, std::string_view name, std::string& entry_name) {
   std::string wanted, capitals;
-  if (!utf8::to_upper(name, wanted)) return ENOENT;
+  if (!to_capitals(name, wanted)) return ENOENT;
   const Directory entries(opendir(folder.c_str()));
   if (entries == nullptr) return ENOENT;
   int found = 0;
   while (const dirent* entry = readdir(entries.get())) {
-    if (!utf8::to_upper(entry->d_name, capitals) || capitals != wanted) continue;
+    if (!to_capitals(entry->d_name, capitals) || capitals != wanted) continue;
     if (++found > 1) return ENOTUNIQ;
     entry_name = entry->d_name;
   }

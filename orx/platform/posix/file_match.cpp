@@ -1,9 +1,10 @@
 #include <orx/base/ascii.h>
 #include <orx/base/errno_guard.h>
+#include <orx/base/utf8.h>
 #include <orx/platform/file_system.h>
 #include <orx/platform/posix/drive_path.h>
 #include <orx/platform/posix/support/directory.h>
-#include <orx/platform/posix/support/utf8.h>
+#include <orx/platform/posix/support/letter_case.h>
 
 #include <fcntl.h>
 #include <limits.h>
@@ -20,7 +21,7 @@ namespace {
 // The name in capitals. In a name that is not valid UTF-8, only ASCII letters change.
 std::string upper_case_name(std::string_view name) {
   std::string result(name);
-  if (!utf8::to_upper(name, result)) std::ranges::transform(result, result.begin(), to_upper);
+  if (!to_capitals(name, result)) std::ranges::transform(result, result.begin(), to_upper);
   return result;
 }
 

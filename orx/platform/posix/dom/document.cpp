@@ -1,7 +1,7 @@
 #include <orx/platform/dom.h>
+#include <orx/platform/dom_rules.h>
 #include <orx/platform/posix/dom/node_maker.h>
 #include <orx/platform/posix/dom/parse.h>
-#include <orx/platform/posix/dom/rules.h>
 #include <orx/platform/posix/dom/tree.h>
 #include <orx/platform/posix/dom/write.h>
 

@@ -1,7 +1,7 @@
 #include <orx/platform/posix/dom/node_maker.h>
 
+#include <orx/platform/dom_rules.h>
 #include <orx/platform/posix/dom/host.h>
-#include <orx/platform/posix/dom/rules.h>
 #include <orx/platform/posix/dom/tree.h>
 
 #include <libxml/parserInternals.h>

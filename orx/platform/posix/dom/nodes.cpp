@@ -1,12 +1,12 @@
 #include <orx/platform/dom.h>
 
+#include <orx/base/utf8.h>
 #include <orx/platform/code_page.h>
+#include <orx/platform/dom_rules.h>
 #include <orx/platform/posix/dom/host.h>
 #include <orx/platform/posix/dom/node_maker.h>
-#include <orx/platform/posix/dom/rules.h>
 #include <orx/platform/posix/dom/tree.h>
-#include <orx/platform/posix/dom/variant_text.h>
-#include <orx/platform/posix/support/utf8.h>
+#include <orx/platform/variant_text.h>
 
 #include <algorithm>
 #include <cstring>
@@ -189,7 +189,7 @@ bool get_text(IXMLDOMElement& element, CStringA& text, Reason&) {
 
 bool set_text(IXMLDOMNode& node, const wchar_t* text, Reason& reason) {
   std::string narrow;
-  if (text != nullptr && !utf8::from_wide(text, std::wcslen(text), narrow)) {
+  if (text != nullptr && !utf8::from_wide(text, narrow)) {
     return refuse(reason, "the text has a code that is not a character");
   }
   return replace_text(handle_of(node), narrow, reason);

@@ -1,7 +1,7 @@
 #include <orx/platform/posix/dom/parse.h>
 
+#include <orx/platform/dom_rules.h>
 #include <orx/platform/posix/dom/host.h>
-#include <orx/platform/posix/dom/rules.h>
 #include <orx/platform/posix/dom/source.h>
 
 #include <libxml/SAX2.h>

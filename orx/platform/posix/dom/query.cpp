@@ -1,8 +1,8 @@
 // Queries. The suite itself uses two forms: "//NAME" for elements anywhere in the document, and "NAME" for
 // children. This file answers them by walking the tree, and leaves every other query to libxml2's XPath.
 #include <orx/platform/dom.h>
+#include <orx/platform/dom_rules.h>
 #include <orx/platform/posix/dom/host.h>
-#include <orx/platform/posix/dom/rules.h>
 #include <orx/platform/posix/dom/tree.h>
 #include <orx/platform/stack.h>
 

@@ -5,9 +5,9 @@
 // converter for them.
 #pragma once
 
-#include <orx/platform/posix/dom/rules.h>
+#include <orx/base/utf8.h>
+#include <orx/platform/dom_rules.h>
 #include <orx/platform/posix/support/cancellation_block.h>
-#include <orx/platform/posix/support/utf8.h>
 
 #include <iconv.h>
 

@@ -1,7 +1,7 @@
 #include <orx/platform/posix/dom/write.h>
 
+#include <orx/platform/dom_rules.h>
 #include <orx/platform/posix/dom/host.h>
-#include <orx/platform/posix/dom/rules.h>
 
 #include <algorithm>
 #include <array>

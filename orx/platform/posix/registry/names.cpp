@@ -1,6 +1,7 @@
 #include <orx/platform/posix/registry/names.h>
 
-#include <orx/platform/posix/support/utf8.h>
+#include <orx/base/utf8.h>
+#include <orx/platform/posix/support/letter_case.h>
 
 #include <algorithm>
 
@@ -9,7 +10,7 @@ namespace orx::platform {
 bool fold_name(std::string_view name, std::size_t max_characters, std::string& folded) {
   const auto continuations = static_cast<std::size_t>(std::ranges::count_if(name, utf8::is_continuation));
   const std::size_t characters = name.size() - continuations;
-  return characters <= max_characters && utf8::to_upper(name, folded);
+  return characters <= max_characters && to_capitals(name, folded);
 }
 
 std::string_view take_level(std::string_view& path) {

@@ -1,6 +1,6 @@
 #include <orx/platform/posix/registry/schema.h>
 
-#include <orx/platform/posix/support/utf8.h>
+#include <orx/platform/posix/support/letter_case.h>
 
 #include <cstddef>
 #include <new>
@@ -87,7 +87,7 @@ void fold(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
   const auto size = static_cast<std::size_t>(sqlite3_value_bytes(arguments[0]));
   try {
     std::string folded(reinterpret_cast<const char*>(text), size);
-    utf8::to_upper(folded, folded);  // a text that is not valid stays as it is
+    to_capitals(folded, folded);  // a text that is not valid stays as it is
     sqlite3_result_text64(context, folded.data(), folded.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
   } catch (const std::bad_alloc&) {
     sqlite3_result_error_nomem(context);

@@ -1,8 +1,8 @@
-#include <orx/platform/posix/dom/variant_text.h>
+#include <orx/platform/variant_text.h>
 
 #include <orx/base/ascii.h>
 #include <orx/base/calendar.h>
-#include <orx/platform/posix/support/utf8.h>
+#include <orx/base/utf8.h>
 
 #include <algorithm>
 #include <charconv>
@@ -70,7 +70,7 @@ HRESULT date_text(double date, std::string& text) {
 
 HRESULT wide_text(BSTR value, std::string& text) {
   const wchar_t* wide = value != nullptr ? value : L"";
-  return utf8::from_wide(wide, std::wcslen(wide), text) ? S_OK : E_INVALIDARG;
+  return utf8::from_wide(wide, text) ? S_OK : E_INVALIDARG;
 }
 
 HRESULT store(std::string converted, std::string& text) {

@@ -1,6 +1,6 @@
-#include <orx/platform/posix/dom/rules.h>
+#include <orx/platform/dom_rules.h>
 
-#include <orx/platform/posix/support/utf8.h>
+#include <orx/base/utf8.h>
 
 #include <algorithm>
 #include <array>

@@ -1,18 +1,12 @@
-#include <orx/platform/posix/support/utf8.h>
-
-#include <orx/base/ascii.h>
-#include <orx/compat/atl_exception.h>
-
-#include <utf8proc.h>
+#include <orx/base/utf8.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <utility>
 
-namespace orx::platform::utf8 {
+namespace orx::utf8 {
 
 namespace {
 
@@ -53,7 +47,26 @@ const unsigned char* skip_ascii(const unsigned char* bytes, const unsigned char*
   return std::find_if(bytes, end, [](unsigned char byte) { return byte >= 0x80; });
 }
 
-bool is_code_point(std::uint32_t c) { return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF); }
+constexpr bool kHasUtf16 = sizeof(wchar_t) == 2;
+constexpr char32_t kFirstHighSurrogate = 0xD800;
+constexpr char32_t kFirstLowSurrogate = 0xDC00;
+constexpr char32_t kLastSurrogate = 0xDFFF;
+constexpr unsigned char kFirstLeadOfFourBytes = 0xF0;
+
+bool is_code_point(char32_t c) { return c <= 0x10FFFF && (c < kFirstHighSurrogate || c > kLastSurrogate); }
+
+// Removes the first character from a wide text that is not empty. Returns a value that is not a code point
+// for a surrogate without its partner.
+char32_t take_first_wide(std::wstring_view& text) {
+  const auto first = static_cast<char32_t>(text.front());
+  text.remove_prefix(1);
+  const bool is_high = first >= kFirstHighSurrogate && first < kFirstLowSurrogate;
+  if (!kHasUtf16 || !is_high || text.empty()) return first;
+  const auto second = static_cast<char32_t>(text.front());
+  if (second < kFirstLowSurrogate || second > kLastSurrogate) return first;
+  text.remove_prefix(1);
+  return 0x10000 + ((first - kFirstHighSurrogate) << 10) + (second - kFirstLowSurrogate);
+}
 
 }  // namespace
 
@@ -115,43 +128,11 @@ char* encode(std::uint32_t code_point, char* out) {
   return out;
 }
 
-// The capital of a character by the rule of Windows for names of files and registry keys: a letter has a
-// capital only if that capital's small letter is the letter itself. So a dotless i does not become I. The
-// final sigma is an exception and becomes a sigma. utf8proc also gives the sharp s a capital, but Unicode's
-// simple mapping, which Windows uses, does not.
-static std::uint32_t to_capital(std::uint32_t c) {
-  constexpr std::uint32_t kSharpS = 0xDF;
-  constexpr std::uint32_t kFinalSigma = 0x3C2;
-  const auto letter = static_cast<utf8proc_int32_t>(c);
-  const utf8proc_int32_t upper = utf8proc_toupper(letter);
-  const bool is_pair = c != kSharpS && utf8proc_tolower(upper) == letter;
-  return is_pair || c == kFinalSigma ? static_cast<std::uint32_t>(upper) : c;
-}
-
-bool to_upper(std::string_view text, std::string& upper) {
-  if (!is_valid(text)) return false;
-  std::string capitals;
-  capitals.reserve(text.size());
-  while (!text.empty()) {
-    const char c = text.front();
-    if (static_cast<unsigned char>(c) < 0x80) {
-      capitals += orx::to_upper(c);
-      text.remove_prefix(1);
-    } else {
-      char bytes[4];
-      const auto letter = static_cast<std::uint32_t>(take_first(text));
-      capitals.append(bytes, encode(to_capital(letter), bytes));
-    }
-  }
-  upper = std::move(capitals);
-  return true;
-}
-
-bool from_wide(const wchar_t* text, std::size_t length, std::string& out) {
+bool from_wide(std::wstring_view text, std::string& out) {
   std::string narrow;
-  narrow.reserve(length);
-  for (const wchar_t character : std::wstring_view(text, length)) {
-    const auto c = static_cast<std::uint32_t>(character);
+  narrow.reserve(text.size());
+  while (!text.empty()) {
+    const char32_t c = take_first_wide(text);
     if (c < 0x80) {
       narrow += static_cast<char>(c);
       continue;
@@ -164,15 +145,25 @@ bool from_wide(const wchar_t* text, std::size_t length, std::string& out) {
   return true;
 }
 
-BSTR to_wide(std::string_view text) {
-  if (!is_valid(text)) AtlThrow(E_INVALIDARG);
-  const auto length = static_cast<std::size_t>(text.size()) -
-                      static_cast<std::size_t>(std::ranges::count_if(text, is_continuation));
-  if (length > std::numeric_limits<UINT>::max()) AtlThrow(E_OUTOFMEMORY);
-  const BSTR wide = SysAllocStringLen(nullptr, static_cast<UINT>(length));
-  if (wide == nullptr) AtlThrow(E_OUTOFMEMORY);
-  for (OLECHAR* to = wide; !text.empty(); ++to) *to = static_cast<OLECHAR>(take_first(text));
-  return wide;
+std::size_t wide_length(std::string_view text) {
+  std::size_t length = 0;
+  for (const char byte : text) {
+    if (!is_continuation(byte)) ++length;
+    if (kHasUtf16 && static_cast<unsigned char>(byte) >= kFirstLeadOfFourBytes) ++length;
+  }
+  return length;
 }
 
-}  // namespace orx::platform::utf8
+void to_wide(std::string_view text, wchar_t* out) {
+  while (!text.empty()) {
+    const char32_t c = take_first(text);
+    if (kHasUtf16 && c > 0xFFFF) {
+      *out++ = static_cast<wchar_t>(kFirstHighSurrogate + ((c - 0x10000) >> 10));
+      *out++ = static_cast<wchar_t>(kFirstLowSurrogate + (c & 0x3FF));
+    } else {
+      *out++ = static_cast<wchar_t>(c);
+    }
+  }
+}
+
+}  // namespace orx::utf8

@@ -1,15 +1,13 @@
-// UTF-8, the encoding of narrow text on this system. Overlong forms, surrogates and everything above U+10FFFF
-// are invalid.
+// UTF-8 and its conversion to wide text. Overlong forms, surrogates and everything above U+10FFFF are
+// invalid. Internal to the library.
 #pragma once
-
-#include <orx/compat/bstr.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-namespace orx::platform::utf8 {
+namespace orx::utf8 {
 
 // What the rest of a character must be: the number of its bytes, and the range of the next one. An empty
 // range refuses every byte.
@@ -40,19 +38,18 @@ constexpr bool is_continuation(char byte) { return (static_cast<unsigned char>(b
 // Removes the first character from a valid text that is not empty, and returns its code point.
 char32_t take_first(std::string_view& text);
 
-// Converts a text to capitals, one character for each character, the same in every locale. `upper` may be the
-// string of `text`. Returns false and leaves `upper` unchanged if the text is invalid.
-bool to_upper(std::string_view text, std::string& upper);
-
 // Writes a code point as one to four bytes and returns the position after them.
 char* encode(std::uint32_t code_point, char* out);
 
-// Converts wide text. Returns false and leaves `out` unchanged if a wide character is a surrogate or above
-// U+10FFFF.
-bool from_wide(const wchar_t* text, std::size_t length, std::string& out);
+// Wide text is UTF-16 where wchar_t has 16 bits, otherwise UTF-32.
 
-// A wide copy, which the caller releases with SysFreeString. Raises CAtlException: E_OUTOFMEMORY, or
-// E_INVALIDARG for an invalid text.
-BSTR to_wide(std::string_view text);
+// Returns false and leaves `out` unchanged if the wide text is invalid: a value above U+10FFFF, or a
+// surrogate that is not part of a UTF-16 pair.
+bool from_wide(std::wstring_view text, std::string& out);
 
-}  // namespace orx::platform::utf8
+// The number of wide characters of a valid text, and the conversion, which writes that number to `out`
+// without a NUL.
+std::size_t wide_length(std::string_view text);
+void to_wide(std::string_view text, wchar_t* out);
+
+}  // namespace orx::utf8
