@@ -1,4 +1,4 @@
-// Keys of the registry, transactions, and the texts of errors.
+// Keys of the registry, transactions, and the messages for results.
 //
 // Functions that return an LSTATUS return ERROR_SUCCESS or the system's code for the failure. Names and paths
 // are narrow text. A call may wait for another process that writes, for at most some seconds. Any thread may
@@ -71,8 +71,8 @@ class RegistryTransaction {
 // has no home folder.
 std::string registry_file(HKEY root);
 
-// The message of the calling thread's last registry function that failed, followed by CR LF. Empty when no
-// call has failed, and for a code without a message.
-std::string last_error_text();
+// The system's message for the result of a registry function, followed by CR LF. Empty for a code without a
+// message.
+std::string registry_error_text(LSTATUS status);
 
 }  // namespace orx::platform

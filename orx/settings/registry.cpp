@@ -57,7 +57,9 @@ int guarded(Body body) {
   }
 }
 
-void report_last_error() { orx::platform::debug_output(orx::platform::last_error_text().c_str()); }
+void report_error(LSTATUS status) {
+  orx::platform::debug_output(orx::platform::registry_error_text(status).c_str());
+}
 
 // What an empty name in a path means: the key before it, or a failure.
 enum class EmptyName { kSkipped, kRefused };
@@ -99,7 +101,7 @@ int read_value(const Levels& levels, const char* name, void* buffer, int size) {
     if (!path.is_valid) return -1;
     // Only a failed query is reported. A missing key counts as a missing value, which is a failed query.
     const bool is_queried = opened == ERROR_SUCCESS || opened == ERROR_FILE_NOT_FOUND;
-    if (status != ERROR_SUCCESS && is_queried) report_last_error();
+    if (status != ERROR_SUCCESS && is_queried) report_error(status);
     return result_of(status == ERROR_SUCCESS ? end : status);
   });
 }
@@ -189,10 +191,10 @@ int open_key(const Path& path, HKEY& opened) {
   RegistryKey key;
   std::vector<std::string> created;
   const LSTATUS status = create_levels(path, key, created);
-  if (key == nullptr) report_last_error();
+  if (key == nullptr) report_error(status);
   for (; status != ERROR_SUCCESS && !created.empty(); created.pop_back()) {
     const LSTATUS deleted = RegDeleteKeyA(HKEY_CURRENT_USER, created.back().c_str());
-    if (deleted != ERROR_SUCCESS) report_last_error();
+    if (deleted != ERROR_SUCCESS) report_error(status);
   }
   if (transaction.End() != ERROR_SUCCESS || status != ERROR_SUCCESS) return -1;
   opened = key.Release();

@@ -12,8 +12,6 @@ namespace {
 
 using Intent = RegistryTransaction::Intent;
 
-thread_local LSTATUS last_error = ERROR_SUCCESS;
-
 std::string_view text_or_empty(const char* text) { return text != nullptr ? text : ""; }
 
 // Runs an operation on a key, in a transaction of its own if its thread has none. An error of the transaction
@@ -48,13 +46,7 @@ LSTATUS with_key(HKEY handle, REGSAM rights, Intent intent, Operation operation)
     const bool is_allowed = (key.access & rights) == rights;
     status = is_allowed ? in_transaction(key, intent, operation) : LSTATUS{ERROR_ACCESS_DENIED};
   }
-  if (status != ERROR_SUCCESS) last_error = status;
   return status;
-}
-
-LSTATUS reject_parameter() {
-  last_error = ERROR_INVALID_PARAMETER;
-  return ERROR_INVALID_PARAMETER;
 }
 
 HKEY add_handle(RegistryStore& store, KeyId id, REGSAM access) {
@@ -113,7 +105,6 @@ LSTATUS RegistryTransaction::End(Outcome outcome) {
   const LSTATUS status = registry().StoreOf(root_).database().End(outcome);
   root_ = nullptr;
   registry().mutex.unlock();
-  if (status != ERROR_SUCCESS) last_error = status;
   return status;
 }
 
@@ -122,9 +113,9 @@ std::string registry_file(HKEY root) {
   return registry_path(root == HKEY_LOCAL_MACHINE ? kMachineRegistry : kUserRegistry);
 }
 
-std::string last_error_text() {
-  for (const auto& [status, text] : kErrorTexts) {
-    if (status == last_error) return std::string(text) + "\r\n";
+std::string registry_error_text(LSTATUS status) {
+  for (const auto& [known, text] : kErrorTexts) {
+    if (known == status) return std::string(text) + "\r\n";
   }
   return "";
 }
@@ -137,12 +128,11 @@ using orx::platform::KeyId;
 using orx::platform::registry;
 using orx::platform::RegistryStore;
 using orx::platform::RegistryTransaction;
-using orx::platform::reject_parameter;
 using orx::platform::text_or_empty;
 using orx::platform::with_key;
 
 LSTATUS RegOpenKeyExA(HKEY key, const char* path, DWORD /*options*/, REGSAM access, HKEY* opened) {
-  if (opened == nullptr) return reject_parameter();
+  if (opened == nullptr) return ERROR_INVALID_PARAMETER;
   *opened = nullptr;
   const LSTATUS status = with_key(key, 0, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId from) {
     KeyId id = 0;
@@ -156,7 +146,7 @@ LSTATUS RegOpenKeyExA(HKEY key, const char* path, DWORD /*options*/, REGSAM acce
 LSTATUS RegCreateKeyExA(HKEY key, const char* path, DWORD /*reserved*/, char* /*class_name*/,
                         DWORD /*options*/, REGSAM access, const void* /*security*/, HKEY* opened,
                         DWORD* disposition) {
-  if (opened == nullptr) return reject_parameter();
+  if (opened == nullptr) return ERROR_INVALID_PARAMETER;
   *opened = nullptr;
   const LSTATUS status = with_key(key, 0, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId from) {
     KeyId id = 0;
@@ -177,7 +167,7 @@ LSTATUS RegCloseKey(HKEY key) {
 
 LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* /*reserved*/, DWORD* type, BYTE* data,
                          DWORD* size) {
-  if (data != nullptr && size == nullptr) return reject_parameter();
+  if (data != nullptr && size == nullptr) return ERROR_INVALID_PARAMETER;
   return with_key(key, KEY_QUERY_VALUE, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId id) {
     return store.Query(id, text_or_empty(name), {type, data, size});
   });
@@ -197,7 +187,7 @@ LSTATUS RegDeleteValueA(HKEY key, const char* name) {
 }
 
 LSTATUS RegDeleteKeyA(HKEY key, const char* path) {
-  if (path == nullptr) return reject_parameter();
+  if (path == nullptr) return ERROR_INVALID_PARAMETER;
   return with_key(key, 0, RegistryTransaction::kRead,
                   [&](RegistryStore& store, KeyId id) { return store.Delete(id, path); });
 }
@@ -209,7 +199,7 @@ LSTATUS SHDeleteKeyA(HKEY key, const char* path) {
 
 LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* /*reserved*/,
                       char* /*class_name*/, DWORD* /*class_size*/, void* /*last_write_time*/) {
-  if (name == nullptr || name_size == nullptr) return reject_parameter();
+  if (name == nullptr || name_size == nullptr) return ERROR_INVALID_PARAMETER;
   return with_key(key, KEY_ENUMERATE_SUB_KEYS, RegistryTransaction::kRead,
                   [&](RegistryStore& store, KeyId id) {
                     return store.ListKey(id, index, {name, name_size});
@@ -219,7 +209,7 @@ LSTATUS RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD
 LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* /*reserved*/, DWORD* type,
                       BYTE* data, DWORD* size) {
   if (name == nullptr || name_size == nullptr || (data != nullptr && size == nullptr))
-    return reject_parameter();
+    return ERROR_INVALID_PARAMETER;
   return with_key(key, KEY_QUERY_VALUE, RegistryTransaction::kRead, [&](RegistryStore& store, KeyId id) {
     return store.ListValue(id, index, {name, name_size}, {type, data, size});
   });
