@@ -309,6 +309,24 @@ TEST(Octree, SubdividesDegenerateNodes) {
   }
 }
 
+TEST(Octree, SearchesNeighboursInTheirOrder) {
+  CORXOcTreeNode tree;
+  tree.SetTolerance(0.5);
+  init(tree, 2, logged_compare);
+  Items items;
+  for (int i = 0; i < 8; ++i)
+    items.push_back({(i & 1) != 0 ? 2. : 6., (i & 2) != 0 ? 2. : 6., (i & 4) != 0 ? 2. : 6., i});
+  add(tree, items);
+  const double values[] = {3, 3.5, 3.6, 3.9, 4, 4.4};
+  for (int i = 0; i < 6 * 6 * 6; ++i) {
+    Item probe = {values[i % 6], values[i / 6 % 6], values[i / 36], i};
+    tree.FindNode(&probe);
+    const std::string made = calls_made();
+    sought(tree, probe, logged_compare, true);
+    EXPECT_EQ(made, calls_made());
+  }
+}
+
 int reading_locate(void* item, double x, double y, double z) {
   CORXOcTreeNode* const tree = std::exchange(tree_to_read, nullptr);
   if (tree != nullptr) tree->FindNode(item);
