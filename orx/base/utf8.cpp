@@ -60,12 +60,15 @@ bool is_code_point(char32_t c) { return c <= 0x10FFFF && (c < kFirstHighSurrogat
 char32_t take_first_wide(std::wstring_view& text) {
   const auto first = static_cast<char32_t>(text.front());
   text.remove_prefix(1);
-  const bool is_high = first >= kFirstHighSurrogate && first < kFirstLowSurrogate;
-  if (!kHasUtf16 || !is_high || text.empty()) return first;
-  const auto second = static_cast<char32_t>(text.front());
-  if (second < kFirstLowSurrogate || second > kLastSurrogate) return first;
-  text.remove_prefix(1);
-  return 0x10000 + ((first - kFirstHighSurrogate) << 10) + (second - kFirstLowSurrogate);
+  if constexpr (kHasUtf16) {
+    const bool is_high = first >= kFirstHighSurrogate && first < kFirstLowSurrogate;
+    const auto second = static_cast<char32_t>(is_high && !text.empty() ? text.front() : 0);
+    if (second >= kFirstLowSurrogate && second <= kLastSurrogate) {
+      text.remove_prefix(1);
+      return 0x10000 + ((first - kFirstHighSurrogate) << 10) + (second - kFirstLowSurrogate);
+    }
+  }
+  return first;
 }
 
 }  // namespace
