@@ -77,8 +77,8 @@ std::streamoff start_of_last(std::istream& file, int lines) {
   return lines > 0 ? 0 : size;
 }
 
-// Reads a log that grows. The file is opened for each call, so that a log that was emptied or replaced
-// meanwhile is noticed: `at_` is the offset of the next line, `head_` the start of the file at the last call.
+// Reads a log that grows. Each call opens the file again, and notices when the log was emptied or replaced
+// since the last call. `at_` is the offset of the next line, `head_` the start of the file at the last call.
 class LogReader {
  public:
   explicit LogReader(std::string path) : path_(std::move(path)) {}

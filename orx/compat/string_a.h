@@ -192,8 +192,8 @@ class ORX_API CStringA {
     if (!is_nil) ChangeOwners(chars, 1);
     return chars;
   }
-  // Removes an owner, and frees the block with its last owner. The only owner needs no subtraction: no other
-  // string can become an owner meanwhile.
+  // Removes an owner, and frees the block with its last owner. The only owner needs no subtraction: at
+  // that moment no other string can become an owner.
   static void Drop(char* chars) noexcept {
     const int owners = ReferencesTo(chars).load(std::memory_order_acquire);
     const bool is_nil = owners == 0;

@@ -84,8 +84,8 @@ struct Style {
   char hour_padding;  // of records of a time alone
 };
 
-// The year as it is written: with short years, two digits stand for the hundred years from 1900 + pivot on,
-// which are the years that two digits are read as.
+// The year as it is written. Short years are written with two digits from the year 1900 + pivot on, for a
+// hundred years. Reading two digits gives one of the same years.
 int written_year(int year, bool has_short_years) {
   const std::int64_t first = std::int64_t{orx::datetime::static_defaults.pivot} + 1900;
   const bool is_short = has_short_years && year >= first && year <= first + 99;

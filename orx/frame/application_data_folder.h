@@ -7,7 +7,7 @@ namespace orx {
 
 using ApplicationDataFolder = char[ORX_APPLICATION_DATA_PATH_SIZE];
 
-// Finds the folder as application_data.h describes it; the empty text when there is none or memory runs out.
+// Finds the folder as application_data.h describes it. The text is empty without a folder or out of memory.
 // Returns true when all later calls will find the same folder. Raises no exception.
 bool find_application_data_folder(ApplicationDataFolder& folder);
 

@@ -8,7 +8,7 @@
 // is the empty text.
 //
 // Ownership: every node, element or list that an operation stores carries a reference that the caller owns
-// and gives back with Release. It stays valid after the document is closed. After a failure the pointer is
+// and ends with Release. It stays valid after the document is closed. After a failure the pointer is
 // null. An output pointer is overwritten, so release what it held first. Nodes that are passed in are
 // borrowed for the call. A VARIANT output is overwritten too: initialise it before the call and clear it
 // after.

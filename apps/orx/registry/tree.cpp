@@ -85,7 +85,7 @@ StoredValue read_opened(HKEY opened, const KeyName& key, const std::string& name
   StoredValue value{name, REG_NONE, {}};
   DWORD size = kFirstDataSize;
   LSTATUS status = ERROR_MORE_DATA;
-  while (status == ERROR_MORE_DATA) {  // again if another program writes a longer value meanwhile
+  while (status == ERROR_MORE_DATA) {  // again if another program writes a longer value between the calls
     value.bytes.resize(size);
     status = RegQueryValueExA(opened, name.c_str(), nullptr, &value.type,
                               reinterpret_cast<BYTE*>(value.bytes.data()), &size);

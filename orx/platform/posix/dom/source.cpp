@@ -20,14 +20,14 @@ namespace {
 // The bytes at the beginning of a document in which its declaration is looked for.
 constexpr std::size_t kHeadBytes = 512;
 
-// The characters of windows-1252 from 0x80 to 0x9F. Its five unused codes stand for the control characters of
-// the same number.
+// The characters of windows-1252 from 0x80 to 0x9F. The five unused codes are the control characters of
+// the same numbers.
 constexpr std::array<unsigned short, 32> kWindows1252 = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-// The name in the encoding declaration. Empty when there is none. `head` is the beginning of the document.
+// The name in the encoding declaration; empty without a declaration. `head` is the start of the document.
 std::string declared_encoding(std::string_view head) {
   if (!head.starts_with("<?xml") || head.substr(5).find_first_of(" \t\r\n") != 0) return {};
   head = head.substr(0, head.find("?>"));

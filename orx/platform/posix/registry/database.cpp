@@ -172,7 +172,7 @@ LSTATUS RegistryDatabase::End(RegistryTransaction::Outcome outcome) {
     rollback.Step();
     ++epoch_;
   }
-  // The next transaction opens the file again, because somebody may have repaired it meanwhile. That also
+  // The next transaction opens the file again, because somebody may have repaired it until then. That also
   // changes the epoch: after some failures SQLite undoes the transaction by itself.
   if (failure_ != ERROR_SUCCESS && failure_ != ERROR_BUSY) Disconnect();
   signals_.reset();

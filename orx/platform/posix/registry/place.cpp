@@ -43,7 +43,7 @@ int make_registry_file(const RegistryPlace& place, const std::string& path) {
     file = open(path.c_str(), kNew, 0600);
   }
   if (file < 0) return errno == EEXIST ? 0 : errno;
-  // Closing a file releases all locks that the process has on it. The file is new, so there are none.
+  // Closing a file releases all locks that the process has on it. A new file has no locks.
   const int error = fchmod(file, place.file_mode) == 0 ? 0 : errno;
   close(file);
   return error;

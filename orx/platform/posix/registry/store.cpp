@@ -61,7 +61,7 @@ LSTATUS RegistryStore::Find(KeyId from, std::string_view path, KeyId& found) {
 }
 
 // A key that exists is found without a write. Otherwise all levels are searched for again after BeginWriting,
-// because another process may have created some of them meanwhile.
+// because another process may have created some of them in between.
 LSTATUS RegistryStore::Make(KeyId from, std::string_view path, KeyId& made, bool& is_new) {
   is_new = false;
   LSTATUS status = Find(from, path, made);
